@@ -6,6 +6,20 @@
 
 IBIS_BEGIN_DECLS
 
+/* The columns of every range and range table. */
+typedef enum RngCorner {
+    CORNER_TYP = 0,
+    CORNER_MIN = 1,
+    CORNER_MAX = 2,
+    CORNER_COUNT = 3
+} RngCorner;
+
+/* One number that may be missing. */
+typedef struct RngSingle {
+    double value;
+    int state; /* CellState */
+} RngSingle;
+
 typedef struct RngRange {
     double typ;
     int typState; /* CellState */
