@@ -1,0 +1,92 @@
+/* [External Circuit], and [External Model] of a model: behaviour outside the file. */
+#ifndef IBISPARSER_EXT_H
+#define IBISPARSER_EXT_H
+
+#include "IbisParser/ibis.h"
+#include "IbisParser/sizes.h"
+
+IBIS_BEGIN_DECLS
+
+typedef enum ExtLanguage {
+    LANGUAGE_UNSET = 0,
+    LANGUAGE_SPICE = 1,
+    LANGUAGE_VHDL_AMS = 2,
+    LANGUAGE_VERILOG_AMS = 3,
+    LANGUAGE_VHDL_A = 4,
+    LANGUAGE_VERILOG_A = 5
+} ExtLanguage;
+
+typedef enum ExtCorner {
+    CORNER_NONE = 0,
+    CORNER_TYP = 1,
+    CORNER_MIN = 2,
+    CORNER_MAX = 3
+} ExtCorner;
+
+typedef struct ExtCornerRow ExtCornerRow;
+struct ExtCornerRow {
+    ExtCornerRow* next; /* file order */
+    int corner;         /* ExtCorner */
+    char* file;         /* owned, as circuit */
+    char* circuit;
+};
+
+/* A name under Ports or Parameters. */
+typedef struct ExtName ExtName;
+struct ExtName {
+    ExtName* next; /* file order */
+    char name[SIZE_NAME + 1];
+};
+
+/* A D_to_A or A_to_D line. */
+typedef struct ExtConversion ExtConversion;
+struct ExtConversion {
+    ExtConversion* next; /* file order */
+    int toAnalog;        /* 1 D_to_A, 0 A_to_D */
+    char digital[SIZE_NAME + 1];
+    char port1[SIZE_NAME + 1];
+    char port2[SIZE_NAME + 1];
+    double vlow;  /* volt */
+    double vhigh; /* volt */
+    double trise; /* second, D_to_A only */
+    double tfall; /* second, D_to_A only */
+    int corner;   /* ExtCorner */
+    unsigned long line;
+};
+
+struct Ext {
+    Ext* next;
+    char name[SIZE_NAME + 1]; /* of the circuit, or of the model */
+    unsigned long line;
+    int language; /* ExtLanguage */
+    ExtCornerRow* corners;
+    ExtName* parameters;
+    ExtName* ports;
+    ExtConversion* conversions;
+    int ended;
+};
+
+int EXT_CIR_Init(void);
+int EXT_ReceiveLine(int kind, int code, char* line);
+void EXT_FreeList(Ext* head);
+int EXT_AddLink(Ext** head, Ext* item);
+Ext* EXT_FindByName(Ext* head, const char* name);
+/* 1 when the circuit lists the port. */
+int EXT_HasPort(const Ext* item, const char* port);
+/* 3600, 3408, 3418 and 3718 over the circuits of a file. */
+int EXT_TestList(Ext* externals, const Cmpnt* components);
+
+/* [External Model]. line is the text after the keyword or the data line. */
+int EXT_MdlNew(Mdl* model, const char* line);
+int EXT_MdlReceiveLine(Mdl* model, const char* line);
+int EXT_MdlEnd(Mdl* model, const char* line);
+/* Before every keyword line that follows [External Model] other than its end: an open block is
+ * error 3440 and is finished. */
+int EXT_MdlFini(Mdl* model);
+/* 3418: the files of a model's block exist. */
+int EXT_MdlTest(const Mdl* model);
+void EXT_Free(Ext* item);
+
+IBIS_END_DECLS
+
+#endif
