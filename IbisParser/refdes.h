@@ -1,0 +1,29 @@
+/* [Reference Designator Map] of a board: which component or board each designator stands for. */
+#ifndef IBISPARSER_REFDES_H
+#define IBISPARSER_REFDES_H
+
+#include "IbisParser/ibis.h"
+#include "IbisParser/sizes.h"
+
+IBIS_BEGIN_DECLS
+
+typedef struct RefDes RefDes;
+struct RefDes {
+    RefDes* next; /* file order */
+    char name[SIZE_REFDES + 1];
+    unsigned long line;
+    char* file;                    /* owned; in the folder of the board file */
+    char component[SIZE_NAME + 1]; /* component or board of that file */
+};
+
+int REFDES_ReceiveLine(EbdMdl* board, char* line);
+/* The row of the designator, or null. */
+RefDes* REFDES_Find(const EbdMdl* board, const char* name);
+/* Designators that no path uses, and the files, components and pins that they name; the files are
+ * read when deep is non-zero. */
+int REFDES_Test(const EbdMdl* board, int deep);
+void REFDES_FreeList(RefDes* head);
+
+IBIS_END_DECLS
+
+#endif
