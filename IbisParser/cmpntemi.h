@@ -21,7 +21,7 @@ struct EmiPin {
     char name[SIZE_PIN + 1];
     unsigned long line;
     char domain[SIZE_GROUP + 1]; /* empty: NA */
-    KrngValue clockDiv;
+    RngSingle clockDiv;
 };
 
 typedef struct EmiPinDomain EmiPinDomain;
@@ -35,9 +35,9 @@ struct EmiPinDomain {
 typedef struct CmpntEmi CmpntEmi;
 struct CmpntEmi {
     int domain;    /* EmiDomain */
-    KrngValue Cpd; /* farad, as the next two */
-    KrngValue C_Heatsink_gnd;
-    KrngValue C_Heatsink_float;
+    RngSingle Cpd; /* farad, as the next two */
+    RngSingle C_Heatsink_gnd;
+    RngSingle C_Heatsink_float;
     EmiPin* pins;
     EmiPinDomain* domains;
     int ended;

@@ -14,10 +14,10 @@ struct DiffPin {
     char name[SIZE_PIN + 1]; /* non-inverting pin */
     unsigned long line;
     char invPin[SIZE_PIN + 1];
-    KrngValue vdiff;     /* volt */
-    KrngValue tdelayTyp; /* second, of the inverting pin against the other; either sign */
-    KrngValue tdelayMin;
-    KrngValue tdelayMax;
+    RngSingle vdiff;     /* volt */
+    RngSingle tdelayTyp; /* second, of the inverting pin against the other; either sign */
+    RngSingle tdelayMin;
+    RngSingle tdelayMax;
 };
 
 /* line is the text after the keyword or the data line. */

@@ -3,6 +3,7 @@
 #define IBISPARSER_EXT_H
 
 #include "IbisParser/ibis.h"
+#include "IbisParser/rng.h"
 #include "IbisParser/sizes.h"
 
 IBIS_BEGIN_DECLS
@@ -16,17 +17,10 @@ typedef enum ExtLanguage {
     LANGUAGE_VERILOG_A = 5
 } ExtLanguage;
 
-typedef enum ExtCorner {
-    CORNER_NONE = 0,
-    CORNER_TYP = 1,
-    CORNER_MIN = 2,
-    CORNER_MAX = 3
-} ExtCorner;
-
 typedef struct ExtCornerRow ExtCornerRow;
 struct ExtCornerRow {
     ExtCornerRow* next; /* file order */
-    int corner;         /* ExtCorner */
+    int corner;         /* RngCorner */
     char* file;         /* owned, as circuit */
     char* circuit;
 };
@@ -50,7 +44,7 @@ struct ExtConversion {
     double vhigh; /* volt */
     double trise; /* second, D_to_A only */
     double tfall; /* second, D_to_A only */
-    int corner;   /* ExtCorner */
+    int corner;   /* RngCorner */
     unsigned long line;
 };
 

@@ -8,11 +8,6 @@
 
 IBIS_BEGIN_DECLS
 
-typedef struct KrngValue {
-    double value;
-    int state; /* CellState */
-} KrngValue;
-
 /* Splits "name value ...", "name = value ..." or "name=value ..." into the name and at most max - 1
  * values; the "=" is left out of the items and of argc, a second one is error 1918. 0 when the line
  * could not be split, else 1 and args must be freed. */
@@ -26,10 +21,10 @@ int KRNG_SetRange(RngRange** slot, const char* text, const char* name);
 /* Reads items 1 of a split line as a number. A slot that is filled keeps its value: error 1911. A
  * missing value is error 1913; further items are the caller's to judge. 1 when the slot was
  * filled. */
-int KRNG_SetSingle(KrngValue* slot, const CmnArgs* args, const char* name);
+int KRNG_SetSingle(RngSingle* slot, const CmnArgs* args, const char* name);
 /* Reads one cell: errors 1909, warning 1910. Unless allowNA, NA is an error as any other text.
  * 1 when a state was stored. */
-int KRNG_ReadCell(const char* text, const char* name, int allowNA, KrngValue* out);
+int KRNG_ReadCell(const char* text, const char* name, int allowNA, RngSingle* out);
 
 /* Infinities and NaN pass the number reader: these turn them into NA, after one 1909 that quotes
  * text. 1 when every cell was finite. */

@@ -3,6 +3,8 @@
 
 #include <cstring>
 
+int geFileVersion = 0;
+int gbContinue = 0;
 unsigned long gulLineNum = 0;
 char gsFileName[CMN_PATH_MAX + 1] = "";
 

@@ -7,6 +7,8 @@
 
 IBIS_BEGIN_DECLS
 
+extern int geFileVersion; /* version class of the file being read: 2, 3, 4 or 5 */
+extern int gbContinue;    /* 1 while an item that must end with "/" is open */
 extern unsigned long gulLineNum; /* line being read, 1 for the first */
 extern char gsFileName[CMN_PATH_MAX + 1];
 

@@ -28,9 +28,9 @@ struct Pin {
     unsigned long line;
     char signal[SIZE_NAME + 1];
     char model[SIZE_NAME + 1];
-    KrngValue R;  /* ohm */
-    KrngValue L;  /* henry */
-    KrngValue C;  /* farad */
+    RngSingle R;  /* ohm */
+    RngSingle L;  /* henry */
+    RngSingle C;  /* farad */
     int kind;     /* PinKind */
     int repeated; /* the name stands in an earlier line: counted, else passed over */
     const struct PinMap* mapping; /* line under [Pin Mapping], or null */
