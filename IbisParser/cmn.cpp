@@ -74,8 +74,11 @@ char* CMN_StrMakeN(const char* s, int n)
 {
     if (s == nullptr || n < 0) return nullptr;
     const size_t room = static_cast<size_t>(n);
-    char* copy = static_cast<char*>(std::calloc(room + 1, 1));
-    if (copy != nullptr) std::memcpy(copy, s, strnlen(s, room));
+    const size_t length = strnlen(s, room);
+    char* copy = static_cast<char*>(std::malloc(room + 1));
+    if (copy == nullptr) return nullptr;
+    std::memcpy(copy, s, length);
+    std::memset(copy + length, 0, room + 1 - length);
     return copy;
 }
 
