@@ -63,6 +63,11 @@ int IBIS_GetMsels(IbisRoot* root, Msel** head);
 int IBIS_GetTestData(IbisRoot* root, TestData** head);
 int IBIS_GetTestLoad(IbisRoot* root, TestLoad** head);
 
+/* The checks of a whole document, for component files and for package and board files. A non-zero
+ * deep makes the check of a board read the files that it refers to. */
+void IBIS_Test(IbisRoot* root);
+void EBD_Test(IbisRoot* root, int deep);
+
 IBIS_END_DECLS
 
 #endif

@@ -1,0 +1,160 @@
+// The document store, and the order in which its parts are checked and released.
+#include "IbisParser/ibis.h"
+
+#include "IbisParser/algmod.h"
+#include "IbisParser/cmn.h"
+#include "IbisParser/errlog.h"
+#include "IbisParser/hdr.h"
+#include "IbisParser/parse.h"
+#include "IbisParser/pending.h"
+
+static const char s_Module[] = "IbisParser/ibis";
+
+// Newest first.
+static IbisRoot* s_Roots = nullptr;
+
+typedef void RootStep(IbisRoot* root);
+
+// A step for one list, taken when the list is not empty.
+template <auto List, auto Function>
+static void s_with(IbisRoot* root)
+{
+    if (root->*List != nullptr) Function(root->*List);
+}
+
+static void s_testComponents(IbisRoot* root)
+{
+    if (root->cmpnts == nullptr) {
+        ERRLOG_ErrorNew(3901, "Component", gsFileName);
+        return;
+    }
+    // chk_CheckAllComponents(root->cmpnts);
+    // CMPNT_TestList(root->cmpnts, root->exts, root->mdls);
+}
+
+// static void s_testSubModels(IbisRoot* root)
+// {
+//     if (root->subMdls != nullptr) MDL_TestSubMdlReferences(root->mdls, root->subMdls);
+// }
+//
+// static void s_testAddedSubModels(IbisRoot* root)
+// {
+//     MDL_TestSubMdls(root->mdls, root->subMdls);
+// }
+
+static RootStep* const s_TestSteps[] = {
+    // s_with<&IbisRoot::mdls, RCVTH_Check>,
+    // s_with<&IbisRoot::mdls, acdc_CheckAllModels>,
+    // s_with<&IbisRoot::mdls, chk_CheckAllModels>,
+    // s_with<&IbisRoot::mdls, DRVSH_Test>,
+    s_with<&IbisRoot::mdls, ALGMOD_Test>,
+    // s_with<&IbisRoot::msels, MSEL_TestList>,
+    s_testComponents,
+    // s_with<&IbisRoot::pkgMdls, PKGMDL_TestList>,
+    // s_with<&IbisRoot::testData, TESTDATA_TestList>,
+    // s_with<&IbisRoot::testLoads, TESTLOAD_TestList>,
+    // s_testSubModels,
+    // s_with<&IbisRoot::subMdls, chk_CheckAllSubModels>,
+    // s_with<&IbisRoot::subMdls, acdc_CheckAllSubModels>,
+    // s_testAddedSubModels,
+    // s_with<&IbisRoot::mdls, MDL_TestMdlReference>,
+};
+
+// External circuits have no place of their own in the order; nothing that is released before them
+// points at them.
+static RootStep* const s_FreeSteps[] = {
+    s_with<&IbisRoot::hdrs, HDR_FreeList>,           s_with<&IbisRoot::cmpnts, CMPNT_FreeList>,
+    s_with<&IbisRoot::mdls, MDL_FreeList>,           s_with<&IbisRoot::pkgMdls, PKGMDL_FreeList>,
+    s_with<&IbisRoot::msels, MSEL_FreeList>,         s_with<&IbisRoot::ebdMdls, EBDMDL_FreeList>,
+    s_with<&IbisRoot::subMdls, SUBMDL_FreeList>,     s_with<&IbisRoot::testData, TESTDATA_FreeList>,
+    s_with<&IbisRoot::testLoads, TESTLOAD_FreeList>, s_with<&IbisRoot::exts, EXT_FreeList>,
+};
+
+static void s_unlink(IbisRoot* root)
+{
+    IbisRoot** link = &s_Roots;
+    while (*link != nullptr && *link != root)
+        link = &(*link)->next;
+    if (*link == root) *link = root->next;
+}
+
+template <typename T>
+static int s_get(IbisRoot* root, T* IbisRoot::*list, T** head)
+{
+    CMN_ASSERT(root != nullptr && head != nullptr);
+    *head = root->*list;
+    return *head != nullptr;
+}
+
+template <typename T, typename Link>
+static int s_add(IbisRoot* root, T* IbisRoot::*list, T* item, Link* addLink)
+{
+    CMN_ASSERT(root != nullptr && item != nullptr);
+    addLink(&(root->*list), item);
+    return 1;
+}
+
+int IBIS_New(void)
+{
+    void* block = nullptr;
+    if (!CMN_malloc(&block, sizeof(IbisRoot))) return 0;
+    IbisRoot* root = static_cast<IbisRoot*>(block);
+    root->next = s_Roots;
+    s_Roots = root;
+    return 1;
+}
+
+int IBIS_GetIBIS(IbisRoot** root)
+{
+    CMN_ASSERT(root != nullptr);
+    *root = s_Roots;
+    return s_Roots != nullptr;
+}
+
+void IBIS_Free(IbisRoot* root)
+{
+    CMN_ASSERT(root != nullptr);
+    s_unlink(root);
+    for (RootStep* step : s_FreeSteps)
+        step(root);
+    void* block = root;
+    CMN_freeSetNull(&block);
+}
+
+// clang-format off
+int IBIS_AddHdr(IbisRoot* root, Hdr* item)            { return s_add(root, &IbisRoot::hdrs, item, HDR_AddLink); }
+int IBIS_AddCmpnt(IbisRoot* root, Cmpnt* item)        { return s_add(root, &IbisRoot::cmpnts, item, CMPNT_AddLink); }
+int IBIS_AddMdl(IbisRoot* root, Mdl* item)            { return s_add(root, &IbisRoot::mdls, item, MDL_AddLink); }
+int IBIS_AddExt(IbisRoot* root, Ext* item)            { return s_add(root, &IbisRoot::exts, item, EXT_AddLink); }
+int IBIS_AddSubMdl(IbisRoot* root, SubMdl* item)      { return s_add(root, &IbisRoot::subMdls, item, SUBMDL_AddLink); }
+int IBIS_AddPkgMdl(IbisRoot* root, PkgMdl* item)      { return s_add(root, &IbisRoot::pkgMdls, item, PKGMDL_AddLink); }
+int IBIS_AddEbdMdl(IbisRoot* root, EbdMdl* item)      { return s_add(root, &IbisRoot::ebdMdls, item, EBDMDL_AddLink); }
+int IBIS_AddMsel(IbisRoot* root, Msel* item)          { return s_add(root, &IbisRoot::msels, item, MSEL_AddLink); }
+int IBIS_AddTestData(IbisRoot* root, TestData* item)  { return s_add(root, &IbisRoot::testData, item, TESTDATA_AddLink); }
+int IBIS_AddTestLoad(IbisRoot* root, TestLoad* item)  { return s_add(root, &IbisRoot::testLoads, item, TESTLOAD_AddLink); }
+
+int IBIS_GetHdrs(IbisRoot* root, Hdr** head)          { return s_get(root, &IbisRoot::hdrs, head); }
+int IBIS_GetCmpnts(IbisRoot* root, Cmpnt** head)      { return s_get(root, &IbisRoot::cmpnts, head); }
+int IBIS_GetMdls(IbisRoot* root, Mdl** head)          { return s_get(root, &IbisRoot::mdls, head); }
+int IBIS_GetExts(IbisRoot* root, Ext** head)          { return s_get(root, &IbisRoot::exts, head); }
+int IBIS_GetSubMdls(IbisRoot* root, SubMdl** head)    { return s_get(root, &IbisRoot::subMdls, head); }
+int IBIS_GetPkgMdls(IbisRoot* root, PkgMdl** head)    { return s_get(root, &IbisRoot::pkgMdls, head); }
+int IBIS_GetEbdMdls(IbisRoot* root, EbdMdl** head)    { return s_get(root, &IbisRoot::ebdMdls, head); }
+int IBIS_GetMsels(IbisRoot* root, Msel** head)        { return s_get(root, &IbisRoot::msels, head); }
+int IBIS_GetTestData(IbisRoot* root, TestData** head) { return s_get(root, &IbisRoot::testData, head); }
+int IBIS_GetTestLoad(IbisRoot* root, TestLoad** head) { return s_get(root, &IbisRoot::testLoads, head); }
+// clang-format on
+
+void IBIS_Test(IbisRoot* root)
+{
+    CMN_ASSERT(root != nullptr);
+    for (RootStep* step : s_TestSteps)
+        step(root);
+}
+
+void EBD_Test(IbisRoot* root, int deep)
+{
+    CMN_ASSERT(root != nullptr);
+    // EBDMDL_TestList(root->ebdMdls, deep);
+    (void)deep;
+}

@@ -1,0 +1,33 @@
+// The four keyword tables, expanded from the one list.
+#include "IbisParser/keyword.h"
+
+#define ROW(code, enumerator, name) {name, enumerator, 0},
+#define NO_ROW(code, enumerator, name)
+
+#define KEY2 ROW
+#define KEY3 NO_ROW
+#define KEY4 NO_ROW
+#define KEY5 NO_ROW
+const KeywordEntry keywords[] = {
+#include "IbisParser/keywords.inc"
+};
+#undef KEY3
+#define KEY3 ROW
+const KeywordEntry keywords_Ver3[] = {
+#include "IbisParser/keywords.inc"
+};
+#undef KEY4
+#define KEY4 ROW
+const KeywordEntry keywords_Ver4[] = {
+#include "IbisParser/keywords.inc"
+};
+#undef KEY5
+#define KEY5 ROW
+const KeywordEntry keywords_Ver5[] = {
+#include "IbisParser/keywords.inc"
+};
+
+static_assert(sizeof keywords / sizeof keywords[0] == 50);
+static_assert(sizeof keywords_Ver3 / sizeof keywords_Ver3[0] == 88);
+static_assert(sizeof keywords_Ver4 / sizeof keywords_Ver4[0] == 109);
+static_assert(sizeof keywords_Ver5 / sizeof keywords_Ver5[0] == 120);
