@@ -13,8 +13,6 @@
 
 IBIS_BEGIN_DECLS
 
-enum { ISSO_MIN_POINTS = 2, ISSO_MAX_POINTS = 1000 };
-
 /* [Composite Current] of a model. waveform is the one that the model read last and that nothing but
  * a [Composite Current] has followed, or null. The same pointer goes to the other two. */
 int ISSO_KeywordLine(Mdl* model, Wvfrm* waveform, const char* line);

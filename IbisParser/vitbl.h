@@ -11,11 +11,7 @@
 
 IBIS_BEGIN_DECLS
 
-enum {
-    VITBL_MIN_POINTS = 2,
-    VITBL_MAX_POINTS = 100,
-    VITBL_MAX_MOSFETS = 100 /* [Series MOSFET] tables of one model and state */
-};
+enum { VITBL_MAX_MOSFETS = 100 /* [Series MOSFET] tables of one model and state */ };
 
 typedef struct Vitbl Vitbl;
 struct Vitbl {
@@ -27,7 +23,8 @@ struct Vitbl {
     RngpLine* head;     /* the lines in file order */
     int count;
     int direction; /* of the voltages: 1 ascending, -1 descending, 0 not known */
-    RngSingle vds; /* [Series MOSFET] only */
+    int mosfet;    /* 1 for [Series MOSFET] */
+    RngSingle vds; /* there only; CELL_NA when it was given but is of no use */
     void* reading; /* state of the line linker until VITBL_Fini */
 };
 

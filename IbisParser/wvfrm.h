@@ -16,20 +16,17 @@
 
 IBIS_BEGIN_DECLS
 
-enum {
-    WVFRM_MIN_POINTS = 2,
-    WVFRM_MAX_POINTS = 1000,  /* IBIS 4 and later */
-    WVFRM_MAX_POINTS_3 = 100, /* before */
-    WVFRM_MAX_PER_OWNER = 100 /* rising and falling together */
-};
+enum { WVFRM_MAX_PER_OWNER = 100 /* rising and falling together */ };
 
 typedef struct Wvfrm Wvfrm;
 struct Wvfrm {
     Wvfrm* next;        /* file order */
-    Wvfrm* last;        /* in the head of a list: its tail */
+    Wvfrm* first;       /* head of the list */
+    Wvfrm* last;        /* in the head: tail of the list */
     int kind;           /* keyword code */
     const char* owner;  /* name of the model, submodel or test data; kept by that record */
     unsigned long line; /* of the keyword */
+    /* CELL_NA: given but of no use. */
     RngSingle R_fixture, V_fixture, V_fixture_min, V_fixture_max; /* ohm, volt */
     RngSingle C_fixture, L_fixture;                               /* farad, henry */
     RngSingle R_dut, L_dut, C_dut;                                /* ohm, henry, farad */
@@ -37,7 +34,8 @@ struct Wvfrm {
     int count;
     RngpLine* composite; /* lines of [Composite Current]: second, ampere */
     int compositeCount;
-    void* reading; /* state of the line linker while a table is read */
+    void* reading; /* state of the line linker until WVFRM_Fini */
+    void* compositeReading;
 };
 
 /* Makes a waveform of keyword code 49, 50, 99, 100, 106, 107 or 109 to 116 at the end of a list and
@@ -51,8 +49,6 @@ int WVFRM_Fini(Wvfrm* waveform);
 /* Frees a list; null is ignored. */
 void WVFRM_FreeList(Wvfrm* list);
 
-/* "Rising Waveform" and so on, as users write the keyword. */
-const char* WVFRM_KeywordName(int code);
 /* 1 for the codes of rising edges, -1 for falling ones, 0 for pulse tables. */
 int WVFRM_Direction(int code);
 /* V_fixture of the corner; the result is its CellState. */
