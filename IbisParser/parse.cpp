@@ -322,11 +322,11 @@ static int s_readDocument(const char* name, FileType fileType)
     std::FILE* file = nullptr;
     if (!CMN_OpenFile(name, fileType, &file, gsFileName)) return 0;
     if (CMN_AnyUpper(gsFileName)) ERRLOG_WarnNew(901, gsFileName);
+    // The line counts before it is read: what is wrong with its characters is reported then.
     char line[LINE_MAX_READ + 1];
-    while (CMN_GetLine(line, sizeof line, file) != nullptr) {
-        ++gulLineNum;
+    for (++gulLineNum; CMN_GetLine(line, sizeof line, file) != nullptr; ++gulLineNum)
         s_readLine(line);
-    }
+    --gulLineNum;
     if (!gbEndFound) {
         char end[] = "[END]";
         ERRLOG_LineErrorNew(903);
@@ -342,24 +342,33 @@ static bool s_beginsDescription(char* line)
     return line[0] == '(' && std::strncmp(s_skipBlanks(line + 1), word, sizeof word - 1) == 0;
 }
 
-// Appends the lines of a parameter file to gsBuffer: 1 done, 0 when memory ran out.
+// Appends a line of a parameter file to gsBuffer: 1 done, 0 when memory ran out.
+static int s_appendParameterLine(char* line, TextSize* size)
+{
+    s_testLine(line);
+    s_cutComment(line);
+    if (line[0] == '\0' || TEXTBUF_Append(&gsBuffer, size, line, std::strlen(line))) return 1;
+    ERRLOG_BugNew(922, s_Module, __LINE__);
+    return 0;
+}
+
 static int s_readParameterLines(std::FILE* file)
 {
     TextSize size = {};
     bool inDescription = false;
     int ok = 1;
-    unsigned lineSize = 0;
-    for (char* line; ok && (line = CMN_GetInfiniteLine(&lineSize, file)) != nullptr;) {
+    while (ok) {
         ++gulLineNum;
+        unsigned lineSize = 0;
+        char* line = CMN_GetInfiniteLine(&lineSize, file);
+        if (line == nullptr) {
+            --gulLineNum;
+            break;
+        }
         if (line[0] == '(') inDescription = s_beginsDescription(line);
         if (inDescription && lineSize > DESCRIPTION_MAX + 1)
             ERRLOG_ErrorNew(923, static_cast<int>(gulLineNum), DESCRIPTION_MAX);
-        s_testLine(line);
-        s_cutComment(line);
-        if (line[0] != '\0' && !TEXTBUF_Append(&gsBuffer, &size, line, std::strlen(line))) {
-            ERRLOG_BugNew(922, s_Module, __LINE__);
-            ok = 0;
-        }
+        ok = s_appendParameterLine(line, &size);
         void* block = line;
         CMN_freeSetNull(&block);
     }
