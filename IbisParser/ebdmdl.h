@@ -50,6 +50,7 @@ struct EbdMdl {
     struct IdxTable* pathIndex;
     RefDes* map;
     RefDes* lastRefDes;
+    int refDesCount;
     struct IdxTable* refDesIndex;
     int ended;      /* [End Board Description] was read */
     unsigned found; /* bit (code - 89) of each keyword met */
@@ -63,6 +64,8 @@ int EBDMDL_AddLink(EbdMdl** head, EbdMdl* item);
 EbdMdl* EBDMDL_FindByName(EbdMdl* head, const char* name);
 /* The pin of that name under [Pin List], or null. */
 EbdPin* EBDMDL_FindPin(const EbdMdl* board, const char* name);
+/* Closes the record that the file left open, its end-of-record checks included. */
+void EBDMDL_Close(void);
 /* Checks what only the whole board shows. With deep non-zero the files that its reference
  * designators name are read as well. */
 int EBDMDL_TestList(EbdMdl* boards, int deep);

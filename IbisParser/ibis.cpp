@@ -7,6 +7,7 @@
 #include "IbisParser/hdr.h"
 #include "IbisParser/parse.h"
 #include "IbisParser/pending.h"
+#include "IbisParser/pkgmdl.h"
 
 static const char s_Module[] = "IbisParser/ibis";
 

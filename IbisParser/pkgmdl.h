@@ -56,6 +56,8 @@ PkgPin* PKGMDL_FindPin(const PkgMdl* package, const char* name);
 int PKGMDL_HasPin(const PkgMdl* package, const char* name);
 /* The record being read, or null. */
 PkgMdl* PKGMDL_GetOpen(void);
+/* Closes the record that the file left open, its end-of-record checks included. */
+void PKGMDL_Close(void);
 /* Names that occur twice and, in component files, package models that no component uses. */
 int PKGMDL_TestList(PkgMdl* packages);
 

@@ -2,6 +2,7 @@
 
 #include "IbisParser/hdr.h"
 #include "IbisParser/pending.h"
+#include "IbisParser/pkgmdl.h"
 
 // clang-format off
 static const Section s_Sections[] = {

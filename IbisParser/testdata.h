@@ -36,6 +36,8 @@ int TESTDATA_AddLink(TestData** head, TestData* item);
 TestData* TESTDATA_FindByName(TestData* head, const char* name);
 /* "Single_ended" or "Differential", null for a type that is not set. */
 const char* TESTDATA_KindName(int kind);
+/* Closes the record that the file left open, its end-of-record checks included. */
+void TESTDATA_Close(void);
 int TESTDATA_TestList(TestData* list);
 
 IBIS_END_DECLS

@@ -53,6 +53,8 @@ int TESTLOAD_AddLink(TestLoad** head, TestLoad* item);
 TestLoad* TESTLOAD_FindByName(TestLoad* head, const char* name);
 /* "Rs_near" and so on. */
 const char* TESTLOAD_ValueName(int value);
+/* Closes the record that the file left open, its end-of-record checks included. */
+void TESTLOAD_Close(void);
 int TESTLOAD_TestList(TestLoad* list);
 
 IBIS_END_DECLS
