@@ -1,0 +1,17 @@
+# Where things belong: the library and its headers for programs that embed it, the kit for
+# simulators, the command for people.
+install(TARGETS quell_shared quell_static
+    LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
+    ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
+install(DIRECTORY model dataflow ami IbisParser
+    DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/quell
+    FILES_MATCHING
+        PATTERN "*.h"
+        PATTERN "keywords.inc"
+        PATTERN "*_internal.h" EXCLUDE
+        PATTERN "kit" EXCLUDE
+        PATTERN "messages" EXCLUDE)
+install(TARGETS quell_model LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}/quell/kit)
+install(FILES model/kit/quell_pcie_gen2_tx.ami model/kit/quell_pcie_gen2_tx.ibs
+    DESTINATION ${CMAKE_INSTALL_LIBDIR}/quell/kit)
+install(TARGETS quell RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
