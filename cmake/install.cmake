@@ -11,7 +11,7 @@ install(DIRECTORY model dataflow ami IbisParser
         PATTERN "*_internal.h" EXCLUDE
         PATTERN "kit" EXCLUDE
         PATTERN "messages" EXCLUDE)
-install(TARGETS quell_model LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}/quell/kit)
+install(TARGETS quell_model LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}/quell)
 install(FILES model/kit/quell_pcie_gen2_tx.ami model/kit/quell_pcie_gen2_tx.ibs
-    DESTINATION ${CMAKE_INSTALL_LIBDIR}/quell/kit)
+    DESTINATION ${CMAKE_INSTALL_LIBDIR}/quell)
 install(TARGETS quell RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})

@@ -10,10 +10,10 @@ namespace {
 
 // Every sample of the response one unit interval apart, but the main cursor; half amplitudes.
 std::vector<double> HalfCursors(std::span<const double> pulse, std::size_t phase,
-                                std::size_t samples_per_ui, std::size_t main)
+                                std::size_t samplesPerUi, std::size_t main)
 {
     std::vector<double> halves;
-    for (std::size_t i = phase; i < pulse.size(); i += samples_per_ui)
+    for (std::size_t i = phase; i < pulse.size(); i += samplesPerUi)
         if (i != main) halves.push_back(0.5 * pulse[i]);
     return halves;
 }
@@ -28,40 +28,40 @@ constexpr std::size_t NoMain = SIZE_MAX;
 // The finest grid that pays: heights of lossy channels no longer move by 0.1 mV beyond it.
 constexpr double StepsPerCursor = 16384.0;
 
-Density AggressorDensity(std::span<const double> pulse, std::size_t samples_per_ui, double step)
+Density AggressorDensity(std::span<const double> pulse, std::size_t samplesPerUi, double step)
 {
     Density average = {0, {}};
-    const double weight = 1.0 / static_cast<double>(samples_per_ui);
-    for (std::size_t phase = 0; phase < samples_per_ui; ++phase)
-        Accumulate(&average, CursorDensity(HalfCursors(pulse, phase, samples_per_ui, NoMain), step),
+    const double weight = 1.0 / static_cast<double>(samplesPerUi);
+    for (std::size_t phase = 0; phase < samplesPerUi; ++phase)
+        Accumulate(&average, CursorDensity(HalfCursors(pulse, phase, samplesPerUi, NoMain), step),
                    weight, 0);
     return average;
 }
 
 // Height of the eye by peak distortion, p0 - sum |pk|, with each sample as the main cursor.
-std::vector<double> PeakDistortionHeights(std::span<const double> pulse, std::size_t samples_per_ui)
+std::vector<double> PeakDistortionHeights(std::span<const double> pulse, std::size_t samplesPerUi)
 {
-    std::vector<double> sums(samples_per_ui, 0.0);
+    std::vector<double> sums(samplesPerUi, 0.0);
     for (std::size_t i = 0; i < pulse.size(); ++i)
-        sums[i % samples_per_ui] += std::abs(pulse[i]);
+        sums[i % samplesPerUi] += std::abs(pulse[i]);
     std::vector<double> heights(pulse.size());
     for (std::size_t i = 0; i < pulse.size(); ++i)
-        heights[i] = pulse[i] + std::abs(pulse[i]) - sums[i % samples_per_ui];
+        heights[i] = pulse[i] + std::abs(pulse[i]) - sums[i % samplesPerUi];
     return heights;
 }
 
 // The sample in the middle of the eye: of the run of instants around the highest one where peak
 // distortion leaves it open, or, should it be closed or nearly so, where it has not lost half the
 // main cursor. The highest instant itself often lies near one end of the opening.
-long MiddleOfEye(std::span<const double> pulse, std::size_t samples_per_ui)
+long MiddleOfEye(std::span<const double> pulse, std::size_t samplesPerUi)
 {
-    const std::vector<double> heights = PeakDistortionHeights(pulse, samples_per_ui);
+    const std::vector<double> heights = PeakDistortionHeights(pulse, samplesPerUi);
     const long best = std::max_element(heights.begin(), heights.end()) - heights.begin();
     const auto at = [](std::span<const double> values, long i) {
         return values[static_cast<std::size_t>(i)];
     };
     const double floor = std::min(0.0, at(heights, best) - 0.5 * at(pulse, best));
-    const long reach = static_cast<long>(samples_per_ui) / 2;
+    const long reach = static_cast<long>(samplesPerUi) / 2;
     const long lowest = std::max(0L, best - reach);
     const long highest = std::min(static_cast<long>(pulse.size()) - 1, best + reach);
     long begin = best;
@@ -97,20 +97,20 @@ std::vector<double> Oversample(std::span<const double> pulse, std::size_t factor
 }
 
 // Sampling instants must lie close enough to tell the jitter's shape.
-std::size_t OversamplingFor(const EyeOptions& options, double sample_interval)
+std::size_t OversamplingFor(const EyeOptions& options, double sampleInterval)
 {
-    double finest = sample_interval;
-    if (options.random_jitter > 0.0) finest = std::min(finest, options.random_jitter);
-    if (options.dual_dirac > 0.0) finest = std::min(finest, options.dual_dirac / 2.0);
-    return static_cast<std::size_t>(std::clamp(std::ceil(sample_interval / finest), 1.0, 32.0));
+    double finest = sampleInterval;
+    if (options.randomJitter > 0.0) finest = std::min(finest, options.randomJitter);
+    if (options.dualDirac > 0.0) finest = std::min(finest, options.dualDirac / 2.0);
+    return static_cast<std::size_t>(std::clamp(std::ceil(sampleInterval / finest), 1.0, 32.0));
 }
 
 // Density of the sampling instant, in phase steps.
-Density JitterDensity(const EyeOptions& options, double phase_step)
+Density JitterDensity(const EyeOptions& options, double phaseStep)
 {
-    Density jitter = Gaussian(options.random_jitter, phase_step);
-    if (options.dual_dirac > 0.0) {
-        const long reach = std::lround(options.dual_dirac / 2.0 / phase_step);
+    Density jitter = Gaussian(options.randomJitter, phaseStep);
+    if (options.dualDirac > 0.0) {
+        const long reach = std::lround(options.dualDirac / 2.0 / phaseStep);
         jitter = Convolve(jitter, SumOfSigns(std::vector<long>{reach}));
     }
     TrimTails(&jitter);
@@ -122,11 +122,11 @@ Density JitterDensity(const EyeOptions& options, double phase_step)
 EyePhase Jittered(const std::vector<EyePhase>& phases, std::size_t i, const Density& jitter,
                   double step)
 {
-    EyePhase mixed = {phases[i].main_cursor, {0, {}}};
+    EyePhase mixed = {phases[i].mainCursor, {0, {}}};
     for (std::size_t k = 0; k < jitter.mass.size(); ++k) {
         const long offset = jitter.first + static_cast<long>(k);
         const EyePhase& other = phases[static_cast<std::size_t>(static_cast<long>(i) + offset)];
-        const double moved = 0.5 * (other.main_cursor - mixed.main_cursor) / step;
+        const double moved = 0.5 * (other.mainCursor - mixed.mainCursor) / step;
         Accumulate(&mixed.isi, other.isi, jitter.mass[k], std::lround(moved));
     }
     return mixed;
@@ -134,76 +134,75 @@ EyePhase Jittered(const std::vector<EyePhase>& phases, std::size_t i, const Dens
 
 }  // namespace
 
-double EyeHeight(const StatisticalEye& eye, std::size_t phase, double error_rate)
+double EyeHeight(const StatisticalEye& eye, std::size_t phase, double errorRate)
 {
     const EyePhase& p = eye.phases[phase];
-    return p.main_cursor +
-           2.0 * static_cast<double>(LowerQuantile(p.isi, error_rate)) * eye.voltage_step;
+    return p.mainCursor +
+           2.0 * static_cast<double>(LowerQuantile(p.isi, errorRate)) * eye.voltageStep;
 }
 
-std::size_t BestPhase(const StatisticalEye& eye, double error_rate)
+std::size_t BestPhase(const StatisticalEye& eye, double errorRate)
 {
     std::size_t best = eye.centre;
-    double highest = EyeHeight(eye, best, error_rate);
+    double highest = EyeHeight(eye, best, errorRate);
     for (std::size_t i = 0; i < eye.phases.size(); ++i) {
-        const double height = EyeHeight(eye, i, error_rate);
+        const double height = EyeHeight(eye, i, errorRate);
         if (height > highest) {
             highest = height;
             best = i;
         }
     }
     std::size_t end = best;
-    while (end + 1 < eye.phases.size() && EyeHeight(eye, end + 1, error_rate) == highest)
+    while (end + 1 < eye.phases.size() && EyeHeight(eye, end + 1, errorRate) == highest)
         ++end;
     return (best + end) / 2;
 }
 
-double EyeWidth(const StatisticalEye& eye, double error_rate)
+double EyeWidth(const StatisticalEye& eye, double errorRate)
 {
-    const std::size_t best = BestPhase(eye, error_rate);
-    if (EyeHeight(eye, best, error_rate) <= 0.0) return 0.0;
+    const std::size_t best = BestPhase(eye, errorRate);
+    if (EyeHeight(eye, best, errorRate) <= 0.0) return 0.0;
 
     // Phases from the best one to the crossing, in one direction.
     const auto reach = [&](int direction) {
-        double inner = EyeHeight(eye, best, error_rate);
+        double inner = EyeHeight(eye, best, errorRate);
         for (long i = static_cast<long>(best) + direction;; i += direction) {
             const double steps = std::abs(static_cast<double>(i - static_cast<long>(best)));
             // Open to the edge of the unit interval, where the next bit's eye begins.
             if (i < 0 || i >= static_cast<long>(eye.phases.size()))
-                return std::min(steps - 0.5, 0.5 * eye.unit_interval / eye.phase_step);
-            const double outer = EyeHeight(eye, static_cast<std::size_t>(i), error_rate);
+                return std::min(steps - 0.5, 0.5 * eye.unitInterval / eye.phaseStep);
+            const double outer = EyeHeight(eye, static_cast<std::size_t>(i), errorRate);
             if (outer <= 0.0) return steps - 1.0 + inner / (inner - outer);
             inner = outer;
         }
     };
-    return std::min(1.0, (reach(-1) + reach(1)) * eye.phase_step / eye.unit_interval);
+    return std::min(1.0, (reach(-1) + reach(1)) * eye.phaseStep / eye.unitInterval);
 }
 
 double ErrorRate(const StatisticalEye& eye, std::size_t phase)
 {
     const EyePhase& p = eye.phases[phase];
-    return ProbabilityBelow(p.isi, -0.5 * p.main_cursor / eye.voltage_step);
+    return ProbabilityBelow(p.isi, -0.5 * p.mainCursor / eye.voltageStep);
 }
 
 StatisticalEye ComputeEye(std::span<const double> victim,
-                          std::span<const std::vector<double>> aggressors,
-                          std::size_t samples_per_ui, double sample_interval,
-                          const EyeOptions& options)
+                          std::span<const std::vector<double>> aggressors, std::size_t samplesPerUi,
+                          double sampleInterval, const EyeOptions& options)
 {
     // Jitter needs finer phases than the result has.
-    const std::size_t factor = OversamplingFor(options, sample_interval);
-    const std::size_t fine_per_ui = samples_per_ui * factor;
+    const std::size_t factor = OversamplingFor(options, sampleInterval);
+    const std::size_t finePerUi = samplesPerUi * factor;
     const std::vector<double> pulse = Oversample(victim, factor);
-    const Density jitter = JitterDensity(options, sample_interval / static_cast<double>(factor));
+    const Density jitter = JitterDensity(options, sampleInterval / static_cast<double>(factor));
     const long margin = std::max(std::abs(jitter.first), std::abs(jitter.last()));
 
-    double step = options.voltage_step;
+    double step = options.voltageStep;
     if (!(step > 0.0)) step = *std::max_element(pulse.begin(), pulse.end()) / StepsPerCursor;
 
     // One unit interval around the middle, and on both sides what the jitter reaches.
-    const long n = static_cast<long>(fine_per_ui);
-    const long middle = MiddleOfEye(pulse, fine_per_ui);
-    const std::size_t centre = samples_per_ui / 2;
+    const long n = static_cast<long>(finePerUi);
+    const long middle = MiddleOfEye(pulse, finePerUi);
+    const std::size_t centre = samplesPerUi / 2;
     const long begin = middle - static_cast<long>(centre * factor) - margin;
     std::vector<EyePhase> fine;
     const long end = middle + static_cast<long>(centre * factor) + margin;
@@ -212,17 +211,17 @@ StatisticalEye ComputeEye(std::span<const double> victim,
         const bool inside = main >= 0 && main < static_cast<long>(pulse.size());
         const std::size_t index = inside ? static_cast<std::size_t>(main) : NoMain;
         fine.push_back({inside ? pulse[index] : 0.0,
-                        CursorDensity(HalfCursors(pulse, phase, fine_per_ui, index), step)});
+                        CursorDensity(HalfCursors(pulse, phase, finePerUi, index), step)});
     }
 
     Density added = Gaussian(options.noise, step);
     for (const std::vector<double>& aggressor : aggressors) {
-        added = Convolve(added, AggressorDensity(aggressor, samples_per_ui, step));
+        added = Convolve(added, AggressorDensity(aggressor, samplesPerUi, step));
         TrimTails(&added);
     }
 
     StatisticalEye eye = {
-        sample_interval * static_cast<double>(samples_per_ui), sample_interval, step, centre, {}};
+        sampleInterval * static_cast<double>(samplesPerUi), sampleInterval, step, centre, {}};
     for (std::size_t i = 0; i <= 2 * centre; ++i) {
         EyePhase phase =
             Jittered(fine, static_cast<std::size_t>(margin) + i * factor, jitter, step);

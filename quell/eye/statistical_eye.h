@@ -17,52 +17,51 @@
 namespace quell {
 
 struct EyeOptions {
-    double noise = 0.0;          // volts, standard deviation of Gaussian noise at the receiver
-    double random_jitter = 0.0;  // seconds, standard deviation of the sampling instant
-    double dual_dirac = 0.0;     // seconds, distance of the two equally likely sampling instants
-    double voltage_step = 0.0;   // volts; 0 takes 1/16384 of the largest main cursor
+    double noise = 0.0;         // volts, standard deviation of Gaussian noise at the receiver
+    double randomJitter = 0.0;  // seconds, standard deviation of the sampling instant
+    double dualDirac = 0.0;     // seconds, distance of the two equally likely sampling instants
+    double voltageStep = 0.0;   // volts; 0 takes 1/16384 of the largest main cursor
 };
 
 // One sampling phase. isi is the density of everything but half the main cursor, in voltage steps:
-// a transmitted one is received at main_cursor / 2 + isi, a zero mirrored.
+// a transmitted one is received at mainCursor / 2 + isi, a zero mirrored.
 struct EyePhase {
-    double main_cursor;  // volts
+    double mainCursor;  // volts
     Density isi;
 };
 
-// phases[i] samples at (i - centre) * phase_step seconds from the middle of the eye that peak
+// phases[i] samples at (i - centre) * phaseStep seconds from the middle of the eye that peak
 // distortion leaves; together they span one unit interval, both ends included where it has an even
 // number of samples.
 struct StatisticalEye {
-    double unit_interval;  // seconds
-    double phase_step;     // seconds
-    double voltage_step;   // volts
+    double unitInterval;  // seconds
+    double phaseStep;     // seconds
+    double voltageStep;   // volts
     std::size_t centre;
     std::vector<EyePhase> phases;
 };
 
 // Opening between the rails at an error rate q: p0 - 2 |v_q| with P(isi < v_q) = q. Negative when
 // closed. Volts.
-double EyeHeight(const StatisticalEye& eye, std::size_t phase, double error_rate);
+double EyeHeight(const StatisticalEye& eye, std::size_t phase, double errorRate);
 
 // The phase with the greatest height at the error rate; of equal ones the one nearest to the middle
 // of their run.
-std::size_t BestPhase(const StatisticalEye& eye, double error_rate);
+std::size_t BestPhase(const StatisticalEye& eye, double errorRate);
 
 // Width of the opening around the best phase, in unit intervals: to where the height, interpolated
 // between phases, crosses zero; 1 when it is open all over, 0 when it is closed.
-double EyeWidth(const StatisticalEye& eye, double error_rate);
+double EyeWidth(const StatisticalEye& eye, double errorRate);
 
 // Probability that a bit sampled at this phase is on the wrong side of zero.
 double ErrorRate(const StatisticalEye& eye, std::size_t phase);
 
-// victim and aggressors are pulse responses (volts) on one time grid of samples_per_ui samples in a
+// victim and aggressors are pulse responses (volts) on one time grid of samplesPerUi samples in a
 // unit interval. Aggressors are asynchronous: the density of each is averaged over its phases.
 // The victim must hold at least one sample above zero.
 StatisticalEye ComputeEye(std::span<const double> victim,
-                          std::span<const std::vector<double>> aggressors,
-                          std::size_t samples_per_ui, double sample_interval,
-                          const EyeOptions& options = {});
+                          std::span<const std::vector<double>> aggressors, std::size_t samplesPerUi,
+                          double sampleInterval, const EyeOptions& options = {});
 
 }  // namespace quell
 

@@ -7,8 +7,8 @@ trap 'rm -rf "$prefix"' EXIT
 "$1" --install "$2" --prefix "$prefix" >/dev/null
 
 for file in lib/libQuell_PCIe_Gen2_Tx.so lib/libQuell_PCIe_Gen2_Tx.a \
-    lib/quell/kit/quell_pcie_gen2_tx.so lib/quell/kit/quell_pcie_gen2_tx.ami \
-    lib/quell/kit/quell_pcie_gen2_tx.ibs bin/quell \
+    lib/quell/quell_pcie_gen2_tx.so lib/quell/quell_pcie_gen2_tx.ami \
+    lib/quell/quell_pcie_gen2_tx.ibs bin/quell \
     include/quell/IbisParser/parse.h include/quell/IbisParser/keywords.inc \
     include/quell/dataflow/Gain.h include/quell/ami/ParamParser.h include/quell/model/AMI.h; do
     [ -e "$prefix/$file" ] || { echo "not installed: $file"; exit 1; }

@@ -29,12 +29,12 @@ StatisticalEye OnePhase(const std::vector<double>& pulse, const EyeOptions& opti
 }
 
 // A pulse of some unit intervals with decaying, ringing cursors.
-std::vector<double> RandomPulse(std::mt19937* random, std::size_t samples_per_ui)
+std::vector<double> RandomPulse(std::mt19937* random, std::size_t samplesPerUi)
 {
     std::normal_distribution<double> normal;
-    std::vector<double> pulse(12 * samples_per_ui, 0.0);
-    for (std::size_t i = samples_per_ui; i < pulse.size(); ++i) {
-        const double t = static_cast<double>(i) / static_cast<double>(samples_per_ui) - 2.0;
+    std::vector<double> pulse(12 * samplesPerUi, 0.0);
+    for (std::size_t i = samplesPerUi; i < pulse.size(); ++i) {
+        const double t = static_cast<double>(i) / static_cast<double>(samplesPerUi) - 2.0;
         pulse[i] = std::exp(-t * t) + 0.05 * normal(*random) * std::exp(-std::abs(t) / 3.0);
     }
     return pulse;
@@ -48,9 +48,9 @@ GTEST_TEST(StatisticalEye, EqualsTheEnumerationOfBitPatterns)
     const std::vector<double> cursors = {0.0,        6.0 / 256,   -20.0 / 256, 160.0 / 256,
                                          48.0 / 256, -12.0 / 256, 10.0 / 256,  4.0 / 256,
                                          -2.0 / 256, 2.0 / 256};
-    const StatisticalEye eye = OnePhase(cursors, {.voltage_step = 1.0 / 256});
+    const StatisticalEye eye = OnePhase(cursors, {.voltageStep = 1.0 / 256});
     ASSERT_EQ(1u, eye.phases.size());
-    ASSERT_EQ(160.0 / 256, eye.phases[0].main_cursor);
+    ASSERT_EQ(160.0 / 256, eye.phases[0].mainCursor);
 
     std::map<long, double> patterns;
     constexpr unsigned Others = 9;
@@ -83,23 +83,23 @@ GTEST_TEST(StatisticalEye, HeightsAreOrderedAndBoundedByPeakDistortion)
 {
     std::mt19937 random(7);
     for (int round = 0; round < 20; ++round) {
-        const std::size_t samples_per_ui = 1 + random() % 16;
-        const std::vector<double> pulse = RandomPulse(&random, samples_per_ui);
-        const StatisticalEye eye = ComputeEye(pulse, {}, samples_per_ui, 1e-12);
+        const std::size_t samplesPerUi = 1 + random() % 16;
+        const std::vector<double> pulse = RandomPulse(&random, samplesPerUi);
+        const StatisticalEye eye = ComputeEye(pulse, {}, samplesPerUi, 1e-12);
         for (std::size_t phase = 0; phase < eye.phases.size(); ++phase) {
             const EyePhase& p = eye.phases[phase];
             std::size_t main = 0;
-            while (main < pulse.size() && pulse[main] != p.main_cursor)
+            while (main < pulse.size() && pulse[main] != p.mainCursor)
                 ++main;
             ASSERT_LT(main, pulse.size());
-            double others = -std::abs(p.main_cursor);
-            for (std::size_t i = main % samples_per_ui; i < pulse.size(); i += samples_per_ui)
+            double others = -std::abs(p.mainCursor);
+            for (std::size_t i = main % samplesPerUi; i < pulse.size(); i += samplesPerUi)
                 others += std::abs(pulse[i]);
             double higher = INFINITY;
             for (const double q : ErrorRates) {
                 const double height = EyeHeight(eye, phase, q);
                 EXPECT_LE(height, higher);
-                EXPECT_GE(height, p.main_cursor - others - 1.000001 * eye.voltage_step);
+                EXPECT_GE(height, p.mainCursor - others - 1.000001 * eye.voltageStep);
                 higher = height;
             }
         }
@@ -136,7 +136,7 @@ GTEST_TEST(StatisticalEye, NoiseHasTheTailOfTheNormalDistribution)
         const double sigma = main / 2 / row.sigmas;
         const StatisticalEye eye = OnePhase({0.0, main, 0.0}, {.noise = sigma});
         EXPECT_NEAR(1.0, ErrorRate(eye, 0) / row.tail, 2e-3) << row.sigmas;
-        EXPECT_NEAR(0.0, EyeHeight(eye, 0, row.tail), 4 * eye.voltage_step) << row.sigmas;
+        EXPECT_NEAR(0.0, EyeHeight(eye, 0, row.tail), 4 * eye.voltageStep) << row.sigmas;
     }
 }
 
@@ -151,17 +151,17 @@ GTEST_TEST(StatisticalEye, TrianglePulseOpensLikeADiamond)
     const StatisticalEye eye = ComputeEye(pulse, {}, N, 1e-12);
     for (std::size_t i = 0; i < N; ++i) {
         const double t = (static_cast<double>(i) - static_cast<double>(eye.centre)) / N;
-        EXPECT_NEAR(1.0 - 2.0 * std::abs(t), EyeHeight(eye, i, 1e-12), 2 * eye.voltage_step);
+        EXPECT_NEAR(1.0 - 2.0 * std::abs(t), EyeHeight(eye, i, 1e-12), 2 * eye.voltageStep);
     }
     EXPECT_NEAR(1.0, EyeWidth(eye, 1e-12), 1e-3);
 
     // Dual-Dirac jitter of a quarter unit interval takes just that from the height at the middle,
     // and random jitter takes the slope times the tail's 7.03 sigma.
     const double dual = 0.25 * N * 1e-12;
-    const StatisticalEye shaken = ComputeEye(pulse, {}, N, 1e-12, {.dual_dirac = dual});
+    const StatisticalEye shaken = ComputeEye(pulse, {}, N, 1e-12, {.dualDirac = dual});
     EXPECT_NEAR(0.75, EyeHeight(shaken, shaken.centre, 1e-12), 0.01);
     const double sigma = 0.01 * N * 1e-12;
-    const StatisticalEye noisy = ComputeEye(pulse, {}, N, 1e-12, {.random_jitter = sigma});
+    const StatisticalEye noisy = ComputeEye(pulse, {}, N, 1e-12, {.randomJitter = sigma});
     EXPECT_NEAR(1.0 - 2.0 * 0.01 * 7.03, EyeHeight(noisy, noisy.centre, 1e-12), 0.02);
 }
 
@@ -170,7 +170,7 @@ GTEST_TEST(StatisticalEye, AggressorsAreAveragedOverPhase)
 {
     const std::vector<double> victim = {0.0, 0.0, 0.0, 0.0, 0.5, 0.5, 0.5, 0.5};
     const std::vector<std::vector<double>> aggressors = {{0.0, 0.125, 0.0, 0.0}};
-    const StatisticalEye eye = ComputeEye(victim, aggressors, 4, 1e-12, {.voltage_step = 1.0 / 64});
+    const StatisticalEye eye = ComputeEye(victim, aggressors, 4, 1e-12, {.voltageStep = 1.0 / 64});
     const Density& isi = eye.phases[eye.centre].isi;
     ASSERT_EQ(-4, isi.first);
     ASSERT_EQ(9u, isi.mass.size());
