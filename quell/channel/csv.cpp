@@ -1,0 +1,138 @@
+// Responses over time in a text table.
+#include "quell/channel/csv.h"
+
+#include <cmath>
+
+#include "quell/errors.h"
+#include "quell/lines.h"
+#include "quell/numbers.h"
+
+namespace quell {
+
+namespace {
+
+constexpr std::string_view s_Blanks = " \t\v\f";
+
+std::string_view Trimmed(std::string_view field)
+{
+    const size_t first = field.find_first_not_of(s_Blanks);
+    if (first == std::string_view::npos) return {};
+    return field.substr(first, field.find_last_not_of(s_Blanks) - first + 1);
+}
+
+char FindSeparator(std::string_view line)
+{
+    for (const char c : {';', ',', '\t'})
+        if (line.find(c) != std::string_view::npos) return c;
+    return ' ';
+}
+
+// Fields of a line; a separator at its end opens no further field.
+void SplitFields(std::string_view line, char separator, std::vector<std::string_view>& fields)
+{
+    fields.clear();
+    if (separator == ' ') {
+        for (std::string_view token = NextToken(line); !token.empty(); token = NextToken(line))
+            fields.push_back(token);
+        return;
+    }
+    line = Trimmed(line);
+    while (!line.empty()) {
+        const size_t end = std::min(line.find(separator), line.size());
+        fields.push_back(Trimmed(line.substr(0, end)));
+        line.remove_prefix(std::min(end + 1, line.size()));
+    }
+}
+
+std::string Unquoted(std::string_view field)
+{
+    if (field.size() >= 2 && field.front() == '"' && field.back() == '"')
+        field = field.substr(1, field.size() - 2);
+    return std::string(field);
+}
+
+bool NamesTime(const std::string& name)
+{
+    const std::string lower = Lower(name);
+    return lower == "t" || lower.starts_with("time") || lower.starts_with("t ") ||
+           lower.starts_with("t(") || lower.starts_with("t[") || lower.starts_with("t_");
+}
+
+// The step of the time column, which is removed.
+double TakeTime(SampledResponses& table, const std::string& name, const std::vector<size_t>& lines)
+{
+    const std::vector<double> time = std::move(table.columns.front());
+    table.columns.erase(table.columns.begin());
+    table.names.erase(table.names.begin());
+    const double step = (time.back() - time.front()) / static_cast<double>(time.size() - 1);
+    if (!(step > 0) || !std::isfinite(step)) throw InputError(name, 0, "the time does not rise");
+    for (size_t k = 0; k < time.size(); ++k) {
+        const double expected = time.front() + static_cast<double>(k) * step;
+        if (std::abs(time[k] - expected) > 0.05 * step)
+            throw InputError(name, lines[k],
+                             "time " + ShortText(time[k], 8) + " s; steps of " +
+                                 UnitText(step, "s") + " would give " + ShortText(expected, 8) +
+                                 " s: the steps must be equal");
+    }
+    return step;
+}
+
+}  // namespace
+
+SampledResponses ParseCsv(std::string_view text, const std::string& name,
+                          std::optional<double> sampleInterval)
+{
+    SampledResponses table;
+    std::vector<size_t> lineNumbers;
+    std::vector<std::string_view> fields;
+    char separator = 0;
+    bool hasNames = false;
+
+    LineWalker lines(text);
+    std::string_view line;
+    while (lines.Next(line)) {
+        line = line.substr(0, line.find_first_of("#!"));
+        if (Trimmed(line).empty()) continue;
+        const bool first = separator == 0;
+        if (first) separator = FindSeparator(line);
+        SplitFields(line, separator, fields);
+        if (first) {
+            table.columns.resize(fields.size());
+            hasNames = !ParseNumber(fields.front());
+            for (size_t k = 0; k < fields.size(); ++k)
+                table.names.push_back(hasNames ? Unquoted(fields[k])
+                                               : "column " + std::to_string(k + 1));
+            if (hasNames) continue;
+        }
+        if (fields.size() != table.columns.size())
+            throw InputError(name, lines.Number(),
+                             std::to_string(fields.size()) + " columns; the first line has " +
+                                 std::to_string(table.columns.size()));
+        for (size_t k = 0; k < fields.size(); ++k) {
+            const std::optional<double> value = ParseNumber(fields[k]);
+            if (!value)
+                throw InputError(name, lines.Number(), Quoted(fields[k]) + " is not a number");
+            table.columns[k].push_back(*value);
+        }
+        lineNumbers.push_back(lines.Number());
+    }
+    if (lineNumbers.size() < 2) throw InputError(name, 0, "fewer than two samples");
+
+    if (hasNames ? NamesTime(table.names.front()) : !sampleInterval.has_value()) {
+        if (table.columns.size() < 2)
+            throw InputError(name, 0,
+                             "one column: give --sample-interval, or a time column before it");
+        table.interval = TakeTime(table, name, lineNumbers);
+        if (sampleInterval && std::abs(table.interval / *sampleInterval - 1) > 1e-3)
+            throw InputError(name, 0,
+                             "the time column has steps of " + UnitText(table.interval, "s") +
+                                 ", --sample-interval says " + UnitText(*sampleInterval, "s"));
+    } else if (sampleInterval) {
+        table.interval = *sampleInterval;
+    } else {
+        throw InputError(name, 0, "the first column is not the time: give --sample-interval");
+    }
+    return table;
+}
+
+}  // namespace quell

@@ -1,0 +1,28 @@
+// Responses over time in a text table.
+#ifndef QUELL_CHANNEL_CSV_H
+#define QUELL_CHANNEL_CSV_H
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace quell {
+
+struct SampledResponses {
+    double interval = 0;  // s
+    std::vector<std::string> names;
+    std::vector<std::vector<double>> columns;  // all of one length, at least two samples
+};
+
+// Fields are separated by commas, semicolons, tabs or blanks, whichever the first line has, in this
+// order; `#` and `!` begin a comment. A first line that is no number names the columns.
+// With a sample interval every column is a response, unless the names say that the first is the
+// time; without one the first column is the time in seconds, in equal steps (to a twentieth of a
+// step, so that rounded times pass). Throws InputError with name and line.
+SampledResponses ParseCsv(std::string_view text, const std::string& name,
+                          std::optional<double> sampleInterval);
+
+}  // namespace quell
+
+#endif

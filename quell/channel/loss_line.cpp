@@ -1,0 +1,34 @@
+// The built-in channel: a matched line with skin-effect loss.
+#include "quell/channel/loss_line.h"
+
+#include <cmath>
+#include <numbers>
+
+#include "quell/numbers.h"
+
+namespace quell {
+
+std::complex<double> LossLine::Gain(double f) const
+{
+    const double k = loss / (20 / std::numbers::ln10) / std::sqrt(frequency);
+    const double skin = k * std::sqrt(f);
+    const double angle = -skin - 2 * std::numbers::pi * f * s_Delay;
+    return std::exp(-skin) * std::complex<double>(std::cos(angle), std::sin(angle));
+}
+
+double LossLine::LossAt(double f) const
+{
+    return loss * std::sqrt(f / frequency);
+}
+
+std::optional<LossLine> ParseLossLine(std::string_view text)
+{
+    const size_t at = text.find('@');
+    if (at == std::string_view::npos) return std::nullopt;
+    const std::optional<double> loss = ParseQuantity(text.substr(0, at), "dB");
+    const std::optional<double> frequency = ParseQuantity(text.substr(at + 1), "Hz");
+    if (!loss || !frequency || *loss < 0 || *loss > 1000 || *frequency <= 0) return std::nullopt;
+    return LossLine{*loss, *frequency};
+}
+
+}  // namespace quell

@@ -1,0 +1,30 @@
+// The built-in channel: a matched line with skin-effect loss.
+#ifndef QUELL_CHANNEL_LOSS_LINE_H
+#define QUELL_CHANNEL_LOSS_LINE_H
+
+#include <complex>
+#include <optional>
+#include <string_view>
+
+namespace quell {
+
+// H(f) = exp(-k (1 + j) sqrt(f)) exp(-j 2 pi f 1 ns), k = (loss / (20 / ln 10)) / sqrt(frequency):
+// loss and extra delay of a conductor in which the skin effect rules (Ramo, Whinnery, Van Duzer,
+// "Fields and Waves in Communication Electronics"), behind a nanosecond of pure delay.
+struct LossLine {
+    double loss = 0;       // dB
+    double frequency = 0;  // Hz, where the loss is that
+
+    static constexpr double s_Delay = 1e-9;    // s
+    static constexpr size_t s_Samples = 4096;  // length of the record
+
+    std::complex<double> Gain(double f) const;
+    double LossAt(double f) const;  // dB
+};
+
+// "8dB@2.5GHz". Empty when it is not of this form.
+std::optional<LossLine> ParseLossLine(std::string_view text);
+
+}  // namespace quell
+
+#endif
