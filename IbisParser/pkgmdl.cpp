@@ -153,11 +153,6 @@ static void s_endModelData()
     MTX_Fini(s_open);
     s_open->modelDataOpen = 0;
     const PkgMdl* package = s_open;
-    if (package->inductance == nullptr && !s_hasFound(KEY_INDUCTANCE_MATRIX))
-        ERRLOG_LineErrorNew(2319, package->name, SEC_KeywordName(KEY_INDUCTANCE_MATRIX));
-    if (package->capacitance == nullptr && !s_hasFound(KEY_CAPACITANCE_MATRIX))
-        ERRLOG_LineErrorNew(2319, package->name, SEC_KeywordName(KEY_CAPACITANCE_MATRIX));
-    if (!s_hasFound(KEY_RESISTANCE_MATRIX)) ERRLOG_LineNoteNew(2328, package->name);
     unsigned mark = REPORTED_MATRIX;
     for (const Mtx* matrix : {package->resistance, package->inductance, package->capacitance}) {
         if (matrix != nullptr && (s_open->reported & mark) == 0) {
@@ -187,6 +182,11 @@ static void s_checkRecord()
     if (s_hasFound(KEY_PIN_NUMBERS) && package->numberOfPins > 0 &&
         s_pinLines != package->numberOfPins)
         ERRLOG_LineErrorNew(2313, package->name, s_pinLines, package->numberOfPins);
+    if (s_hasFound(KEY_MODEL_DATA)) {
+        for (const int code : {KEY_INDUCTANCE_MATRIX, KEY_CAPACITANCE_MATRIX})
+            if (!s_hasFound(code)) ERRLOG_LineErrorNew(2319, package->name, SEC_KeywordName(code));
+        if (!s_hasFound(KEY_RESISTANCE_MATRIX)) ERRLOG_LineNoteNew(2328, package->name);
+    }
     const bool sections = s_takesSections();
     if (sections && s_hasFound(KEY_MODEL_DATA)) ERRLOG_LineWarnNew(2322, package->name);
     if (!sections && !s_hasFound(KEY_MODEL_DATA)) ERRLOG_LineErrorNew(2323, package->name);

@@ -1,5 +1,5 @@
-// Prints the whole log of one file: what reading it, checking it and the totals give. The file
-// stands in the working directory; its type is told by its extension.
+// Prints the whole log of one file: what reading it, checking it with the files that it names, and
+// the totals give. The file stands in the working directory; its type is told by its extension.
 #include <cstdio>
 #include <cstring>
 
@@ -22,7 +22,7 @@ int main(int argc, char** argv)
         return 2;
     }
     if (!INIT()) return 1;
-    if (PARSE(argv[1], type)) TEST(type, 0);
+    if (PARSE(argv[1], type)) TEST(type, 1);
     FINI();
     return 0;
 }
