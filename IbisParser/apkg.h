@@ -20,7 +20,6 @@ int APKG_ReceiveLine(Cmpnt* component, const char* line);
 int APKG_End(Cmpnt* component);
 /* The end of the block by another keyword, when it is open: error 606. */
 int APKG_Fini(Cmpnt* component);
-int APKG_Test(const Cmpnt* component);
 void APKG_FreeList(Apkg* head);
 
 IBIS_END_DECLS

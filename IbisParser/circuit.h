@@ -32,7 +32,6 @@ int CIRCUIT_ReceiveLine(Cmpnt* component, const char* line);
 int CIRCUIT_End(Cmpnt* component);
 /* The end of a call by another keyword, when one is open: error 3710. */
 int CIRCUIT_Fini(Cmpnt* component);
-int CIRCUIT_Test(const Cmpnt* component, const Ext* externals);
 void CIRCUIT_FreeList(Circuit* head);
 
 IBIS_END_DECLS

@@ -37,8 +37,9 @@ struct Cmpnt {
     Node* nodes;
     Circuit* calls;
     CmpntEmi* emi;
-    unsigned long found;       /* bit code - 9 for each keyword that came */
-    struct IdxTable* pinIndex; /* pins by name */
+    unsigned long found;          /* bit code - 9 for each keyword that came */
+    struct IdxTable* pinIndex;    /* pins by name */
+    struct CmpntReading* reading; /* only while the component is open */
 };
 
 int CMPNT_Init(void);
@@ -49,6 +50,8 @@ int CMPNT_AddLink(Cmpnt** head, Cmpnt* item);
 Cmpnt* CMPNT_FindByName(Cmpnt* head, const char* name);
 /* The component that is being read, or null. */
 Cmpnt* CMPNT_GetOpen(void);
+/* Closes the component that the file left open, its end-of-record checks included. */
+int CMPNT_Close(void);
 /* The first pin of that name, or null. */
 Pin* CMPNT_FindPin(const Cmpnt* component, const char* name);
 

@@ -50,7 +50,6 @@ int CMPNTEMI_ReceiveLine(Cmpnt* component, int code, const char* line);
 int CMPNTEMI_End(Cmpnt* component);
 /* The end of the block by a keyword outside it, when it is open: error 807. */
 int CMPNTEMI_Fini(Cmpnt* component);
-int CMPNTEMI_Test(const Cmpnt* component);
 void CMPNTEMI_Free(CmpntEmi* emi);
 
 IBIS_END_DECLS

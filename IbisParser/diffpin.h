@@ -25,7 +25,6 @@ int DIFFPIN_KeywordLine(Cmpnt* component, const char* line);
 int DIFFPIN_ReceiveLine(Cmpnt* component, const char* line);
 /* The first pair that holds the pin in either role, or null. */
 DiffPin* DIFFPIN_Find(DiffPin* head, const char* pin);
-int DIFFPIN_Test(const Cmpnt* component, const Mdl* models, const Msel* selectors);
 void DIFFPIN_FreeList(DiffPin* head);
 
 IBIS_END_DECLS

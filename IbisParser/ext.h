@@ -57,7 +57,8 @@ struct Ext {
     ExtName* parameters;
     ExtName* ports;
     ExtConversion* conversions;
-    int ended;
+    int ended;                  /* its end keyword came */
+    struct IdxTable* portIndex; /* ports by name */
 };
 
 int EXT_CIR_Init(void);
@@ -74,10 +75,11 @@ int EXT_TestList(Ext* externals, const Cmpnt* components);
 int EXT_MdlNew(Mdl* model, const char* line);
 int EXT_MdlReceiveLine(Mdl* model, const char* line);
 int EXT_MdlEnd(Mdl* model, const char* line);
-/* Before every keyword line that follows [External Model] other than its end: an open block is
- * error 3440 and is finished. */
+/* Before a known keyword of any section other than the block's end, and at the end of the record:
+ * an open block is error 3440 and is finished. */
 int EXT_MdlFini(Mdl* model);
-/* 3418: the files of a model's block exist. */
+/* The files of the model's block exist (3418); A_extref needs [External Reference] (3447), which
+ * may stand after the block. */
 int EXT_MdlTest(const Mdl* model);
 void EXT_Free(Ext* item);
 

@@ -2,9 +2,13 @@
 #include "IbisParser/ibis.h"
 
 #include "IbisParser/algmod.h"
+#include "IbisParser/chkcmpnt.h"
 #include "IbisParser/cmn.h"
+#include "IbisParser/cmpnt.h"
 #include "IbisParser/errlog.h"
+#include "IbisParser/ext.h"
 #include "IbisParser/hdr.h"
+#include "IbisParser/msel.h"
 #include "IbisParser/parse.h"
 #include "IbisParser/pending.h"
 #include "IbisParser/pkgmdl.h"
@@ -29,7 +33,7 @@ static void s_testComponents(IbisRoot* root)
         ERRLOG_ErrorNew(3901, "Component", gsFileName);
         return;
     }
-    // chk_CheckAllComponents(root->cmpnts);
+    chk_CheckAllComponents(root->cmpnts);
     // CMPNT_TestList(root->cmpnts, root->exts, root->mdls);
 }
 

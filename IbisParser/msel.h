@@ -28,8 +28,6 @@ int MSEL_Fini(int nextCode);
 void MSEL_FreeList(Msel* head);
 int MSEL_AddLink(Msel** head, Msel* item);
 Msel* MSEL_FindByName(Msel* head, const char* name);
-/* The first model of the selector that is defined, or null. */
-Mdl* MSEL_FirstModel(const Msel* selector, Mdl* models);
 int MSEL_TestList(Msel* selectors);
 
 IBIS_END_DECLS

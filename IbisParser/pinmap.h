@@ -29,7 +29,6 @@ int PINMAP_KeywordLine(Cmpnt* component, const char* line);
 int PINMAP_ReceiveLine(Cmpnt* component, const char* line);
 /* The first line of that pin, or null. */
 PinMap* PINMAP_Find(PinMap* head, const char* pin);
-int PINMAP_Test(const Cmpnt* component, const Mdl* models, const Msel* selectors);
 void PINMAP_FreeList(PinMap* head);
 
 IBIS_END_DECLS

@@ -5,6 +5,8 @@
 
 #include <cstddef>
 #include <cstring>
+#include <initializer_list>
+#include <type_traits>
 
 #include "IbisParser/cmn.h"
 #include "IbisParser/ibis.h"
@@ -125,6 +127,14 @@ void SEC_FreeRecord(Record* record)
     CMN_freeSetNull(&block);
 }
 
+// Frees an owned text and clears its owner's pointer; null is ignored.
+inline void SEC_FreeText(char** text)
+{
+    void* block = *text;
+    if (block != nullptr) CMN_freeSetNull(&block);
+    *text = nullptr;
+}
+
 // The records of a list that is newest first, oldest first: for (Mdl* model : order).
 template <typename Record>
 class SecFileOrder {
@@ -170,7 +180,7 @@ public:
         for (Record* item = head; item != nullptr; item = item->next) {
             void** value = nullptr;
             if (!IDX_SlotName(&m_Table, item->name, &value)) return;
-            if (*value == nullptr) *value = item;
+            if (*value == nullptr) *value = const_cast<std::remove_const_t<Record>*>(item);
         }
     }
     ~SecNameIndex() { IDX_Clear(&m_Table); }

@@ -1,6 +1,9 @@
 #include "IbisParser/sections.h"
 
+#include "IbisParser/cmpnt.h"
+#include "IbisParser/ext.h"
 #include "IbisParser/hdr.h"
+#include "IbisParser/msel.h"
 #include "IbisParser/pending.h"
 #include "IbisParser/pkgmdl.h"
 

@@ -41,7 +41,6 @@ int SERMAP_GroupLine(Cmpnt* component, const char* line);
 int SERMAP_Fini(Cmpnt* component);
 /* The first line that joins the pin, in either role, or null. */
 SerMap* SERMAP_Find(SerMap* head, const char* pin);
-int SERMAP_Test(const Cmpnt* component, const Mdl* models, const Msel* selectors);
 void SERMAP_FreeList(SerMap* head);
 void SERMAP_FreeStates(SerState* head);
 
