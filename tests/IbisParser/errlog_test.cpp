@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstring>
 #include <map>
 #include <string>
 #include <vector>
@@ -201,6 +202,7 @@ GTEST_TEST(Errlog, SinkSeesWhatIsWritten)
     };
     LogCapture log;
     gulLineNum = 9;
+    std::strcpy(gsFileName, "f.ibs");
     ERRLOG_SetSink(sink, &seen);
     ERRLOG_LineErrorNew(1922, "1q");
     ERRLOG_ErrorNew(1923);
@@ -213,11 +215,11 @@ GTEST_TEST(Errlog, SinkSeesWhatIsWritten)
     ERRLOG_SetSink(nullptr, nullptr);
     ERRLOG_ErrorNew(1923);
     const std::vector<Seen> expected = {
-        {1922, 1922, ERR_LINE_ERROR, "", 9, "Illegal number found '1q'"},
-        {1923, 1923, ERR_ERROR, "", 0, "Numerical value expected"},
-        {4350, 0, ERR_INFO, "", 0, "Error code doesn't exist."},
-        {0, 0, ERR_LINE_NOTE, "", 9, "free 5"},
-        {1918, 1918, ERR_WARN, "", 0, "Unexpected '=' found"},
+        {1922, 1922, ERR_LINE_ERROR, "f.ibs", 9, "Illegal number found '1q'"},
+        {1923, 1923, ERR_ERROR, "f.ibs", 0, "Numerical value expected"},
+        {4350, 0, ERR_INFO, "f.ibs", 0, "Error code doesn't exist."},
+        {0, 0, ERR_LINE_NOTE, "f.ibs", 9, "free 5"},
+        {1918, 1918, ERR_WARN, "f.ibs", 0, "Unexpected '=' found"},
     };
     EXPECT_EQ(seen, expected);
 }
