@@ -1,4 +1,4 @@
-/* Checks of whole lists after a file was read: completeness by Model_type, plausibility, and the
+/* Checks of models and submodels after a file was read: completeness by type, plausibility, and the
  * shape rules of every table. Lists are the store's, newest first; messages follow the file. */
 #ifndef IBISPARSER_CHK_H
 #define IBISPARSER_CHK_H
@@ -8,7 +8,6 @@
 IBIS_BEGIN_DECLS
 
 int chk_CheckAllModels(const Mdl* models);
-int chk_CheckAllComponents(const Cmpnt* components);
 int chk_CheckAllSubModels(const SubMdl* submodels);
 
 IBIS_END_DECLS

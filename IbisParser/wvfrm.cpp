@@ -11,6 +11,7 @@
 #include "IbisParser/section_internal.h"
 #include "IbisParser/table_internal.h"
 #include "IbisParser/vitbl.h"
+#include "IbisParser/wvfrm_internal.h"
 
 static const char s_Module[] = "IbisParser/wvfrm";
 
@@ -206,6 +207,16 @@ static bool s_sameFixture(const Wvfrm* a, const Wvfrm* b)
     return true;
 }
 
+const Wvfrm* WVFRM_FindFixture(const Wvfrm* list, const Wvfrm* like)
+{
+    int compared = 0;
+    for (; list != nullptr && compared < WVFRM_MAX_PER_OWNER; list = list->next) {
+        ++compared;
+        if (s_sameFixture(list, like)) return list;
+    }
+    return nullptr;
+}
+
 static void s_checkFixture(const Wvfrm* waveform)
 {
     const char* keyword = SEC_KeywordName(waveform->kind);
@@ -217,16 +228,8 @@ static void s_checkFixture(const Wvfrm* waveform)
         ERRLOG_LineWarnNew(1809, keyword, owner);
     if (waveform->R_fixture.state != CELL_NUMBER || waveform->V_fixture.state != CELL_NUMBER)
         return;
-    // More waveforms than a model may have need no comparison with all of the earlier ones.
-    int compared = 0;
-    for (const Wvfrm* earlier = waveform->first;
-         earlier != waveform && compared < WVFRM_MAX_PER_OWNER; earlier = earlier->next) {
-        ++compared;
-        if (s_sameFixture(earlier, waveform)) {
-            ERRLOG_LineWarnNew(1819, keyword, owner);
-            return;
-        }
-    }
+    const Wvfrm* same = WVFRM_FindFixture(waveform->first, waveform);
+    if (same != nullptr && same != waveform) ERRLOG_LineWarnNew(1819, keyword, owner);
 }
 
 static void s_checkPoints(const Wvfrm* waveform, const RngpLine* tail)

@@ -60,10 +60,6 @@ int WVFRM_EndPoint(const Wvfrm* waveform, int corner, int last, double* volts);
 int WVFRM_EdgeTime(const Wvfrm* waveform, int corner, double* seconds);
 /* Shape rules of one pulse table or waveform of test data. */
 void WVFRM_Check(const Wvfrm* waveform);
-/* Shape rules of all waveforms of a model, and the rules between them. */
-void WVFRM_CheckModel(const Mdl* model);
-/* The same for a submodel. */
-void WVFRM_CheckSubMdl(const SubMdl* submodel);
 
 IBIS_END_DECLS
 
