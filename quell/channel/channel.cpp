@@ -245,7 +245,7 @@ void CheckColumn(const Column& column, const TimeGrid& grid, std::vector<std::st
     const double dcGain = DcGain(column.impulse, interval);
     if (magnitude < s_LeastGain || magnitude > s_MostGain) {
         warnings.push_back(column.name + ": the DC gain of this channel is " +
-                           ShortText(dcGain, 2) + "; expected about 1: is the unit " +
+                           ShortText(dcGain, 3) + "; expected about 1: is the unit " +
                            (magnitude < 1 ? "V/sample?" : "V/s?"));
         return;
     }

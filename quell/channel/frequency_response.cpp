@@ -112,7 +112,7 @@ ResponseCurve::ResponseCurve(const FrequencyResponse& response)
         double sign = 0;
         for (size_t k = 0; k < m_Gain.size(); ++k) {
             if (k >= 2 && m_Frequency[k] > 2 * m_Frequency.front()) break;
-            fit.Add(1, m_Frequency[k], std::abs(m_Gain[k]));
+            fit.Add(1, std::sqrt(m_Frequency[k]), std::abs(m_Gain[k]));
             sign += m_Gain[k].real();
         }
         const double limit = std::max(1.0, std::abs(m_Gain.front()));

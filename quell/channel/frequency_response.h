@@ -29,8 +29,9 @@ double LowestPhaseError(const FrequencyResponse& response);
 // The response at any frequency from 0 up. The delay is taken out first, so that what is left
 // changes slowly, and put back afterwards.
 //  - Between points: natural cubic splines of the real and the imaginary part.
-//  - Down to DC: the gain there is real; a straight line through the magnitudes of the lowest
-//    octave gives it, held to one where the file is passive, and their phases give its sign.
+//  - Down to DC: the gain there is real. A straight line over sqrt(f), as the skin effect has it,
+//    through the magnitudes of the lowest octave gives it, held to one where the file is passive;
+//    their phases give its sign.
 //  - Above the band: the logarithm of the magnitude and the phase go on along the straight lines
 //    fitted to the last quarter of the band; the magnitude never rises.
 class ResponseCurve {
