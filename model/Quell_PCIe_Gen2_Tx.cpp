@@ -50,23 +50,36 @@ static bool IsConstant(const double* x, std::int64_t count)
     return std::memcmp(x, x + 1, static_cast<std::size_t>(count - 1) * sizeof(double)) == 0;
 }
 
-// Fills the block where two more steps on the same input leave the filter's state as it is. (Two,
-// because rounding may hold a state with a negative pole between two values.) The whole delay line
-// holds the input's value already, so only its position moves on.
-static bool FillSettled(Chain& chain, double* x, std::int64_t count)
+static std::int64_t ConstantLength(const double* x, std::int64_t count)
 {
-    Chain trial = chain;
-    const double even = trial.Step(x[0]);
-    const double odd = trial.Step(x[0]);
-    if (count % 2 != 0 || !SameBits(trial.state1, chain.state1) ||
-        !SameBits(trial.state2, chain.state2))
-        return false;
-    for (std::int64_t i = 0; i < count; i += 2) {
-        x[i] = even;
-        x[i + 1] = odd;
+    return std::find_if(x, x + count, [=](double y) { return !SameBits(y, x[0]); }) - x;
+}
+
+// Filters count samples of one value that also fills the delay line. Rounding brings the filter's
+// state to a stop or into a short cycle; from the first state that comes back (found by Brent's
+// method) the output repeats and is copied.
+static void RunConstant(Chain& chain, double* x, std::int64_t count)
+{
+    const double value = x[0];
+    Chain seen = chain;
+    std::int64_t seenAt = 0;
+    std::int64_t patience = 64;
+    for (std::int64_t done = 0; done < count;) {
+        x[done++] = chain.Step(value);
+        if (SameBits(chain.state1, seen.state1) && SameBits(chain.state2, seen.state2)) {
+            const std::int64_t rest = (count - done) % (done - seenAt);
+            chain.delay.Skip(static_cast<std::uint64_t>(count - done - rest));
+            for (std::int64_t i = 0; i < rest; ++i)
+                chain.Step(value);
+            // Whole periods each time, so the next copy starts a period too.
+            while (done < count)
+                done = std::copy_n(x + seenAt, std::min(done - seenAt, count - done), x + done) - x;
+        } else if (done - seenAt == patience) {
+            seen = chain;
+            seenAt = done;
+            patience *= 2;
+        }
     }
-    chain.delay.Skip(static_cast<std::uint64_t>(count));
-    return true;
 }
 
 // Attaches a new wire to its two ends.
@@ -209,19 +222,23 @@ bool Quell_PCIe_Gen2_Tx::RunColumn(double* column, std::int64_t count)
         m_Filter.m_State1[0], m_Filter.m_State2[0], m_UIDelay.Line()};
     std::copy_n(m_Filter.m_Coefficients, TalvernQuell::TapsPerBiquad, chain.taps);
 
-    std::uint64_t constantRun = 0;  // samples before this block that are all constantValue
+    std::uint64_t constantRun = 0;  // samples up to start, in whole blocks, that are constantValue
     double constantValue = 0.0;
-    for (std::int64_t start = 0; start < fast; start += BlockSize) {
+    for (std::int64_t start = 0; start < fast;) {
         double* const x = column + start;
-        const std::int64_t n = std::min(BlockSize, fast - start);
+        std::int64_t n = std::min(BlockSize, fast - start);
         const bool constant = IsConstant(x, n);
         if (!constant || !SameBits(x[0], constantValue)) constantRun = 0;
         constantValue = x[0];
-        const bool settled = constant && constantRun >= chain.delay.capacity;
-        constantRun += constant ? static_cast<std::uint64_t>(n) : 0;
-        if (settled && FillSettled(chain, x, n)) continue;
-        for (std::int64_t i = 0; i < n; ++i)
-            x[i] = chain.Step(x[i]);
+        if (constant && constantRun >= chain.delay.capacity) {
+            n = ConstantLength(x, fast - start);
+            RunConstant(chain, x, n);
+        } else {
+            for (std::int64_t i = 0; i < n; ++i)
+                x[i] = chain.Step(x[i]);
+        }
+        if (constant) constantRun += static_cast<std::uint64_t>(n);
+        start += n;
     }
 
     m_Filter.m_State1[0] = chain.state1;
