@@ -296,8 +296,9 @@ static void s_checkReservedBranch(const _tagBranchStruct* reserved)
 
 void AMICHECK_Tree(const _tagTreeStruct* tree)
 {
-    CMN_ASSERT(tree != nullptr && tree->count > 0);
-    const _tagBranchStruct* root = s_branch(tree->nodes[0]);
+    CMN_ASSERT(tree != nullptr);
+    // Without memory for a copy of the text the tree comes without nodes.
+    const _tagBranchStruct* root = tree->count > 0 ? s_branch(tree->nodes[0]) : nullptr;
     bool reservedFound = false;
     for (int i = 0; root != nullptr && i < root->childCount; ++i) {
         const _tagNodeStruct& child = root->children[i];

@@ -362,6 +362,8 @@ static int s_readParameterLines(std::FILE* file)
         unsigned lineSize = 0;
         char* line = CMN_GetInfiniteLine(&lineSize, file);
         if (line == nullptr) {
+            // Neither end nor error of the stream: there was no memory for the line.
+            ok = std::feof(file) || std::ferror(file);
             --gulLineNum;
             break;
         }
@@ -405,6 +407,7 @@ int INIT(void)
 
 int PARSE(const char* name, int fileType)
 {
+    CMN_ASSERT(name != nullptr);
     if (fileType != FILE_AMI) return s_readDocument(name, static_cast<FileType>(fileType));
     s_beginParameters(name);
     std::FILE* file = nullptr;
