@@ -31,10 +31,18 @@ FILE* CMN_fopen(const char* name, const char* mode)
     return std::fopen(name, mode);
 }
 
+// The caller has seen to the room.
+static char* s_append(char* s, const char* tail)
+{
+    std::memcpy(s + std::strlen(s), tail, std::strlen(tail) + 1);
+    return s;
+}
+
 char* CMN_GetIbsPath(char* buf)
 {
     CMN_ASSERT(buf != nullptr);
-    return std::strcpy(buf, gsFilePath_ibs);
+    buf[0] = '\0';
+    return s_append(buf, gsFilePath_ibs);
 }
 
 int CMN_AllowAnyCharacter(int on)
@@ -66,7 +74,7 @@ static int s_fitExtension(char* fileName, int kind)
             ERRLOG_ErrorNew(1901);
             return 0;
         }
-        std::strcat(fileName, extension);
+        s_append(fileName, extension);
         return 1;
     }
     if (CMN_StrSameIC(period, extension)) return 1;
@@ -81,8 +89,7 @@ static FILE* s_openAnyCase(const char* fileName)
     static void (*const conversions[])(char*) = {nullptr, CMN_ConvertToLower, CMN_ConvertToUpper};
     for (const auto convert : conversions) {
         char path[CMN_PATH_MAX + 1];
-        std::strcpy(path, gsFilePath_ibs);
-        std::strcat(path, fileName);
+        s_append(CMN_GetIbsPath(path), fileName);
         if (convert != nullptr) convert(path);
         FILE* file = CMN_fopen(path, "r");
         if (file == nullptr) continue;
@@ -98,7 +105,7 @@ int CMN_OpenFile(const char* name, int kind, FILE** file, char* fileName)
     CMN_ASSERT(kind >= KIND_FIRST && kind <= KIND_LAST);
     // Kinds 2 and 4 are named inside a file that was read: the caller has already cut the name.
     CMN_ASSERT((kind != 2 && kind != 4) || std::strlen(name) < CMN_PATH_MAX);
-    char ownName[CMN_PATH_MAX + 1];
+    char ownName[CMN_PATH_MAX + 1] = "";
     if (fileName == nullptr) fileName = ownName;
 
     const int fits = s_splitPath(name, fileName);
@@ -169,6 +176,8 @@ static LineEnd s_readLine(LineBuffer* line, FILE* stream)
 {
     int c = getc_unlocked(stream);
     if (c == EOF) return LINE_NONE;
+    // The terminator needs room even when the line turns out empty.
+    if (!s_makeRoom(line)) return LINE_NO_MEMORY;
     for (; c != EOF; c = getc_unlocked(stream)) {
         if (c < 32 || c >= 128) {
             if (c == '\n' || (c == '\r' && s_followedBy('\n', stream)))
@@ -202,10 +211,9 @@ char* CMN_GetInfiniteLine(unsigned* size, FILE* stream)
 {
     CMN_ASSERT(size != nullptr && stream != nullptr);
     LineBuffer line = {nullptr, 0, 0, true};
-    // Room for the terminator even when the line turns out empty.
     const LineEnd end = s_readLine(&line, stream);
-    if (end == LINE_NONE) return nullptr;
-    if (end == LINE_NO_MEMORY || (line.text == nullptr && !s_makeRoom(&line))) {
+    if (end == LINE_NONE || line.text == nullptr) return nullptr;
+    if (end == LINE_NO_MEMORY) {
         std::free(line.text);
         return nullptr;
     }
@@ -236,7 +244,7 @@ int CMN_getIbisVer(const char* name, unsigned long* lines, int kind)
     const int anyCharacter = gbAllowAnyCharacter;
     gbAllowAnyCharacter = 1;
     int version = 0;
-    char buf[VERSION_LINE_MAX + 1];
+    char buf[VERSION_LINE_MAX + 1] = "";
     while (CMN_GetLine(buf, sizeof buf, file) != nullptr) {
         ++*lines;
         const char* start = buf;

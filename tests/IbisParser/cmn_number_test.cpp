@@ -12,6 +12,7 @@
 #include "IbisParser/errlog.h"
 #include "IbisParser/parse.h"
 #include "tests/support/LogCapture.h"
+#include "tests/support/TempDir.h"
 
 static const double untouched = -77.0;
 
@@ -165,14 +166,23 @@ GTEST_TEST(CmnNumber, RlcTokens)
     EXPECT_EQ(next, tooLong.data() + tooLong.size());
 }
 
-// Reading and printing in a locale whose decimal separator is a comma.
+// Sets a locale whose decimal separator is a comma: an installed one, else one that is compiled
+// from the C library's sources. Null when there is neither.
+static const char* SetCommaLocale(const TempDir& dir)
+{
+    for (const char* name : {"de_DE.UTF-8", "de_DE.utf8", "fr_FR.UTF-8", "fr_FR.utf8", "de_DE"})
+        if (std::setlocale(LC_ALL, name) != nullptr) return name;
+    const std::string compile =
+        "localedef -i de_DE -f UTF-8 " + dir.Path() + "de_DE.UTF-8 >" + dir.Path() + "log 2>&1";
+    if (std::system(compile.c_str()) != 0) return nullptr;
+    setenv("LOCPATH", dir.Path().c_str(), 1);
+    return std::setlocale(LC_ALL, "de_DE.UTF-8");
+}
+
 GTEST_TEST(CmnNumber, HostLocaleDoesNotMatter)
 {
-    const char* const names[] = {"de_DE.UTF-8", "de_DE.utf8", "fr_FR.UTF-8", "fr_FR.utf8", "de_DE"};
-    const char* found = nullptr;
-    for (const char* name : names)
-        if (found == nullptr) found = std::setlocale(LC_ALL, name);
-    if (found == nullptr) GTEST_SKIP() << "no comma locale is installed";
+    const TempDir dir;
+    if (SetCommaLocale(dir) == nullptr) GTEST_SKIP() << "no comma locale";
     char printed[8];
     std::snprintf(printed, sizeof printed, "%.1f", 1.5);
     ASSERT_STREQ(printed, "1,5");
