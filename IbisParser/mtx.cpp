@@ -19,19 +19,20 @@ static const char s_Module[] = "IbisParser/mtx";
 enum { MTX_DEFINITE_MAX = 400 };
 
 // What is being read. A sparse element may be given in the row of either of its pins: `waiting`
-// chains the elements given in earlier rows to their other pin, and `seen` marks, when the row of
-// that pin begins, the partners that it has already.
+// chains the elements given in earlier rows to their other pin, and `seen` marks the partners that
+// the row has already. Most files give the upper half only, so the chain of a row is walked not
+// before the row names a pin whose own row is past.
 struct MtxReading {
     int row;          // -1: no row is open, or its data are skipped
     int skipRow;      // data of a row that was refused
     const char* pin;  // of the row
     int limit;        // elements that the row may have
     int tooMany;      // reported for this row
+    int isMarked;     // sparse: the chain of the row was walked
     int diagonal;     // sparse: given in this row
     int* seen;        // n marks: row + 1
     int* waiting;     // n chains: element + 1
     int* chain;       // for each element the next one of its chain + 1
-    std::size_t chainCapacity;
 };
 
 // clang-format off
@@ -192,6 +193,7 @@ static void s_endRow(Mtx* matrix)
 static void s_markGiven(Mtx* matrix)
 {
     MtxReading* reading = matrix->reading;
+    reading->isMarked = 1;
     const int row = reading->row;
     for (int link = reading->waiting[row]; link != 0; link = reading->chain[link - 1]) {
         const MtxCell* cell = &matrix->cells[link - 1];
@@ -214,7 +216,10 @@ static int s_sparseLine(PkgMdl* package, Mtx* matrix, char* line)
         ERRLOG_LineErrorNew(2618, pinText);
         return 0;
     }
-    if (pin->index == reading->row) reading->diagonal = 1;
+    if (pin->index == reading->row)
+        reading->diagonal = 1;
+    else if (!reading->isMarked && matrix->rows[pin->index].given)
+        s_markGiven(matrix);
     if (reading->seen[pin->index] == reading->row + 1) {
         ERRLOG_LineErrorNew(2619, reading->pin, pin->name, s_name(matrix));
         return 0;
@@ -499,7 +504,7 @@ int MTX_Row(PkgMdl* package, char* text)
     reading->limit = matrix->n - pin->index;
     if (matrix->kind == MTX_BANDED)
         reading->limit = std::min(reading->limit, std::max(matrix->bandwidth, 0) + 1);
-    if (matrix->kind == MTX_SPARSE) s_markGiven(matrix);
+    reading->isMarked = 0;
     return 1;
 }
 

@@ -2,16 +2,20 @@
 #ifndef IBISPARSER_TOKEN_INTERNAL_H
 #define IBISPARSER_TOKEN_INTERNAL_H
 
-#include "IbisParser/cmn.h"
+// As CMN_IsWhitespace, for every character of a line.
+inline bool TOKEN_IsBlank(char c)
+{
+    return c == ' ' || (c >= '\t' && c <= '\r');
+}
 
 // The next blank-free token of the text, terminated in place, or null at its end.
 inline char* TOKEN_Next(char** text)
 {
     char* begin = *text;
-    while (*begin != '\0' && CMN_IsWhitespace(static_cast<unsigned char>(*begin)))
+    while (TOKEN_IsBlank(*begin))
         ++begin;
     char* end = begin;
-    while (*end != '\0' && !CMN_IsWhitespace(static_cast<unsigned char>(*end)))
+    while (*end != '\0' && !TOKEN_IsBlank(*end))
         ++end;
     *text = end;
     if (*end != '\0') {
@@ -24,7 +28,7 @@ inline char* TOKEN_Next(char** text)
 // What follows the blanks at the beginning of the text.
 inline char* TOKEN_SkipBlanks(char* text)
 {
-    while (*text != '\0' && CMN_IsWhitespace(static_cast<unsigned char>(*text)))
+    while (TOKEN_IsBlank(*text))
         ++text;
     return text;
 }
@@ -35,7 +39,7 @@ inline int TOKEN_Count(const char* text)
     int count = 0;
     bool inside = false;
     for (; *text != '\0'; ++text) {
-        const bool blank = CMN_IsWhitespace(static_cast<unsigned char>(*text)) != 0;
+        const bool blank = TOKEN_IsBlank(*text);
         if (!blank && !inside) ++count;
         inside = !blank;
     }
