@@ -5,6 +5,7 @@
 #include "IbisParser/chkcmpnt.h"
 #include "IbisParser/cmn.h"
 #include "IbisParser/cmpnt.h"
+#include "IbisParser/ebdmdl.h"
 #include "IbisParser/errlog.h"
 #include "IbisParser/ext.h"
 #include "IbisParser/hdr.h"
@@ -55,7 +56,7 @@ static RootStep* const s_TestSteps[] = {
     s_with<&IbisRoot::mdls, ALGMOD_Test>,
     // s_with<&IbisRoot::msels, MSEL_TestList>,
     s_testComponents,
-    // s_with<&IbisRoot::pkgMdls, PKGMDL_TestList>,
+    s_with<&IbisRoot::pkgMdls, PKGMDL_TestList>,
     // s_with<&IbisRoot::testData, TESTDATA_TestList>,
     // s_with<&IbisRoot::testLoads, TESTLOAD_TestList>,
     // s_testSubModels,
@@ -162,6 +163,5 @@ void EBD_Test(IbisRoot* root, int deep)
     CMN_ASSERT(root != nullptr);
     // No list check runs for package files: a record that the file left open ends here.
     PKGMDL_Close();
-    // EBDMDL_TestList(root->ebdMdls, deep);
-    (void)deep;
+    EBDMDL_TestList(root->ebdMdls, deep);
 }

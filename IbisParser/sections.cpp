@@ -1,6 +1,7 @@
 #include "IbisParser/sections.h"
 
 #include "IbisParser/cmpnt.h"
+#include "IbisParser/ebdmdl.h"
 #include "IbisParser/ext.h"
 #include "IbisParser/hdr.h"
 #include "IbisParser/msel.h"
