@@ -9,7 +9,7 @@
 #include "IbisParser/errlog.h"
 #include "IbisParser/index_internal.h"
 #include "IbisParser/parse_internal.h"
-#include "IbisParser/pending.h"
+#include "IbisParser/pending_internal.h"
 
 static const char s_Module[] = "IbisParser/algmod";
 

@@ -11,7 +11,7 @@
 #include "IbisParser/hdr.h"
 #include "IbisParser/msel.h"
 #include "IbisParser/parse.h"
-#include "IbisParser/pending.h"
+#include "IbisParser/pending_internal.h"
 #include "IbisParser/pkgmdl.h"
 
 static const char s_Module[] = "IbisParser/ibis";

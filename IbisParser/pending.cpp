@@ -1,4 +1,4 @@
-#include "IbisParser/pending.h"
+#include "IbisParser/pending_internal.h"
 
 #include <cstring>
 #include <type_traits>

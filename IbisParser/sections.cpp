@@ -5,7 +5,7 @@
 #include "IbisParser/ext.h"
 #include "IbisParser/hdr.h"
 #include "IbisParser/msel.h"
-#include "IbisParser/pending.h"
+#include "IbisParser/pending_internal.h"
 #include "IbisParser/pkgmdl.h"
 
 // clang-format off

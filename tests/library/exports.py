@@ -29,7 +29,7 @@ FRAMEWORK = [
     "TalvernQuell::AMI::ParamParser::GetLeaf(char const*) const",
     "TalvernQuellCodeGen::version()",
     "Quell_PCIe_Gen2_Tx::Run()",
-    "vtable for TalvernQuell::DFModel",
+    "vtable for TalvernQuell::SDomainIIR",
 ]
 
 failures = []

@@ -1,6 +1,6 @@
 // Sections of which only name and line are kept, so that any file is read to its end.
-#ifndef IBISPARSER_PENDING_H
-#define IBISPARSER_PENDING_H
+#ifndef IBISPARSER_PENDING_INTERNAL_H
+#define IBISPARSER_PENDING_INTERNAL_H
 
 #include "IbisParser/algmod.h"
 #include "IbisParser/ibis.h"

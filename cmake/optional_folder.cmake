@@ -1,5 +1,0 @@
-function(add_folder name)
-    if(EXISTS ${CMAKE_CURRENT_SOURCE_DIR}/${name}/CMakeLists.txt)
-        add_subdirectory(${name})
-    endif()
-endfunction()
