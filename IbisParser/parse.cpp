@@ -8,7 +8,7 @@
 #include "IbisParser/errlog.h"
 #include "IbisParser/ibis.h"
 #include "IbisParser/parse_internal.h"
-#include "IbisParser/sections.h"
+#include "IbisParser/sections_internal.h"
 #include "IbisParser/textbuf_internal.h"
 
 static const char s_Module[] = "IbisParser/parse";

@@ -1,4 +1,4 @@
-#include "IbisParser/sections.h"
+#include "IbisParser/sections_internal.h"
 
 #include "IbisParser/cmpnt.h"
 #include "IbisParser/ebdmdl.h"

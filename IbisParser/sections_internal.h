@@ -1,6 +1,6 @@
 // The routing table: which section of the library owns which keywords.
-#ifndef IBISPARSER_SECTIONS_H
-#define IBISPARSER_SECTIONS_H
+#ifndef IBISPARSER_SECTIONS_INTERNAL_H
+#define IBISPARSER_SECTIONS_INTERNAL_H
 
 #include "IbisParser/keyword.h"
 
