@@ -3,7 +3,9 @@
 #define QUELL_COMMANDS_H
 
 #include <CLI/CLI.hpp>
+#include <functional>
 #include <string>
+#include <utility>
 
 namespace quell {
 
@@ -18,6 +20,27 @@ void AddRun(CLI::App& app, int& exitCode);
 CLI::Option* AddNumber(CLI::App& command, const std::string& name, const std::string& unit,
                        double least, std::function<void(double)> store,
                        const std::string& description);
+
+// An option that takes one of a table's words.
+template <typename T, size_t n>
+CLI::Option* AddChoice(CLI::App& command, const std::string& name, T& value,
+                       const std::pair<const char*, T> (&choices)[n],
+                       const std::string& description)
+{
+    std::string words;
+    for (const auto& choice : choices)
+        words += (words.empty() ? "" : ", ") + std::string(choice.first);
+    const auto parse = [name, words, &value, &choices](const std::string& text) {
+        for (const auto& choice : choices) {
+            if (text != choice.first) continue;
+            value = choice.second;
+            return;
+        }
+        throw CLI::ValidationError(name, "'" + text + "' is none of " + words);
+    };
+    return command.add_option_function<std::string>(name, parse, description + ": " + words)
+        ->type_name("WORD");
+}
 
 // Prints "warning: TEXT" on standard error, one line.
 void PrintWarning(const std::string& text);

@@ -79,8 +79,7 @@ std::string Quoted(std::string_view token)
     constexpr size_t longest = 40;
     std::string text = "'";
     for (const char c : token.substr(0, longest)) {
-        const bool control = static_cast<unsigned char>(c) < 0x20 || c == 0x7F;
-        text += control ? '?' : c;
+        text += c >= ' ' && c <= '~' ? c : '?';
     }
     return text + (token.size() > longest ? "...'" : "'");
 }

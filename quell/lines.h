@@ -27,7 +27,8 @@ private:
 // given. Empty when there is none.
 std::string_view NextToken(std::string_view& line, std::string_view separators = " \t\v\f");
 
-// A token as it may stand in a message: control characters replaced, cut to a readable length.
+// A token as it may stand in a message: what is not printable ASCII replaced, cut to a readable
+// length.
 std::string Quoted(std::string_view token);
 
 std::string Lower(std::string_view text);

@@ -3,7 +3,6 @@
 #include <filesystem>
 #include <fstream>
 #include <iostream>
-#include <map>
 
 #include "quell/commands.h"
 #include "quell/errors.h"
@@ -28,12 +27,13 @@ struct RunOptions {
     bool dryRun = false;
 };
 
-const std::map<std::string, ResponseKind> s_ResponseKinds = {{"impulse", ResponseKind::Impulse},
-                                                             {"step", ResponseKind::Step},
-                                                             {"pulse", ResponseKind::Pulse}};
+constexpr std::pair<const char*, ResponseKind> s_ResponseKinds[] = {
+    {"impulse", ResponseKind::Impulse},
+    {"step", ResponseKind::Step},
+    {"pulse", ResponseKind::Pulse}};
 
-const std::map<std::string, ImpulseUnit> s_Units = {{"V/s", ImpulseUnit::VoltPerSecond},
-                                                    {"V/sample", ImpulseUnit::VoltPerSample}};
+constexpr std::pair<const char*, ImpulseUnit> s_Units[] = {
+    {"V/s", ImpulseUnit::VoltPerSecond}, {"V/sample", ImpulseUnit::VoltPerSample}};
 
 // Text of others between our lines: every line indented, so that it is seen to be theirs.
 std::string Indented(const std::string& text)
@@ -250,14 +250,10 @@ void AddRun(CLI::App& app, int& exitCode)
         run, "--sample-interval", "s", 0, [&channel](double v) { channel.sampleInterval = v; },
         "Sample interval of a table without a time column")
         ->group(tables);
-    run.add_option("--response", channel.response, "impulse, step or pulse (default impulse)")
-        ->transform(CLI::Transformer(s_ResponseKinds))
-        ->type_name("KIND")
+    AddChoice(run, "--response", channel.response, s_ResponseKinds,
+              "What the table holds (default impulse)")
         ->group(tables);
-    run.add_option("--unit", channel.unit,
-                   "Unit of impulse responses: V/s or V/sample (default V/s)")
-        ->transform(CLI::Transformer(s_Units))
-        ->type_name("UNIT")
+    AddChoice(run, "--unit", channel.unit, s_Units, "Unit of impulse responses (default V/s)")
         ->group(tables);
 
     const char* models = "Model";

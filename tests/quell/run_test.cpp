@@ -41,6 +41,8 @@ GTEST_TEST(Run, ExitCodesAndTheirOneLine)
          "quell: --bit-rate: 0 is not greater than 0 (see quell --help)\n"},
         {"run x.csv --bit-rate fast", 2,
          "quell: --bit-rate: 'fast' is not a number (see quell --help)\n"},
+        {"run x.csv --unit V", 2,
+         "quell: --unit: 'V' is none of V/s, V/sample (see quell --help)\n"},
         {"run /no/x.csv" + s_TestModel + "--params x", 2, "quell: /no/x.csv: no such file\n"},
         {"run loss:8dB@2.5GHz --model /no/x.so", 2, "quell: /no/x.so: no such model file\n"},
         {"run loss:8dB@2.5GHz --params x --model " + s_Models + "model_without_init.so", 2,
@@ -86,6 +88,32 @@ GTEST_TEST(Run, JsonHoldsTheKeysAndNothingElseIsPrinted)
               0.5 * value["peak_distortion_height_before"].get<double>());
     // Computed by a script of its own from the formulas: transform, running sums, phases.
     EXPECT_NEAR(value["peak_distortion_height_before"].get<double>(), 0.2144404, 1e-6);
+}
+
+// Computed from the formulas by a script that knows none of this code.
+GTEST_TEST(Run, TheModelOfTheKitOverTheBuiltInLine)
+{
+    static const struct {
+        const char* channel;
+        const char* deEmphasis;
+        double dcGain;  // 10^(-dB / 20)
+        double height;
+    } rows[] = {
+        {"loss:8dB@2.5GHz", "0", 1, 0.14903},
+        {"loss:8dB@2.5GHz", "3.5", 0.668344, 0.28819},
+        {"loss:8dB@2.5GHz", "4.0", 0.630957, 0.29680},
+        {"loss:14dB@2.5GHz", "9.5", 0.334965, 0.11725},
+    };
+    for (const auto& row : rows) {
+        const CommandResult result = RunQuell(std::string("run ") + row.channel +
+                                              " --json --set de_emphasis=" + row.deEmphasis);
+        ASSERT_EQ(result.exitCode, 0) << result.err;
+        EXPECT_EQ(result.err, "");
+        const json value = json::parse(result.out);
+        EXPECT_NEAR(value["columns"][0]["dc_gain_after"].get<double>(), row.dcGain, 1e-6);
+        EXPECT_NEAR(value["peak_distortion_height_after"].get<double>(), row.height, 1e-5);
+        EXPECT_TRUE(value["message"].is_null());
+    }
 }
 
 GTEST_TEST(Run, NumbersThatAreNoneAreNullInJson)
