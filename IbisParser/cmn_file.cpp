@@ -209,7 +209,7 @@ char* CMN_GetLine(char* buf, int size, FILE* stream)
 
 char* CMN_GetInfiniteLine(unsigned* size, FILE* stream)
 {
-    CMN_ASSERT(size != nullptr && stream != nullptr);
+    if (size == nullptr || stream == nullptr) return nullptr;
     LineBuffer line = {nullptr, 0, 0, true};
     const LineEnd end = s_readLine(&line, stream);
     if (end == LINE_NONE || line.text == nullptr) return nullptr;
