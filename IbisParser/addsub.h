@@ -19,10 +19,11 @@ typedef struct AddSub AddSub;
 struct AddSub {
     AddSub* next;
     char submodel[ADDSUB_NAME_MAX + 1];
-    int mode; /* AddSubMode; 0 when the word was not legal */
+    int mode;     /* AddSubMode; 0 when the word was not legal */
+    int allModes; /* in the first row of a submodel the modes of all its rows, else 0 */
 };
 
-int ADDSUB_KeywordLine(Mdl* model, const char* line);
+int ADDSUB_KeywordLine(Mdl* model);
 int ADDSUB_ReceiveLine(Mdl* model, const char* line);
 int ADDSUB_Fini(Mdl* model);
 void ADDSUB_FreeList(AddSub* head); /* null is ignored */

@@ -8,8 +8,8 @@
 #include "IbisParser/cmn.h"
 #include "IbisParser/errlog.h"
 #include "IbisParser/index_internal.h"
+#include "IbisParser/mdl.h"
 #include "IbisParser/parse_internal.h"
-#include "IbisParser/pending_internal.h"
 
 static const char s_Module[] = "IbisParser/algmod";
 

@@ -25,7 +25,7 @@ struct DrvSh {
     RngSingle delay[DELAY_COUNT]; /* second, from the internal edge */
 };
 
-int DRVSH_KeywordLine(Mdl* model, const char* line);
+int DRVSH_KeywordLine(Mdl* model);
 int DRVSH_ReceiveLine(Mdl* model, const char* line);
 int DRVSH_Fini(Mdl* model);
 void DRVSH_FreeList(DrvSh* head); /* null is ignored */

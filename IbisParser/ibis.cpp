@@ -9,10 +9,12 @@
 #include "IbisParser/errlog.h"
 #include "IbisParser/ext.h"
 #include "IbisParser/hdr.h"
+#include "IbisParser/mdl.h"
 #include "IbisParser/msel.h"
 #include "IbisParser/parse.h"
 #include "IbisParser/pending_internal.h"
 #include "IbisParser/pkgmdl.h"
+#include "IbisParser/submdl.h"
 
 static const char s_Module[] = "IbisParser/ibis";
 
@@ -38,32 +40,32 @@ static void s_testComponents(IbisRoot* root)
     // CMPNT_TestList(root->cmpnts, root->exts, root->mdls);
 }
 
-// static void s_testSubModels(IbisRoot* root)
-// {
-//     if (root->subMdls != nullptr) MDL_TestSubMdlReferences(root->mdls, root->subMdls);
-// }
-//
-// static void s_testAddedSubModels(IbisRoot* root)
-// {
-//     MDL_TestSubMdls(root->mdls, root->subMdls);
-// }
+static void s_testSubModels(IbisRoot* root)
+{
+    if (root->subMdls != nullptr) MDL_TestSubMdlReferences(root->mdls, root->subMdls);
+}
+
+static void s_testAddedSubModels(IbisRoot* root)
+{
+    MDL_TestSubMdls(root->mdls, root->subMdls);
+}
 
 static RootStep* const s_TestSteps[] = {
-    // s_with<&IbisRoot::mdls, RCVTH_Check>,
+    s_with<&IbisRoot::mdls, RCVTH_Check>,
     // s_with<&IbisRoot::mdls, acdc_CheckAllModels>,
     // s_with<&IbisRoot::mdls, chk_CheckAllModels>,
-    // s_with<&IbisRoot::mdls, DRVSH_Test>,
+    s_with<&IbisRoot::mdls, DRVSH_Test>,
     s_with<&IbisRoot::mdls, ALGMOD_Test>,
     // s_with<&IbisRoot::msels, MSEL_TestList>,
     s_testComponents,
     s_with<&IbisRoot::pkgMdls, PKGMDL_TestList>,
     // s_with<&IbisRoot::testData, TESTDATA_TestList>,
     // s_with<&IbisRoot::testLoads, TESTLOAD_TestList>,
-    // s_testSubModels,
+    s_testSubModels,
     // s_with<&IbisRoot::subMdls, chk_CheckAllSubModels>,
     // s_with<&IbisRoot::subMdls, acdc_CheckAllSubModels>,
-    // s_testAddedSubModels,
-    // s_with<&IbisRoot::mdls, MDL_TestMdlReference>,
+    s_testAddedSubModels,
+    s_with<&IbisRoot::mdls, MDL_TestMdlReference>,
 };
 
 // External circuits have no place of their own in the order; nothing that is released before them

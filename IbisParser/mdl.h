@@ -137,11 +137,16 @@ struct Mdl {
     Ext* external;
     AlgMod* algMod;
     MdlEmi* emi;
-    unsigned long long found; /* bit (code - KEY_EXTERNAL_MODEL) for each keyword that occurred */
+    /* A bit (code - KEY_EXTERNAL_MODEL) for each keyword that occurred, and for each of these that
+     * was reported as not allowed for the Model_type. */
+    unsigned long long found;
+    unsigned long long refused;
 };
 
 /* 1 when the keyword occurred in the model, readable or not; codes 30-73. */
 int MDL_Found(const Mdl* model, int code);
+/* 1 when it was reported as not allowed for the Model_type. */
+int MDL_Refused(const Mdl* model, int code);
 
 /* The row of a type, or null for MDL_TYPE_UNSET and numbers that are no type. */
 const MdlTypeInfo* MDL_TypeInfo(int type);
@@ -164,7 +169,7 @@ int MDL_Init(void);
 int MDL_ReceiveLine(int kind, int code, char* line);
 int MDL_Fini(int nextCode);
 void MDL_FreeList(Mdl* head); /* null is ignored */
-void MDL_AddLink(Mdl** head, Mdl* item);
+int MDL_AddLink(Mdl** head, Mdl* item);
 /* By exact name; null when absent. Linear: many look-ups go through an index of their own. */
 Mdl* MDL_FindByName(const Mdl* head, const char* name);
 /* Closes the record that the file left open, its end-of-record checks included. */

@@ -19,12 +19,13 @@ typedef enum MdlEmiDomain {
 } MdlEmiDomain;
 
 typedef struct MdlEmi {
-    int type;   /* MdlEmiType */
-    int domain; /* MdlEmiDomain */
-    int open;   /* [End EMI Model] has not come yet */
+    int type;       /* MdlEmiType */
+    int domain;     /* MdlEmiDomain */
+    int open;       /* [End EMI Model] has not come yet */
+    unsigned given; /* bit for each sub-parameter that occurred, in the order above */
 } MdlEmi;
 
-int MDLEMI_Begin(Mdl* model, const char* line);
+int MDLEMI_Begin(Mdl* model);
 int MDLEMI_ReceiveLine(Mdl* model, const char* line);
 /* [End EMI Model]. */
 int MDLEMI_End(Mdl* model);

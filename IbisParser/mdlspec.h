@@ -53,13 +53,18 @@ typedef struct MdlSpec {
 
 /* The model's entry, or null when it has none. */
 const RngRange* MDLSPEC_Get(const Mdl* model, int item);
+/* The level above which an input reads high in a corner: Vinh+, else Vinh, else the [Model] value.
+ * Its state tells whether there is one. */
+RngSingle MDLSPEC_InputHigh(const Mdl* model, int corner);
+/* The level below which it reads low: Vinl-, Vinl, the [Model] value. */
+RngSingle MDLSPEC_InputLow(const Mdl* model, int corner);
 
-int MDLSPEC_KeywordLine(Mdl* model, const char* line);
+int MDLSPEC_KeywordLine(Mdl* model);
 int MDLSPEC_ReceiveLine(Mdl* model, const char* line);
 /* The keyword ends: an empty block is reported. */
 int MDLSPEC_Fini(Mdl* model);
-/* The model ends: the rules between the entries and with the rest of the model. 3119 takes the
- * place of the [Model] value's own note when *vmeasNoted comes back as 1. */
+/* The model ends: the rules between the entries and with the rest of the model. *vmeasNoted comes
+ * back as 1 when Vmeas was noted as outside the input thresholds. */
 int MDLSPEC_EndOfModel(const Mdl* model, int* vmeasNoted);
 void MDLSPEC_Free(MdlSpec* spec); /* null is ignored */
 

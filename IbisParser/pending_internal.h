@@ -2,7 +2,6 @@
 #ifndef IBISPARSER_PENDING_INTERNAL_H
 #define IBISPARSER_PENDING_INTERNAL_H
 
-#include "IbisParser/algmod.h"
 #include "IbisParser/ibis.h"
 
 enum { PENDING_NAME_MAX = 40 };
@@ -13,7 +12,6 @@ extern "C" {
         record* next;                                         \
         char name[PENDING_NAME_MAX + 1];                      \
         unsigned long line;                                   \
-        AlgMod* algMod; /* models only */                     \
     };                                                        \
     int init(void);                                           \
     int prefix##_ReceiveLine(int kind, int code, char* line); \

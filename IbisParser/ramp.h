@@ -6,22 +6,23 @@
 
 IBIS_BEGIN_DECLS
 
+/* state is a CellState: CELL_ABSENT where the file gives no slope of the edge at all, CELL_NA for
+ * NA and for what cannot be used (reported while reading). */
 typedef struct RampSlope {
-    double dV;
-    double dt;
-    int state; /* CellState; a number when both dV and dt were read */
+    double dV; /* volt, above 0 */
+    double dt; /* second, above 0 */
+    int state;
 } RampSlope;
 
 typedef struct Ramp {
-    RampSlope rise[CORNER_COUNT]; /* volt, second */
+    RampSlope rise[CORNER_COUNT]; /* by RngCorner */
     RampSlope fall[CORNER_COUNT];
-    RngSingle R_load; /* ohm; a value of 50 when state is CELL_ABSENT */
+    RngSingle R_load; /* ohm; 50 when the file gives none (state CELL_ABSENT) */
 } Ramp;
 
-/* The open ramp is *slot, of a model or a submodel. */
-int RAMP_KeywordLine(Ramp** slot, const char* line);
+/* Makes the record in an empty slot. 1 done, 0 no memory (reported). */
+int RAMP_KeywordLine(Ramp** slot);
 int RAMP_ReceiveLine(Ramp* ramp, const char* line);
-int RAMP_Fini(Ramp* ramp);
 void RAMP_Free(Ramp* ramp); /* null is ignored */
 
 IBIS_END_DECLS

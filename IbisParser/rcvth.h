@@ -39,7 +39,7 @@ typedef struct RcvTh {
     int referenceSupply; /* RcvThSupply */
 } RcvTh;
 
-int RCVTH_KeywordLine(Mdl* model, const char* line);
+int RCVTH_KeywordLine(Mdl* model);
 int RCVTH_ReceiveLine(Mdl* model, const char* line);
 int RCVTH_Fini(Mdl* model);
 void RCVTH_Free(RcvTh* thresholds); /* null is ignored */

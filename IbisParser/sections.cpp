@@ -4,9 +4,11 @@
 #include "IbisParser/ebdmdl.h"
 #include "IbisParser/ext.h"
 #include "IbisParser/hdr.h"
+#include "IbisParser/mdl.h"
 #include "IbisParser/msel.h"
 #include "IbisParser/pending_internal.h"
 #include "IbisParser/pkgmdl.h"
+#include "IbisParser/submdl.h"
 
 // clang-format off
 static const Section s_Sections[] = {

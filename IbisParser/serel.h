@@ -23,15 +23,14 @@ typedef struct SerEl {
     RngRange* Rc; /* ohm */
     Vitbl* current;
     Vitbl* mosfets; /* list, file order */
-    int unreadable; /* an element whose values could not be read stands in the file */
 } SerEl;
 
-/* The keyword lines 56-65 of a model. */
-int SEREL_KeywordLine(Mdl* model, int code, char* line);
+/* The keyword lines 56-65 of a model; text is what follows the keyword. */
+int SEREL_KeywordLine(Mdl* model, int code, const char* text);
 /* A data line under [Series Current] or [Series MOSFET]. */
-int SEREL_ReceiveLine(Mdl* model, int code, char* line);
+int SEREL_ReceiveLine(Mdl* model, const char* line);
 /* The current keyword ends. */
-int SEREL_Fini(Mdl* model, int code);
+int SEREL_Fini(Mdl* model);
 /* The model ends: rules between its elements. */
 int SEREL_EndOfModel(const Mdl* model);
 void SEREL_Free(SerEl* elements); /* null is ignored */

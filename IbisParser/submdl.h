@@ -45,7 +45,7 @@ int SUBMDL_Init(void);
 int SUBMDL_ReceiveLine(int kind, int code, char* line);
 int SUBMDL_Fini(int nextCode);
 void SUBMDL_FreeList(SubMdl* head); /* null is ignored */
-void SUBMDL_AddLink(SubMdl** head, SubMdl* item);
+int SUBMDL_AddLink(SubMdl** head, SubMdl* item);
 /* By exact name; null when absent. Linear: many look-ups go through an index of their own. */
 SubMdl* SUBMDL_FindByName(const SubMdl* head, const char* name);
 /* The type as the file writes it, or null for SUBMDL_UNSET. */
