@@ -2,9 +2,11 @@
 
 #include <gtest/gtest.h>
 
-#include <cstring>
+#include <clocale>
 #include <limits>
 #include <string>
+
+#include "tests/support/CommaLocale.h"
 
 using TalvernQuell::AMI::ParamParser;
 
@@ -65,6 +67,18 @@ GTEST_TEST(ParamParser, FindsTheFirstValueOfALeafAsANumber)
         EXPECT_EQ(real, row.found ? row.expected : -77.0) << row.text << " " << row.name;
         EXPECT_EQ(integer, row.found ? row.truncated : -77) << row.text << " " << row.name;
     }
+}
+
+GTEST_TEST(ParamParser, ReadsThePointWhereTheHostHasAComma)
+{
+    const TempDir dir;
+    if (SetCommaLocale(dir) == nullptr) GTEST_SKIP() << "no comma locale";
+    ASSERT_STREQ(std::localeconv()->decimal_point, ",");
+    const ParamParser parser("(Tx (Point 3.5) (Comma 3,5))");
+    double value = 0.0;
+    EXPECT_TRUE(parser.GetValue(value, "Tx.Point"));
+    EXPECT_EQ(value, 3.5);
+    EXPECT_FALSE(parser.GetValue(value, "Tx.Comma"));
 }
 
 GTEST_TEST(ParamParser, TakesOnlyTheTwoWordsAsBooleans)
