@@ -249,7 +249,7 @@ static int s_dataLine(ExtReading* reading, const char* line)
 {
     // Blanks and "=" separate the items, so two characters hold at most one.
     CmnArgs args;
-    if (!KRNG_Split(line, static_cast<int>(std::strlen(line) / 2) + 2, &args)) return 0;
+    if (!KRNG_Split(line, static_cast<int>(std::strlen(line) / 2) + 1, &args)) return 0;
     const ExtRow* row = args.nStored > 0 ? SEC_FindRow(s_rows, args.argv[0]) : nullptr;
     if (row == nullptr)
         ERRLOG_LineErrorNew(3410, reading->keyword, args.nStored > 0 ? args.argv[0] : line);

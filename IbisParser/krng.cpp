@@ -21,8 +21,8 @@ static void s_dropItem(CmnArgs* args, int i)
 int KRNG_Split(const char* line, int max, CmnArgs* args)
 {
     CMN_ASSERT(line != nullptr && args != nullptr && max > 0);
-    // One more slot than items, for the "=".
-    if (!CMN_ArgParsePlus(line, max + 1, '=', args)) return 0;
+    // Two more slots than items, for the "=" and one too many.
+    if (!CMN_ArgParsePlus(line, max + 2, '=', args)) return 0;
     int equals = 0;
     for (int i = 0; i < args->nStored;) {
         if (std::strcmp(args->argv[i], "=") != 0) {
@@ -34,7 +34,8 @@ int KRNG_Split(const char* line, int max, CmnArgs* args)
         s_dropItem(args, i);
         --args->argc;
     }
-    if (args->nStored > max) s_dropItem(args, max);
+    while (args->nStored > max)
+        s_dropItem(args, args->nStored - 1);
     return 1;
 }
 
