@@ -271,7 +271,8 @@ GTEST_TEST(Parse, Noise)
     const TempDir dir;
     Messages messages(1, 0);
     std::mt19937 random(7);
-    const std::string alphabet("[]|()_/= \"\n\r\t\0\x1a\xff#0.eIBNS", 26);
+    static const char characters[] = "[]|()_/= \"\n\r\t\0\x1a\xff#0.eIBNS";
+    const std::string alphabet(characters, sizeof characters - 1);
     for (int round = 0; round < 60; ++round) {
         std::string bytes = round % 2 == 0 ? "" : s_Everything;
         for (int i = 0; i < 300; ++i) {
