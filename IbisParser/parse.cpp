@@ -1,6 +1,7 @@
 // The reader of IBIS-family files: lines, keywords and where they go.
 #include "IbisParser/parse.h"
 
+#include <algorithm>
 #include <climits>
 #include <cstring>
 
@@ -146,6 +147,21 @@ static KeywordCode s_inContext(KeywordCode code)
     return code;
 }
 
+// The entry of the version's table that has the name, else its last one. Blanks of the name become
+// "_".
+static const KeywordEntry* s_findKeyword(char* name)
+{
+    std::replace(name, name + std::strlen(name), ' ', '_');
+    const char first =
+        name[0] >= 'a' && name[0] <= 'z' ? static_cast<char>(name[0] - 'a' + 'A') : name[0];
+    const KeywordEntry* entry = s_version()->keywords;
+    // Most entries differ in their first letter.
+    while (entry->code != NOT_KEY &&
+           (entry->name[0] != first || !CMN_MatchKeyword(entry->name, name)))
+        ++entry;
+    return entry;
+}
+
 static KeywordCode s_getKeyword(const char* line)
 {
     CMN_ASSERT(line != nullptr);
@@ -161,9 +177,7 @@ static KeywordCode s_getKeyword(const char* line)
     }
     char name[KEYWORD_MAX + 1];
     CMN_strncpy(name, line + 1, length);
-    const KeywordEntry* entry = s_version()->keywords;
-    while (entry->code != NOT_KEY && !CMN_MatchKeyword(entry->name, name))
-        ++entry;
+    const KeywordEntry* entry = s_findKeyword(name);
     if (entry->code == NOT_KEY) ERRLOG_LineErrorNew(916, name);
     return s_inContext(entry->code);
 }
