@@ -22,14 +22,14 @@ static const char s_DosCharacters[] = "!#$%&'()-@^_`{}~";
 // a disclaimer may come in several pieces.
 struct TextKeyword {
     KeywordCode code;
-    char* Hdr::*text;
     unsigned duplicate;
+    char* Hdr::*text;
 };
 static const TextKeyword s_TextKeywords[] = {
-    {KEY_SOURCE, &Hdr::source, 1017},
-    {KEY_NOTES, &Hdr::notes, 1018},
-    {KEY_DISCLAIMER, &Hdr::disclaimer, 0},
-    {KEY_COPYRIGHT, &Hdr::copyright, 1019},
+    {KEY_SOURCE, 1017, &Hdr::source},
+    {KEY_NOTES, 1018, &Hdr::notes},
+    {KEY_DISCLAIMER, 0, &Hdr::disclaimer},
+    {KEY_COPYRIGHT, 1019, &Hdr::copyright},
 };
 enum { TEXT_KEYWORDS = 4 };
 

@@ -7,10 +7,10 @@
 IBIS_BEGIN_DECLS
 
 typedef enum KeywordCode {
-#define KEY2(code, enumerator, name) enumerator = code,
-#define KEY3(code, enumerator, name) enumerator = code,
-#define KEY4(code, enumerator, name) enumerator = code,
-#define KEY5(code, enumerator, name) enumerator = code,
+#define KEY2(code, enumerator, name) enumerator = (code),
+#define KEY3(code, enumerator, name) enumerator = (code),
+#define KEY4(code, enumerator, name) enumerator = (code),
+#define KEY5(code, enumerator, name) enumerator = (code),
 #include "IbisParser/keywords.inc"
 #undef KEY2
 #undef KEY3
