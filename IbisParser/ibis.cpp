@@ -1,7 +1,9 @@
 // The document store, and the order in which its parts are checked and released.
 #include "IbisParser/ibis.h"
 
+#include "IbisParser/acdc.h"
 #include "IbisParser/algmod.h"
+#include "IbisParser/chk.h"
 #include "IbisParser/chkcmpnt.h"
 #include "IbisParser/cmn.h"
 #include "IbisParser/cmpnt.h"
@@ -52,8 +54,8 @@ static void s_testAddedSubModels(IbisRoot* root)
 
 static RootStep* const s_TestSteps[] = {
     s_with<&IbisRoot::mdls, RCVTH_Check>,
-    // s_with<&IbisRoot::mdls, acdc_CheckAllModels>,
-    // s_with<&IbisRoot::mdls, chk_CheckAllModels>,
+    s_with<&IbisRoot::mdls, acdc_CheckAllModels>,
+    s_with<&IbisRoot::mdls, chk_CheckAllModels>,
     s_with<&IbisRoot::mdls, DRVSH_Test>,
     s_with<&IbisRoot::mdls, ALGMOD_Test>,
     // s_with<&IbisRoot::msels, MSEL_TestList>,
@@ -62,8 +64,8 @@ static RootStep* const s_TestSteps[] = {
     // s_with<&IbisRoot::testData, TESTDATA_TestList>,
     // s_with<&IbisRoot::testLoads, TESTLOAD_TestList>,
     s_testSubModels,
-    // s_with<&IbisRoot::subMdls, chk_CheckAllSubModels>,
-    // s_with<&IbisRoot::subMdls, acdc_CheckAllSubModels>,
+    s_with<&IbisRoot::subMdls, chk_CheckAllSubModels>,
+    s_with<&IbisRoot::subMdls, acdc_CheckAllSubModels>,
     s_testAddedSubModels,
     s_with<&IbisRoot::mdls, MDL_TestMdlReference>,
 };
