@@ -27,7 +27,7 @@ std::string FindRoot(const ModelOptions& options, ModelSetup& setup)
     const std::string beside =
         std::filesystem::path(setup.model).replace_extension(".ami").string();
     if (!options.ami && !Exists(beside)) {
-        const std::string stem = ModelStem(setup.model);
+        std::string stem = ModelStem(setup.model);
         setup.warnings.push_back("no parameter file " + beside + ": the root name is taken to be " +
                                  stem);
         return stem;

@@ -11,9 +11,8 @@ constexpr quell::AddCommand s_Commands[] = {
     quell::AddRun,
 };
 
-int ReportError(const std::string& text, int code)
+int ReportError(const char* text, int code)
 {
-    std::cout.flush();
     std::string line = text;
     for (char& c : line)
         if (c == '\n' || c == '\r') c = ' ';
@@ -21,7 +20,7 @@ int ReportError(const std::string& text, int code)
     return code;
 }
 
-int RunCommand(int argc, char** argv)
+int ParseAndRun(int argc, char** argv)
 {
     CLI::App app("Runs AMI models over real channels and checks IBIS files.", "quell");
     app.set_version_flag("--version", "quell " QUELL_VERSION);
@@ -32,12 +31,24 @@ int RunCommand(int argc, char** argv)
         add(app, exitCode);
     try {
         app.parse(argc, argv);
-        return exitCode;
     } catch (const CLI::ParseError& error) {
         // --help and --version come this way, too.
-        if (error.get_exit_code() == 0) return app.exit(error);
-        return ReportError(std::string(error.what()) + " (see quell --help)",
-                           quell::EXIT_BAD_INPUT);
+        if (error.get_exit_code() != 0)
+            throw quell::InputError(std::string(error.what()) + " (see quell --help)");
+        exitCode = app.exit(error);
+    }
+    std::cout.flush();
+    if (!std::cout || std::fflush(stdout) != 0)
+        throw quell::InputError("standard output cannot be written");
+    return exitCode;
+}
+
+}  // namespace
+
+int main(int argc, char** argv)
+{
+    try {
+        return ParseAndRun(argc, argv);
     } catch (const quell::CommandError& error) {
         return ReportError(error.what(), error.Code());
     } catch (const std::bad_alloc&) {
@@ -45,15 +56,4 @@ int RunCommand(int argc, char** argv)
     } catch (const std::exception& error) {
         return ReportError(error.what(), quell::EXIT_BAD_INPUT);
     }
-}
-
-}  // namespace
-
-int main(int argc, char** argv)
-{
-    const int exitCode = RunCommand(argc, argv);
-    std::cout.flush();
-    if (!std::cout || std::fflush(stdout) != 0)
-        return ReportError("standard output cannot be written", quell::EXIT_BAD_INPUT);
-    return exitCode;
 }

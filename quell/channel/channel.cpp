@@ -114,7 +114,7 @@ void TransformThrough(const ThroughChannel& channel, const TimeGrid& grid, Colum
         step = std::min(step, response.frequency[k] - response.frequency[k - 1]);
 
     const double resolved = std::clamp(1 / (step * interval), double{s_ShortestRecord},
-                                       static_cast<double>(s_LongestTransform / 2));
+                                       static_cast<double>(s_LongestTransform) / 2);
     const size_t size = std::bit_ceil(static_cast<size_t>(2 * resolved));
     std::vector<double> impulse =
         ImpulseResponse([&](double f) { return curve.At(f); }, size, interval);
