@@ -1,7 +1,9 @@
 // Series elements of Series and Series_switch models.
 #include "IbisParser/serel.h"
 
+#include <algorithm>
 #include <initializer_list>
+#include <iterator>
 
 #include "IbisParser/errlog.h"
 #include "IbisParser/krng.h"
@@ -58,10 +60,8 @@ SerEl* s_elements(Mdl* model, SerElState state)
 int s_stateLine(Mdl* model, int code)
 {
     const MdlTypeInfo* info = MDL_TypeInfo(model->type);
-    if (info != nullptr && info->type != MDL_SERIES_SWITCH) {
+    if (info != nullptr && info->type != MDL_SERIES_SWITCH)
         ERRLOG_LineErrorNew(2803, SEC_KeywordName(code), model->name);
-        return 0;
-    }
     s_reading.state = code == KEY_ON ? SEREL_ON : SEREL_OFF;
     return s_elements(model, s_reading.state) != nullptr;
 }
@@ -154,7 +154,8 @@ int SEREL_EndOfModel(const Mdl* model)
     for (const SerEl* elements : model->series)
         if (elements != nullptr) s_checkState(model, elements);
 
-    if (model->type == MDL_SERIES && s_isEmpty(model->series[SEREL_PLAIN]))
+    if (model->type == MDL_SERIES &&
+        std::all_of(std::begin(model->series), std::end(model->series), s_isEmpty))
         ERRLOG_LineErrorNew(2809, model->name);
     if (model->type != MDL_SERIES_SWITCH) return 1;
     if (MDL_Found(model, KEY_ON) && s_isEmpty(model->series[SEREL_ON]))
