@@ -667,3 +667,33 @@ GTEST_TEST(Mdl, RecordAndReferences)
     EXPECT_EQ(volts, 0.0);
     FINI();
 }
+
+GTEST_TEST(Mdl, ExternalModel)
+{
+    static const char spice[] =
+        "[External Model]\nLanguage SPICE\nCorner Typ buf.spi buf_t\n"
+        "Ports A_signal_pos A_signal_neg drv ena rcv A_puref A_pdref\n"
+        "D_to_A D_drive drv A_pdref 0 1.2 50p 50p Typ\n";
+    const std::string open = spice;
+    const std::string closed = open + "[End External Model]\n";
+    const std::string complete = open +
+                                 "D_to_A D_enable ena A_pdref 0 1.2 50p 50p Typ\n"
+                                 "A_to_D D_receive rcv A_pdref 0.4 0.8 Typ\n"
+                                 "[End External Model]\n";
+    const Row rows[] = {
+        {"left out", "4.2", "", "E0155@7"},
+        {"complete", "4.2", complete.c_str(), ""},
+        {"conversions missing", "4.2", closed.c_str(), "E3446@11 E3446@11"},
+        {"not closed", "4.2", open.c_str(), "E3440@11 E3446@11 E3446@11"},
+        {"end alone", "4.2", "[End External Model]\n", "E3441@6 E0155@8"},
+        {"conversion in a digital language", "4.2",
+         "[External Model]\nLanguage VHDL-AMS\nCorner Typ buf.vhd buf_t\nPorts A_signal_pos\n"
+         "D_to_A D_drive A_signal_pos A_pdref 0 1.2 50p 50p Typ\n[End External Model]\n1\n",
+         "E3425@10 E0116@12"},
+        {"external reference in use", "4.2",
+         "[External Model]\nPorts A_extref\n[End External Model]\n[External Reference] 1 1 1\n",
+         ""},
+    };
+    IbsLog log({{100, 206}, {3425, 3425}, {3440, 3442}, {3446, 3446}});
+    CheckRows(&log, rows, "[Model] m\nModel_type I/O_diff\n", s_Supply);
+}
