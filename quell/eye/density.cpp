@@ -7,6 +7,13 @@
 
 namespace quell {
 
+namespace {
+
+// Sums this long are kept whole, down to their rarest pattern.
+constexpr std::size_t UntrimmedCells = 65536;
+
+}  // namespace
+
 std::vector<long> RoundToGrid(std::span<const double> amplitudes, double step)
 {
     std::vector<double> magnitudes;
@@ -26,31 +33,43 @@ std::vector<long> RoundToGrid(std::span<const double> amplitudes, double step)
     return cells;
 }
 
+void TrimTails(Density* density)
+{
+    constexpr double Dropped = 0.5e-24;
+    std::vector<double>& mass = density->mass;
+    std::size_t begin = 0;
+    for (double sum = mass[0]; begin + 1 < mass.size() && sum < Dropped; sum += mass[begin])
+        ++begin;
+    std::size_t end = mass.size();
+    for (double sum = mass[end - 1]; end > begin + 1 && sum < Dropped; sum += mass[end - 1])
+        --end;
+    mass.erase(mass.begin() + static_cast<std::ptrdiff_t>(end), mass.end());
+    mass.erase(mass.begin(), mass.begin() + static_cast<std::ptrdiff_t>(begin));
+    density->first += static_cast<long>(begin);
+}
+
 Density SumOfSigns(std::span<const long> cells)
 {
     // Small steps first keep the array short for as long as possible.
     std::vector<long> ascending(cells.begin(), cells.end());
     std::sort(ascending.begin(), ascending.end());
 
-    std::size_t size = 1;
-    for (const long c : ascending)
-        size += 2 * static_cast<std::size_t>(c);
-    std::vector<double> now = {1.0};
+    Density sum;
     std::vector<double> next;
-    now.reserve(size);
-    next.reserve(size);
-    long first = 0;
     for (const long c : ascending) {
+        const std::vector<double>& now = sum.mass;
         const std::size_t gap = 2 * static_cast<std::size_t>(c);
         next.assign(now.size() + gap, 0.0);
         for (std::size_t i = 0; i < now.size(); ++i)
             next[i] = 0.5 * now[i];
         for (std::size_t i = 0; i < now.size(); ++i)
             next[i + gap] += 0.5 * now[i];
-        now.swap(next);
-        first -= c;
+        sum.mass.swap(next);
+        sum.first -= c;
+        // A long sum is bell-shaped: its width grows with the square root of the cursors.
+        if (sum.mass.size() > UntrimmedCells) TrimTails(&sum);
     }
-    return {first, now};
+    return sum;
 }
 
 Density Convolve(const Density& a, const Density& b)
@@ -100,21 +119,6 @@ Density Gaussian(double sigma, double step)
         density.mass[static_cast<std::size_t>(reach - cell)] = mass;
     }
     return density;
-}
-
-void TrimTails(Density* density)
-{
-    constexpr double Dropped = 0.5e-24;
-    std::vector<double>& mass = density->mass;
-    std::size_t begin = 0;
-    for (double sum = mass[0]; begin + 1 < mass.size() && sum < Dropped; sum += mass[begin])
-        ++begin;
-    std::size_t end = mass.size();
-    for (double sum = mass[end - 1]; end > begin + 1 && sum < Dropped; sum += mass[end - 1])
-        --end;
-    mass.erase(mass.begin() + static_cast<std::ptrdiff_t>(end), mass.end());
-    mass.erase(mass.begin(), mass.begin() + static_cast<std::ptrdiff_t>(begin));
-    density->first += static_cast<long>(begin);
 }
 
 long LowerQuantile(const Density& density, double probability)

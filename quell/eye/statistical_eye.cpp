@@ -27,6 +27,8 @@ constexpr std::size_t NoMain = SIZE_MAX;
 
 // The finest grid that pays: heights of lossy channels no longer move by 0.1 mV beyond it.
 constexpr double StepsPerCursor = 16384.0;
+// Responses of very many strong cursors, whose eye is long closed, get a coarser grid.
+constexpr double StepsPerSum = 131072.0;
 
 Density AggressorDensity(std::span<const double> pulse, std::size_t samplesPerUi, double step)
 {
@@ -71,6 +73,15 @@ long MiddleOfEye(std::span<const double> pulse, std::size_t samplesPerUi)
     while (end < highest && at(heights, end + 1) > floor)
         ++end;
     return (begin + end) / 2;
+}
+
+double VoltageStep(std::span<const double> pulse, std::size_t samplesPerUi)
+{
+    std::vector<double> sums(samplesPerUi, 0.0);
+    for (std::size_t i = 0; i < pulse.size(); ++i)
+        sums[i % samplesPerUi] += std::abs(pulse[i]);
+    return std::max(*std::max_element(pulse.begin(), pulse.end()) / StepsPerCursor,
+                    *std::max_element(sums.begin(), sums.end()) / StepsPerSum);
 }
 
 // Cubic interpolation (Catmull-Rom) to factor times the sampling rate.
@@ -196,8 +207,8 @@ StatisticalEye ComputeEye(std::span<const double> victim,
     const Density jitter = JitterDensity(options, sampleInterval / static_cast<double>(factor));
     const long margin = std::max(std::abs(jitter.first), std::abs(jitter.last()));
 
-    double step = options.voltageStep;
-    if (!(step > 0.0)) step = *std::max_element(pulse.begin(), pulse.end()) / StepsPerCursor;
+    const double step =
+        options.voltageStep > 0.0 ? options.voltageStep : VoltageStep(pulse, finePerUi);
 
     // One unit interval around the middle, and on both sides what the jitter reaches.
     const long n = static_cast<long>(finePerUi);
