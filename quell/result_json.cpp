@@ -2,6 +2,7 @@
 #include "quell/result_json.h"
 
 #include "quell/channel/through.h"
+#include "quell/numbers.h"
 
 namespace quell {
 
@@ -45,9 +46,23 @@ Json ColumnJson(const LinkColumn& column)
     return json;
 }
 
+Json EyeJson(const LinkEye& eye)
+{
+    Json json;
+    json["ber"] = eye.errorRate;
+    json["height"] = eye.height;
+    json["width_ui"] = eye.width;
+    json["phase"] = eye.phase;
+    json["heights"] = Json::object();
+    for (size_t k = 0; k < eye.heights.size(); ++k)
+        json["heights"][ShortText(s_EyeErrorRates[k])] = eye.heights[k];
+    json["voltage_step"] = eye.eye.voltageStep;
+    return json;
+}
+
 }  // namespace
 
-nlohmann::ordered_json ResultJson(const LinkResult& result)
+nlohmann::ordered_json ResultJson(const LinkResult& result, const std::optional<LinkEye>& eye)
 {
     Json json;
     json["unit"] = "V/s";
@@ -62,6 +77,7 @@ nlohmann::ordered_json ResultJson(const LinkResult& result)
     json["model_output"] = result.ami.printed;
     json["peak_distortion_height_before"] = result.heightBefore;
     json["peak_distortion_height_after"] = OrNull(result.heightAfter);
+    json["eye"] = eye ? EyeJson(*eye) : Json(nullptr);
     json["columns"] = Json::array();
     for (const LinkColumn& column : result.columns)
         json["columns"].push_back(ColumnJson(column));

@@ -4,13 +4,13 @@
 
 #include <nlohmann/json.hpp>
 
-#include "quell/link.h"
+#include "quell/link_eye.h"
 
 namespace quell {
 
 // Numbers read back bit for bit; what is not finite or not there is null. Responses themselves are
 // not part of it.
-nlohmann::ordered_json ResultJson(const LinkResult& result);
+nlohmann::ordered_json ResultJson(const LinkResult& result, const std::optional<LinkEye>& eye);
 
 // Indented text with a line end. Bytes of a model's message that are no UTF-8 are replaced.
 std::string JsonText(const nlohmann::ordered_json& json);

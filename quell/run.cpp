@@ -7,7 +7,7 @@
 #include "quell/commands.h"
 #include "quell/errors.h"
 #include "quell/lines.h"
-#include "quell/link.h"
+#include "quell/link_options.h"
 #include "quell/numbers.h"
 #include "quell/result_json.h"
 
@@ -17,23 +17,11 @@ namespace {
 
 struct RunOptions {
     std::string channel;
-    std::vector<std::string> aggressors;
-    ChannelOptions channelOptions;
-    ModelOptions modelOptions;
-    std::string ports;
-    std::vector<std::string> settings;
+    LinkOptions link;
     std::string outFolder;
     bool json = false;
     bool dryRun = false;
 };
-
-constexpr std::pair<const char*, ResponseKind> s_ResponseKinds[] = {
-    {"impulse", ResponseKind::Impulse},
-    {"step", ResponseKind::Step},
-    {"pulse", ResponseKind::Pulse}};
-
-constexpr std::pair<const char*, ImpulseUnit> s_Units[] = {
-    {"V/s", ImpulseUnit::VoltPerSecond}, {"V/sample", ImpulseUnit::VoltPerSample}};
 
 // Text of others between our lines: every line indented, so that it is seen to be theirs.
 std::string Indented(const std::string& text)
@@ -127,6 +115,18 @@ void PrintResult(const LinkResult& result)
     std::fflush(stdout);
 }
 
+void PrintEye(const LinkEye& eye)
+{
+    std::printf("statistical eye at an error rate of %s\n", ShortText(eye.errorRate).c_str());
+    std::printf("  height %.4f V, width %.3f UI\n", eye.height, eye.width);
+    std::printf("  height at");
+    for (size_t k = 0; k < eye.heights.size(); ++k)
+        std::printf("%s %s: %.4f V", k == 0 ? "" : ",", ShortText(s_EyeErrorRates[k]).c_str(),
+                    eye.heights[k]);
+    std::printf("\n");
+    std::fflush(stdout);
+}
+
 // One of the responses of all columns over time.
 std::string ResponseTable(const LinkResult& result, std::vector<double> ResponseFigures::*response)
 {
@@ -160,7 +160,8 @@ void WriteFile(const std::filesystem::path& path, const std::string& text)
     if (!file) throw InputError(path.string(), 0, "cannot be written");
 }
 
-void WriteResult(const LinkResult& result, const std::string& folder)
+void WriteResult(const LinkResult& result, const std::optional<LinkEye>& eye,
+                 const std::string& folder)
 {
     std::error_code error;
     std::filesystem::create_directories(folder, error);
@@ -168,40 +169,37 @@ void WriteResult(const LinkResult& result, const std::string& folder)
     const std::filesystem::path out = folder;
     WriteFile(out / "impulse.csv", ResponseTable(result, &ResponseFigures::impulse));
     WriteFile(out / "pulse.csv", ResponseTable(result, &ResponseFigures::pulse));
-    WriteFile(out / "result.json", JsonText(ResultJson(result)));
+    WriteFile(out / "result.json", JsonText(ResultJson(result, eye)));
 }
 
 int Run(RunOptions options)
 {
-    if (!options.ports.empty()) {
-        options.channelOptions.ports = ParsePortOrder(options.ports);
-        if (!options.channelOptions.ports)
-            throw InputError("--ports " + Quoted(options.ports) +
-                             ": expected 13,24 (in at ports 1 and 3, out at 2 and 4) or 1,2");
-    }
-    for (const std::string& text : options.settings)
-        options.modelOptions.settings.push_back(ParseSetting(text));
+    LinkOptions& link = options.link;
+    FinishLinkOptions(link);
+    for (const std::string& text : link.settings)
+        link.model.settings.push_back(ParseSetting(text));
 
-    const ModelSetup setup = ResolveModel(options.modelOptions);
+    const ModelSetup setup = ResolveModel(link.model);
     if (options.dryRun) {
         for (const std::string& warning : setup.warnings)
             PrintWarning(warning);
         std::cout << setup.parameters << '\n';
         return EXIT_DONE;
     }
-    const ImpulseMatrix matrix =
-        BuildImpulseMatrix(options.channel, options.aggressors, options.channelOptions);
-    const LinkResult result = RunLink(matrix, setup, options.modelOptions.timeout);
+    const ImpulseMatrix matrix = BuildImpulseMatrix(options.channel, link.aggressors, link.channel);
+    const LinkResult result = RunLink(matrix, setup, link.model.timeout);
+    const std::optional<LinkEye> eye = MeasureLinkEye(result, link.eye);
 
     for (const std::string& warning : result.warnings)
         PrintWarning(warning);
     if (!options.json && !result.ami.printed.empty())
         std::cerr << "printed by the model:\n" << Indented(result.ami.printed) << '\n';
-    if (!options.outFolder.empty()) WriteResult(result, options.outFolder);
+    if (!options.outFolder.empty()) WriteResult(result, eye, options.outFolder);
     if (options.json) {
-        std::cout << JsonText(ResultJson(result));
+        std::cout << JsonText(ResultJson(result, eye));
     } else {
         PrintResult(result);
+        if (eye) PrintEye(*eye);
     }
     if (!result.Failed()) return EXIT_DONE;
     std::cerr << "quell: the model reports failure: AMI_Init returned 0\n";
@@ -214,73 +212,16 @@ void AddRun(CLI::App& app, int& exitCode)
 {
     CLI::App& run = *app.add_subcommand("run", "Run an AMI model over a channel");
     const auto options = std::make_shared<RunOptions>();
-    ChannelOptions& channel = options->channelOptions;
-    ModelOptions& model = options->modelOptions;
 
     run.add_option("channel", options->channel,
                    "FILE.s2p, FILE.s4p, FILE.csv, or loss:8dB@2.5GHz, a built-in line with that "
                    "loss")
         ->required()
         ->type_name("CHANNEL");
-    run.add_option("--aggressor", options->aggressors,
-                   "A channel that couples into the victim; may be repeated. FILE.s4p:13,24 gives "
-                   "its ports, else a crosstalk file takes the victim's")
-        ->allow_extra_args(false)
-        ->type_name("CHANNEL");
-
-    const char* timing = "Timing";
-    AddNumber(
-        run, "--bit-rate", "bit/s", 0, [&channel](double v) { channel.bitRate = v; },
-        "Bit rate (default 5e9)")
-        ->group(timing);
-    AddNumber(
-        run, "--samples-per-bit", "", 0, [&channel](double v) { channel.samplesPerBit = v; },
-        "Samples per bit (default 16, or those of a table)")
-        ->group(timing);
-
-    const char* touchstone = "Touchstone files";
-    run.add_option("--ports", options->ports,
-                   "Port order of a 4-port: 13,24 goes in at ports 1 and 3 and out at 2 and 4 "
-                   "(default: found at the lowest frequency)")
-        ->type_name("ORDER")
-        ->group(touchstone);
-
-    const char* tables = "Tables (.csv): a time column in seconds and one or more responses";
-    AddNumber(
-        run, "--sample-interval", "s", 0, [&channel](double v) { channel.sampleInterval = v; },
-        "Sample interval of a table without a time column")
-        ->group(tables);
-    AddChoice(run, "--response", channel.response, s_ResponseKinds,
-              "What the table holds (default impulse)")
-        ->group(tables);
-    AddChoice(run, "--unit", channel.unit, s_Units, "Unit of impulse responses (default V/s)")
-        ->group(tables);
-
-    const char* models = "Model";
-    run.add_option("--model", model.model,
-                   "The model's shared library (default: the one of the kit)")
-        ->type_name("FILE")
-        ->group(models);
-    run.add_option("--ami", model.ami,
-                   "Its parameter file, for the root name (default: beside the model, same stem)")
-        ->type_name("FILE")
-        ->group(models);
-    CLI::Option* set =
-        run.add_option("--set", options->settings,
-                       "A parameter for the model; may be repeated. Dots make branches: tap.0=1")
-            ->allow_extra_args(false)
-            ->type_name("NAME=VALUE")
-            ->group(models);
-    run.add_option("--params", model.parameters, "The whole parameter string, passed unchanged")
-        ->type_name("STRING")
-        ->excludes(set)
-        ->group(models);
-    AddNumber(
-        run, "--timeout", "s", 0, [&model](double v) { model.timeout = v; },
-        "Time that the model may take (default 60)")
-        ->group(models);
+    AddLinkOptions(run, options->link,
+                   "A parameter for the model; may be repeated. Dots make branches: tap.0=1");
     run.add_flag("--dry-run", options->dryRun, "Print the string that the model would get, and end")
-        ->group(models);
+        ->group("Model");
 
     const char* output = "Output";
     run.add_flag("--json", options->json, "Print the result as JSON")->group(output);
