@@ -14,6 +14,7 @@ namespace quell {
 using AddCommand = void (*)(CLI::App& app, int& exitCode);
 
 void AddRun(CLI::App& app, int& exitCode);
+void AddSweep(CLI::App& app, int& exitCode);
 
 // An option with a number in a unit, "5e9", "5Gbit/s" or "2.5 GHz", in any locale. Its range is
 // open at the low end: value > least.

@@ -9,6 +9,7 @@ namespace {
 
 constexpr quell::AddCommand s_Commands[] = {
     quell::AddRun,
+    quell::AddSweep,
 };
 
 int ReportError(const char* text, int code)

@@ -63,7 +63,7 @@ long MiddleOfEye(std::span<const double> pulse, std::size_t samplesPerUi)
         return values[static_cast<std::size_t>(i)];
     };
     const double floor = std::min(0.0, at(heights, best) - 0.5 * at(pulse, best));
-    const long reach = static_cast<long>(samplesPerUi) / 2;
+    const long reach = static_cast<long>(samplesPerUi);
     const long lowest = std::max(0L, best - reach);
     const long highest = std::min(static_cast<long>(pulse.size()) - 1, best + reach);
     long begin = best;
@@ -174,6 +174,8 @@ double EyeWidth(const StatisticalEye& eye, double errorRate)
     const std::size_t best = BestPhase(eye, errorRate);
     if (EyeHeight(eye, best, errorRate) <= 0.0) return 0.0;
 
+    const double halfUi = 0.5 * eye.unitInterval / eye.phaseStep;
+    const double fromCentre = static_cast<double>(eye.centre) - static_cast<double>(best);
     // Phases from the best one to the crossing, in one direction.
     const auto reach = [&](int direction) {
         double inner = EyeHeight(eye, best, errorRate);
@@ -181,7 +183,7 @@ double EyeWidth(const StatisticalEye& eye, double errorRate)
             const double steps = std::abs(static_cast<double>(i - static_cast<long>(best)));
             // Open to the edge of the unit interval, where the next bit's eye begins.
             if (i < 0 || i >= static_cast<long>(eye.phases.size()))
-                return std::min(steps - 0.5, 0.5 * eye.unitInterval / eye.phaseStep);
+                return halfUi + direction * fromCentre;
             const double outer = EyeHeight(eye, static_cast<std::size_t>(i), errorRate);
             if (outer <= 0.0) return steps - 1.0 + inner / (inner - outer);
             inner = outer;
