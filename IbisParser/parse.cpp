@@ -222,6 +222,7 @@ static void s_beginParameters(const char* name)
 {
     s_banner(name, SENDER_Version(VERSION_LAST)->name);
     s_reset(FILE_AMI);
+    geFileVersion = VERSION_LAST;
     if (gsBuffer != nullptr) {
         void* block = gsBuffer;
         CMN_freeSetNull(&block);

@@ -98,6 +98,23 @@ GTEST_TEST(Header, KeepsFieldsAndTexts)
     FINI();
 }
 
+// Growing the text for each line anew would take minutes here.
+GTEST_TEST(Header, LongNotes)
+{
+    Messages messages;
+    INIT();
+    HDR_Init();
+    s_send(KEY_NOTES, "[Notes]");
+    const std::string line(60, 'n');
+    const std::size_t lines = 100000;
+    for (std::size_t i = 0; i < lines; ++i)
+        s_sendData(line);
+    char* text = nullptr;
+    HDR_GetNotes(s_header(), &text);
+    EXPECT_EQ(std::string(text).size(), lines * (line.size() + 1) - 1);
+    FINI();
+}
+
 // Lines and orders that the reader itself never sends.
 GTEST_TEST(Header, MisusedByItsCaller)
 {
