@@ -460,7 +460,9 @@ int EXT_TestList(Ext* externals, const Cmpnt* components)
             SEC_SetAdd(&called, call->name);
     for (const Ext* item : SecFileOrder<const Ext>(externals)) {
         s_testFiles("External Circuit", item);
-        if (!SEC_SetHas(&called, item->name)) ERRLOG_WarnNew(3718, item->name);
+        // A circuit without a name was reported as that.
+        if (item->name[0] != '\0' && !SEC_SetHas(&called, item->name))
+            ERRLOG_WarnNew(3718, item->name);
     }
     SEC_SetClear(&called);
     return 1;

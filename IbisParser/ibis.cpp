@@ -39,7 +39,7 @@ static void s_testComponents(IbisRoot* root)
         return;
     }
     chk_CheckAllComponents(root->cmpnts);
-    // CMPNT_TestList(root->cmpnts, root->exts, root->mdls);
+    CMPNT_TestList(root->cmpnts, root->exts, root->mdls);
 }
 
 static void s_testSubModels(IbisRoot* root)
@@ -58,7 +58,7 @@ static RootStep* const s_TestSteps[] = {
     s_with<&IbisRoot::mdls, chk_CheckAllModels>,
     s_with<&IbisRoot::mdls, DRVSH_Test>,
     s_with<&IbisRoot::mdls, ALGMOD_Test>,
-    // s_with<&IbisRoot::msels, MSEL_TestList>,
+    s_with<&IbisRoot::msels, MSEL_TestList>,
     s_testComponents,
     s_with<&IbisRoot::pkgMdls, PKGMDL_TestList>,
     // s_with<&IbisRoot::testData, TESTDATA_TestList>,

@@ -138,7 +138,7 @@ static void s_collectUses(const Cmpnt* components, SecSet* used)
 {
     for (; components != nullptr; components = components->next) {
         for (const Pin* pin = components->pins; pin != nullptr; pin = pin->next)
-            SEC_SetAdd(used, pin->model);
+            if (pin->kind == PIN_MODEL) SEC_SetAdd(used, pin->model);
         for (const SerMap* row = components->seriesPins; row != nullptr; row = row->next)
             SEC_SetAdd(used, row->model);
     }
@@ -156,7 +156,9 @@ int MSEL_TestList(Msel* selectors)
     for (const Msel* selector : SecFileOrder<const Msel>(selectors)) {
         if (names.Model(selector->name) != nullptr) ERRLOG_ErrorNew(1112, selector->name);
         s_testRows(selector, names);
-        if (!SEC_SetHas(&used, selector->name)) ERRLOG_WarnNew(1113, selector->name);
+        // A selector without a name was reported as that.
+        if (selector->name[0] != '\0' && !SEC_SetHas(&used, selector->name))
+            ERRLOG_WarnNew(1113, selector->name);
     }
     SEC_SetClear(&used);
     return 1;
