@@ -14,9 +14,10 @@
 #include "IbisParser/mdl.h"
 #include "IbisParser/msel.h"
 #include "IbisParser/parse.h"
-#include "IbisParser/pending_internal.h"
 #include "IbisParser/pkgmdl.h"
 #include "IbisParser/submdl.h"
+#include "IbisParser/testdata.h"
+#include "IbisParser/testload.h"
 
 static const char s_Module[] = "IbisParser/ibis";
 
@@ -61,8 +62,8 @@ static RootStep* const s_TestSteps[] = {
     s_with<&IbisRoot::msels, MSEL_TestList>,
     s_testComponents,
     s_with<&IbisRoot::pkgMdls, PKGMDL_TestList>,
-    // s_with<&IbisRoot::testData, TESTDATA_TestList>,
-    // s_with<&IbisRoot::testLoads, TESTLOAD_TestList>,
+    s_with<&IbisRoot::testData, TESTDATA_TestList>,
+    s_with<&IbisRoot::testLoads, TESTLOAD_TestList>,
     s_testSubModels,
     s_with<&IbisRoot::subMdls, chk_CheckAllSubModels>,
     s_with<&IbisRoot::subMdls, acdc_CheckAllSubModels>,

@@ -6,9 +6,10 @@
 #include "IbisParser/hdr.h"
 #include "IbisParser/mdl.h"
 #include "IbisParser/msel.h"
-#include "IbisParser/pending_internal.h"
 #include "IbisParser/pkgmdl.h"
 #include "IbisParser/submdl.h"
+#include "IbisParser/testdata.h"
+#include "IbisParser/testload.h"
 
 // clang-format off
 static const Section s_Sections[] = {

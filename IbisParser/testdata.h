@@ -16,6 +16,8 @@ typedef enum TestKind {
     TEST_DIFFERENTIAL = 2
 } TestKind;
 
+enum { TEST_WAVEFORMS = 8 };
+
 struct TestData {
     TestData* next;
     char name[SIZE_NAME + 1];
@@ -24,7 +26,7 @@ struct TestData {
     char driver[SIZE_NAME + 1];
     char driverInv[SIZE_NAME + 1]; /* empty: the driver serves both sides */
     char load[SIZE_NAME + 1];
-    struct Wvfrm* waveforms; /* file order, keyword codes 109 to 116 */
+    struct Wvfrm* waveforms[TEST_WAVEFORMS]; /* by keyword code from 109, each once */
     unsigned found;          /* bit of each sub-parameter given */
 };
 
