@@ -30,6 +30,7 @@ GTEST_TEST(PackageMemory, FilesSurviveEveryFailure)
         {"package/lgl_mtrx.pkg", FILE_PKG}, {"package/legal_sections.pkg", FILE_PKG},
         {"package/mtx_rows.pkg", FILE_PKG}, {"board/references.ebd", FILE_EBD},
         {"board/paths.ebd", FILE_EBD},
+        {"testdata/legal_test.ibs", FILE_IBS},
     };
     for (const auto& file : files) {
         const std::string normal = s_read(file.name, file.type, -1);
