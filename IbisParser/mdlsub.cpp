@@ -40,8 +40,8 @@ void s_setType(Mdl* model, const char* word)
     model->type = info->type;
 }
 
-template <typename Words>
-void s_setWord(const Words& words, unsigned number, const char* text, int* out)
+template <std::size_t n>
+void s_setWord(const Word (&words)[n], unsigned number, const char* text, int* out)
 {
     const Word* word = SEC_FindRow(words, text);
     if (word == nullptr) {

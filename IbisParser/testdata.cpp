@@ -259,6 +259,9 @@ int TESTDATA_TestList(TestData* list)
         if (driver != nullptr && inverse != nullptr && driver->type != inverse->type)
             ERRLOG_WarnNew(3819, data->name, data->driver, data->driverInv);
         s_testLoad(data, loads);
+        for (const Wvfrm* waveform : data->waveforms)
+            for (; waveform != nullptr; waveform = waveform->next)
+                WVFRM_Check(waveform);
     }
     return 1;
 }

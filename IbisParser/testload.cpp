@@ -67,7 +67,7 @@ static const struct LoadWord {
 // clang-format on
 static const char* const s_InverseName = s_Words[2].name;
 
-static void s_setWord(const LoadWord& row, const CmnArgs* args)
+static void s_setLoadWord(const LoadWord& row, const CmnArgs* args)
 {
     if (!SEC_MarkFound(&s_open->found, static_cast<int>(&row - s_Words))) {
         ERRLOG_LineErrorNew(4007, row.name);
@@ -112,7 +112,7 @@ static int s_dataLine(const char* line)
     else if (const TermVoltage* term = SEC_FindRow(s_Terms, name))
         s_setTerm(*term, &args, line);
     else if (const LoadWord* word = SEC_FindRow(s_Words, name))
-        s_setWord(*word, &args);
+        s_setLoadWord(*word, &args);
     else
         known = 0;
     if (!known) ERRLOG_LineErrorNew(4006, name);
