@@ -101,8 +101,7 @@ Vitbl** s_tableSlot(Mdl* model, int code)
 {
     for (const auto& row : s_tables)
         if (row.code == code) return &(model->*(row.slot));
-    CMN_ASSERT(!"a table keyword");
-    return nullptr;
+    CMN_AssertFailed(s_Module, __LINE__);
 }
 
 int s_tableBegin(Mdl* model, int code, char*)
