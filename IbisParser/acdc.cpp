@@ -9,8 +9,6 @@
 #include "IbisParser/index_internal.h"
 #include "IbisParser/table_internal.h"
 
-static const char s_Module[] = "IbisParser/acdc";
-
 static bool s_hasCorner(const Vitbl* table, int corner)
 {
     return table != nullptr && VITBL_CountNumbers(table, corner) >= TABLE_MIN_POINTS;
