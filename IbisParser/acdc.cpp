@@ -4,7 +4,6 @@
 #include <cmath>
 
 #include "IbisParser/acdc_internal.h"
-#include "IbisParser/cmn.h"
 #include "IbisParser/errlog.h"
 #include "IbisParser/index_internal.h"
 #include "IbisParser/table_internal.h"

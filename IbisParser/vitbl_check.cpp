@@ -149,6 +149,19 @@ static void s_checkSteps(const Vitbl* table, const VitblContext* context)
                        worst.v);
 }
 
+// Both columns hold the same numbers, and not only zeros.
+static bool s_sameCorners(const Vitbl* table)
+{
+    bool carries = false;
+    for (const RngpLine* line = table->head; line != nullptr; line = line->next) {
+        if (line->minState != line->maxState ||
+            (line->minState == CELL_NUMBER && line->min != line->max))
+            return false;
+        carries = carries || (line->minState == CELL_NUMBER && line->min != 0.0);
+    }
+    return carries;
+}
+
 static void s_checkCorners(const Vitbl* table, const VitblContext* context)
 {
     for (int corner = CORNER_MIN; corner <= CORNER_MAX; ++corner) {
@@ -156,7 +169,9 @@ static void s_checkCorners(const Vitbl* table, const VitblContext* context)
             VITBL_CountNumbers(table, corner) == 0)
             ERRLOG_NoteNew(3217, table->name, table->owner, TABLE_CornerName(corner));
     }
-    if (context->comparesCorners && CURVE_MinIsStronger(table, &context->supply))
+    if (!context->comparesCorners) return;
+    if (s_sameCorners(table)) ERRLOG_NoteNew(3226, table->name, table->owner);
+    if (CURVE_MinIsStronger(table, &context->supply))
         ERRLOG_CautionNew(3216, table->name, table->owner);
 }
 

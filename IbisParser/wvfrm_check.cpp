@@ -218,8 +218,8 @@ static void s_checkTypical(const Wvfrm* waveform, const Edge* typ, Said* said)
     s_forEach(waveform, CORNER_TYP, [&](double time, double voltage) {
         const double share = (voltage - typ->first) / swing;
         if (!begun && share >= LEAD_IN_SHARE) {
-            start = timeBefore + (time - timeBefore) * (LEAD_IN_SHARE - shareBefore) /
-                                     (share - shareBefore);
+            start = timeBefore +
+                    (time - timeBefore) * (LEAD_IN_SHARE - shareBefore) / (share - shareBefore);
             begun = true;
         }
         timeBefore = time;
@@ -356,6 +356,35 @@ static void s_checkFixtures(const Mdl* model)
     if (fixtures > 0) ERRLOG_NoteNew(1839, model->name);
 }
 
+static bool s_sameVoltages(const Wvfrm* a, const Wvfrm* b)
+{
+    const RngpLine* p = a->head;
+    const RngpLine* q = b->head;
+    for (; p != nullptr && q != nullptr; p = p->next, q = q->next) {
+        if (p->x != q->x || p->typState != q->typState || p->typ != q->typ) return false;
+    }
+    return p == nullptr && q == nullptr && a->head != nullptr;
+}
+
+// One table copied under several fixtures.
+static void s_checkCopies(const Wvfrm* list)
+{
+    for (const Wvfrm* waveform = list; waveform != nullptr; waveform = waveform->next) {
+        double r = 0.0;
+        double v = 0.0;
+        if (!s_typFixture(waveform, &r, &v)) continue;
+        for (const Wvfrm* earlier = list; earlier != waveform; earlier = earlier->next) {
+            double itsR = 0.0;
+            double itsV = 0.0;
+            if (!s_typFixture(earlier, &itsR, &itsV) || (itsR == r && itsV == v) ||
+                !s_sameVoltages(earlier, waveform))
+                continue;
+            ERRLOG_WarnNew(1841, SEC_KeywordName(waveform->kind), waveform->owner);
+            break;
+        }
+    }
+}
+
 static bool s_isTooMany(const Wvfrm* rising, const Wvfrm* falling, const char* owner)
 {
     if (s_count(rising) + s_count(falling) <= WVFRM_MAX_PER_OWNER) return false;
@@ -367,7 +396,10 @@ void WVFRM_CheckModel(const Mdl* model, const bool* hasCorner)
 {
     s_checkLists(model->rising, model->falling, model, hasCorner);
     // The pairs of too many waveforms would be too many to look at.
-    if (!s_isTooMany(model->rising, model->falling, model->name)) s_checkFixtures(model);
+    if (s_isTooMany(model->rising, model->falling, model->name)) return;
+    s_checkCopies(model->rising);
+    s_checkCopies(model->falling);
+    s_checkFixtures(model);
 }
 
 void WVFRM_CheckSubMdl(const SubMdl* submodel, const bool* hasCorner)
