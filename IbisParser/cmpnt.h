@@ -57,8 +57,8 @@ Pin* CMPNT_FindPin(const Cmpnt* component, const char* name);
 
 /* Checks of the components of a whole file, and of the external circuits. */
 int CMPNT_TestList(Cmpnt* components, Ext* externals, Mdl* models);
-/* Finds the component's package model, in the store or in a package file of its name beside the
- * file that was read, and compares the pins. */
+/* Finds the component's package model, in the store or in a package file beside the file that was
+ * read, and compares the pins. */
 int CMPNT_TestPkgMdl(const Cmpnt* component);
 
 IBIS_END_DECLS
