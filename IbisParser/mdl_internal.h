@@ -30,6 +30,8 @@ int MDL_SubParameter(Mdl* model, const char* line);
 // Whether a sub-parameter occurred in the model that is being read: clears the memory, asks it.
 void MDL_SubParametersBegin();
 int MDL_TypeWasGiven();
+// 1 when one of the C_comp_* is given, which share out or add to C_comp.
+int MDL_HasPartCapacitance(const Mdl* model);
 
 // Keywords whose range stands on their line: whether the code is one, and reading it and judging
 // its values.

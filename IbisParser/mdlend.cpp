@@ -22,9 +22,6 @@ bool s_given(const RngSingle& cell)
     return cell.state != CELL_ABSENT;
 }
 
-RngRange* Mdl::*const s_partCapacitances[] = {&Mdl::C_comp_pullup, &Mdl::C_comp_pulldown,
-                                              &Mdl::C_comp_power_clamp, &Mdl::C_comp_gnd_clamp};
-
 bool s_isSeriesKind(const MdlTypeInfo* info)
 {
     return info->group == MDL_GROUP_SERIES || info->group == MDL_GROUP_SERIES_SWITCH;
@@ -32,13 +29,9 @@ bool s_isSeriesKind(const MdlTypeInfo* info)
 
 void s_checkCapacitance(const Mdl* model, const MdlTypeInfo* info)
 {
-    for (const auto slot : s_partCapacitances)
-        if (model->*slot != nullptr) return;
-    const RngSingle typ = MDL_Cell(model->C_comp, CORNER_TYP);
-    if (model->C_comp == nullptr && !s_isSeriesKind(info) && !info->differential)
+    if (model->C_comp == nullptr && !MDL_HasPartCapacitance(model) && !s_isSeriesKind(info) &&
+        !info->differential)
         ERRLOG_LineErrorNew(125, model->name);
-    else if (s_isNumber(typ) && typ.value == 0.0 && !MDL_Found(model, KEY_ALGORITHMIC_MODEL))
-        ERRLOG_LineWarnNew(129, model->name);
 }
 
 // A receiver assumes a threshold that the file gives nowhere.

@@ -154,6 +154,12 @@ bool s_endsItem(char c)
 
 }  // namespace
 
+int MDL_HasPartCapacitance(const Mdl* model)
+{
+    return model->C_comp_pullup != nullptr || model->C_comp_pulldown != nullptr ||
+           model->C_comp_power_clamp != nullptr || model->C_comp_gnd_clamp != nullptr;
+}
+
 void MDL_SubParametersBegin()
 {
     s_given = 0;

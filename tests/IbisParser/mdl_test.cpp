@@ -116,7 +116,7 @@ GTEST_TEST(Mdl, ValuesOfTheRecord)
          "E0126@6 N0128@6"},
         {"21 pF", "3.2", "[Model] m\nModel_type Output\nC_comp 21p 20p 22p\n", "W0127@6"},
         {"20 pF", "3.2", "[Model] m\nModel_type Output\nC_comp 20p 19p 22p\n", ""},
-        {"zero", "3.2", "[Model] m\nModel_type Output\nC_comp 0 0 0\n", "W0129@8"},
+        {"zero", "3.2", "[Model] m\nModel_type Output\nC_comp 0 0 0\n", "W0129"},
         {"typ NA", "3.2", "[Model] m\nModel_type Output\nC_comp NA 1p 2p\n", "E3300@6"},
         {"reversed thresholds", "3.2",
          "[Model] m\nModel_type Input\nC_comp 3p 2p 4p\nVinl = 2.0\nVinh = 0.8\n", "E0130@10"},
@@ -627,7 +627,7 @@ GTEST_TEST(SubMdl, Records)
 // What the records hold, and that they are released with the document.
 GTEST_TEST(Mdl, RecordAndReferences)
 {
-    const std::string path = std::string(QUELL_SOURCE_DIR) + "/tests/data/model_record.ibs";
+    const std::string path = std::string(QUELL_SOURCE_DIR) + "/tests/data/model/record.ibs";
     LogCapture log;
     gbSuppressBanners = 1;
     ASSERT_TRUE(INIT());
