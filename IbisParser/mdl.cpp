@@ -289,29 +289,26 @@ static_assert(sizeof s_keywords / sizeof s_keywords[0] == LAST_CODE - FIRST_CODE
               "one row for each code, in order");
 
 // The class that brought a keyword.
-int s_since(int code)
-{
-    switch (code) {
-#define KEY2(number, enumerator, name) \
-    case number:                       \
-        return 2;
-#define KEY3(number, enumerator, name) \
-    case number:                       \
-        return 3;
-#define KEY4(number, enumerator, name) \
-    case number:                       \
-        return 4;
-#define KEY5(number, enumerator, name) \
-    case number:                       \
-        return 5;
+const struct {
+    int code;
+    int since;
+} s_versions[] = {
+#define KEY2(number, enumerator, name) {number, 2},
+#define KEY3(number, enumerator, name) {number, 3},
+#define KEY4(number, enumerator, name) {number, 4},
+#define KEY5(number, enumerator, name) {number, 5},
 #include "IbisParser/keywords.inc"
 #undef KEY2
 #undef KEY3
 #undef KEY4
 #undef KEY5
-        default:
-            return 2;
-    }
+};
+
+int s_since(int code)
+{
+    for (const auto& row : s_versions)
+        if (row.code == code) return row.since;
+    return 2;
 }
 
 const Part* s_part(int code)

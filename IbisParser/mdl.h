@@ -67,8 +67,8 @@ typedef enum MdlGroup {
 } MdlGroup;
 
 typedef struct MdlTypeInfo {
-    int type;         /* MdlType */
     const char* name; /* as the file writes it */
+    int type;         /* MdlType */
     int since;        /* version class that brought it */
     int receives;
     int drives;
