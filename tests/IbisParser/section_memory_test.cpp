@@ -26,16 +26,17 @@ static bool s_readWithFailure(const std::string& file, int passing)
 
 GTEST_TEST(Memory, SectionsSurviveEveryFailure)
 {
-    const std::filesystem::path folder = QUELL_SOURCE_DIR "/tests/data/component";
     int files = 0;
-    for (const auto& entry : std::filesystem::directory_iterator(folder)) {
-        if (entry.path().extension() != ".ibs") continue;
-        // Every one of the first allocations, then every twentieth part further.
-        int passing = 0;
-        while (s_readWithFailure(entry.path().string(), passing))
-            passing += 1 + passing / 20;
-        EXPECT_GT(passing, 50) << entry.path();
-        ++files;
-    }
-    EXPECT_GT(files, 15);
+    for (const char* folder : {"component", "model"})
+        for (const auto& entry : std::filesystem::directory_iterator(
+                 std::filesystem::path(QUELL_SOURCE_DIR "/tests/data") / folder)) {
+            if (entry.path().extension() != ".ibs") continue;
+            // Every one of the first allocations, then every twentieth part further.
+            int passing = 0;
+            while (s_readWithFailure(entry.path().string(), passing))
+                passing += 1 + passing / 20;
+            EXPECT_GT(passing, 50) << entry.path();
+            ++files;
+        }
+    EXPECT_GT(files, 20);
 }
