@@ -201,6 +201,8 @@ static void s_checkTriggers(const SubMdl* submodel, const Mdl* model)
     CurveRails rails;
     if (model == nullptr || !CURVE_Rails(model, CORNER_TYP, &rails)) return;
     const bool rising = s_isOutside(submodel->V_trigger_r, model);
+    // Another submodel of this name may be the one whose triggers are outside.
+    if (!rising && !s_isOutside(submodel->V_trigger_f, model)) return;
     const RngRange* trigger = rising ? submodel->V_trigger_r : submodel->V_trigger_f;
     ERRLOG_NoteNew(724, submodel->name, rising ? "V_trigger_r" : "V_trigger_f", trigger->typ,
                    model->name, rails.pulldown, rails.pullup);
@@ -237,7 +239,7 @@ static const CurveFalls* s_falls(Users* users, const Mdl* model, const CurveSubM
 static bool s_isSoundClamp(const SubMdl* submodel, const Mdl* user, const AddSub* row,
                            const CurveSubMdls* submodels, Users* users)
 {
-    if (user == nullptr || submodel->type != SUBMDL_DYNAMIC_CLAMP ||
+    if (user == nullptr || row == nullptr || submodel->type != SUBMDL_DYNAMIC_CLAMP ||
         submodel->gndPulse != nullptr || submodel->powerPulse != nullptr)
         return false;
     const CurveFalls* falls = s_falls(users, user, submodels);

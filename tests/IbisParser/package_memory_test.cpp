@@ -27,10 +27,18 @@ GTEST_TEST(PackageMemory, FilesSurviveEveryFailure)
         const char* name;
         int type;
     } files[] = {
-        {"package/lgl_mtrx.pkg", FILE_PKG}, {"package/legal_sections.pkg", FILE_PKG},
-        {"package/mtx_rows.pkg", FILE_PKG}, {"board/references.ebd", FILE_EBD},
+        {"package/lgl_mtrx.pkg", FILE_PKG},
+        {"package/legal_sections.pkg", FILE_PKG},
+        {"package/mtx_rows.pkg", FILE_PKG},
+        {"board/references.ebd", FILE_EBD},
         {"board/paths.ebd", FILE_EBD},
         {"testdata/legal_test.ibs", FILE_IBS},
+        {"electrical/vitbl_structure.ibs", FILE_IBS},
+        {"electrical/vitbl_shape.ibs", FILE_IBS},
+        {"electrical/isso.ibs", FILE_IBS},
+        {"electrical/holders.ibs", FILE_IBS},
+        {"electrical/pulse.ibs", FILE_IBS},
+        {"electrical/static_clamps.ibs", FILE_IBS},
     };
     for (const auto& file : files) {
         const std::string normal = s_read(file.name, file.type, -1);
