@@ -73,8 +73,9 @@ static void s_restore(const ReadingState* state)
 static int s_path(const char* name, char path[CMN_PATH_MAX + 1])
 {
     CMN_GetIbsPath(path);
-    if (std::strlen(path) + std::strlen(name) > CMN_PATH_MAX) return 0;
-    std::strcat(path, name);
+    const std::size_t length = std::strlen(path);
+    if (length + std::strlen(name) > CMN_PATH_MAX) return 0;
+    CMN_strncpy(path + length, name, CMN_PATH_MAX - length);
     std::error_code error;
     return std::filesystem::is_regular_file(path, error);
 }
@@ -219,13 +220,12 @@ static void s_scanFolder(PkgFinder* finder)
 }
 
 // Blanks become "_", letters lower case.
-static void s_makeFileName(char* fileName, const char* name)
+static void s_makeFileName(char (&fileName)[sizeof PkgPlace::fileName], const char* name)
 {
-    CMN_strncpy(fileName, name, SIZE_NAME);
+    std::snprintf(fileName, sizeof fileName, "%.*s.pkg", static_cast<int>(SIZE_NAME), name);
     for (char* c = fileName; *c != '\0'; ++c)
         if (*c == ' ' || *c == '\t') *c = '_';
     CMN_ConvertToLower(fileName);
-    std::strcat(fileName, ".pkg");
 }
 
 static const PkgMdl* s_inFile(PkgFile* file, const char* name)

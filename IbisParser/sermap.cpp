@@ -122,7 +122,7 @@ static char* s_stateKey(const SerState* state)
         ++count;
     void* namesBlock = nullptr;
     void* textBlock = nullptr;
-    const std::size_t room = count * (SIZE_GROUP + 1) + 4;
+    const std::size_t room = count * (SIZE_GROUP + 1) + 2;
     if (!CMN_malloc(&namesBlock, count * sizeof(char*))) return nullptr;
     if (CMN_malloc(&textBlock, room)) {
         const char** names = static_cast<const char**>(namesBlock);
@@ -132,7 +132,7 @@ static char* s_stateKey(const SerState* state)
         std::sort(names, names + count,
                   [](const char* a, const char* b) { return std::strcmp(a, b) < 0; });
         char* text = static_cast<char*>(textBlock);
-        text = std::strcpy(text, state->on ? "On" : "Off") + (state->on ? 2 : 3);
+        *text++ = state->on ? '1' : '0';
         for (std::size_t i = 0; i < count; ++i) {
             *text++ = ' ';
             const std::size_t length = std::strlen(names[i]);
