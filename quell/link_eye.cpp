@@ -23,11 +23,14 @@ std::vector<double> OnWholeSamples(const std::vector<double>& pulse, double samp
     return resampled;
 }
 
-}  // namespace
+// What the eye is made of.
+struct EyeInput {
+    std::vector<double> victim;  // upright
+    std::vector<std::vector<double>> aggressors;
+};
 
-std::optional<LinkEye> MeasureLinkEye(const LinkResult& link, const LinkEyeOptions& options)
+std::optional<EyeInput> MakeEyeInput(const LinkResult& link, size_t samplesPerUi)
 {
-    const size_t samplesPerUi = static_cast<size_t>(std::ceil(link.grid.samplesPerBit));
     std::vector<std::vector<double>> pulses;
     for (const LinkColumn& column : link.columns) {
         if (!column.after) return std::nullopt;
@@ -37,20 +40,43 @@ std::optional<LinkEye> MeasureLinkEye(const LinkResult& link, const LinkEyeOptio
         if (!finite) return std::nullopt;
         pulses.push_back(OnWholeSamples(pulse, link.grid.samplesPerBit, samplesPerUi));
     }
-    std::vector<double> victim = std::move(pulses.front());
+    EyeInput input;
+    input.victim = std::move(pulses.front());
     pulses.erase(pulses.begin());
+    input.aggressors = std::move(pulses);
 
     // An inverting link has an eye like any other.
-    const auto [least, greatest] = std::minmax_element(victim.begin(), victim.end());
+    const auto [least, greatest] = std::minmax_element(input.victim.begin(), input.victim.end());
     if (*least == 0 && *greatest == 0) return std::nullopt;
     if (-*least > *greatest)
-        for (double& v : victim)
+        for (double& v : input.victim)
             v = -v;
+    return input;
+}
+
+size_t WholeSamples(const TimeGrid& grid)
+{
+    return static_cast<size_t>(std::ceil(grid.samplesPerBit));
+}
+
+StatisticalEye ComputeLinkEye(const EyeInput& input, const TimeGrid& grid, size_t samplesPerUi,
+                              const EyeOptions& options)
+{
+    return ComputeEye(input.victim, input.aggressors, samplesPerUi,
+                      grid.BitTime() / static_cast<double>(samplesPerUi), options);
+}
+
+}  // namespace
+
+std::optional<LinkEye> MeasureLinkEye(const LinkResult& link, const LinkEyeOptions& options)
+{
+    const size_t samplesPerUi = WholeSamples(link.grid);
+    const std::optional<EyeInput> input = MakeEyeInput(link, samplesPerUi);
+    if (!input) return std::nullopt;
 
     LinkEye result;
     result.errorRate = options.errorRate;
-    result.eye = ComputeEye(victim, pulses, samplesPerUi,
-                            link.grid.BitTime() / static_cast<double>(samplesPerUi), options.eye);
+    result.eye = ComputeLinkEye(*input, link.grid, samplesPerUi, options.eye);
     const size_t best = BestPhase(result.eye, options.errorRate);
     result.height = EyeHeight(result.eye, best, options.errorRate);
     result.width = EyeWidth(result.eye, options.errorRate);
@@ -59,6 +85,16 @@ std::optional<LinkEye> MeasureLinkEye(const LinkResult& link, const LinkEyeOptio
     for (const double errorRate : s_EyeErrorRates)
         result.heights.push_back(EyeHeight(result.eye, best, errorRate));
     return result;
+}
+
+StatisticalEye FinerLinkEye(const LinkResult& link, const LinkEye& eye, const EyeOptions& options,
+                            size_t phases, double voltageStep)
+{
+    const size_t samplesPerUi = phases * WholeSamples(link.grid);
+    const std::optional<EyeInput> input = MakeEyeInput(link, samplesPerUi);
+    EyeOptions coarse = options;
+    coarse.voltageStep = voltageStep;
+    return input ? ComputeLinkEye(*input, link.grid, samplesPerUi, coarse) : eye.eye;
 }
 
 }  // namespace quell

@@ -28,6 +28,11 @@ struct LinkEye {
 // hold no finite numbers.
 std::optional<LinkEye> MeasureLinkEye(const LinkResult& link, const LinkEyeOptions& options);
 
+// The eye of MeasureLinkEye for a picture: with so many times more phases on a voltage grid of so
+// many volts.
+StatisticalEye FinerLinkEye(const LinkResult& link, const LinkEye& eye, const EyeOptions& options,
+                            size_t phases, double voltageStep);
+
 }  // namespace quell
 
 #endif

@@ -1,14 +1,15 @@
 // quell run: any AMI model over any channel.
 #include <cstdio>
 #include <filesystem>
-#include <fstream>
 #include <iostream>
 
 #include "quell/commands.h"
 #include "quell/errors.h"
+#include "quell/files.h"
 #include "quell/lines.h"
 #include "quell/link_options.h"
 #include "quell/numbers.h"
+#include "quell/report/link_report.h"
 #include "quell/result_json.h"
 
 namespace quell {
@@ -19,6 +20,8 @@ struct RunOptions {
     std::string channel;
     LinkOptions link;
     std::string outFolder;
+    std::string htmlFile;
+    std::string svgFolder;
     bool json = false;
     bool dryRun = false;
 };
@@ -152,24 +155,28 @@ std::string ResponseTable(const LinkResult& result, std::vector<double> Response
     return text;
 }
 
-void WriteFile(const std::filesystem::path& path, const std::string& text)
+std::filesystem::path MakeFolder(const std::string& folder)
 {
-    std::ofstream file(path, std::ios::binary);
-    file << text;
-    file.close();
-    if (!file) throw InputError(path.string(), 0, "cannot be written");
+    std::error_code error;
+    std::filesystem::create_directories(folder, error);
+    if (error) throw InputError(folder, 0, error.message());
+    return folder;
 }
 
 void WriteResult(const LinkResult& result, const std::optional<LinkEye>& eye,
                  const std::string& folder)
 {
-    std::error_code error;
-    std::filesystem::create_directories(folder, error);
-    if (error) throw InputError(folder, 0, error.message());
-    const std::filesystem::path out = folder;
-    WriteFile(out / "impulse.csv", ResponseTable(result, &ResponseFigures::impulse));
-    WriteFile(out / "pulse.csv", ResponseTable(result, &ResponseFigures::pulse));
-    WriteFile(out / "result.json", JsonText(ResultJson(result, eye)));
+    const std::filesystem::path out = MakeFolder(folder);
+    WriteWholeFile(out / "impulse.csv", ResponseTable(result, &ResponseFigures::impulse));
+    WriteWholeFile(out / "pulse.csv", ResponseTable(result, &ResponseFigures::pulse));
+    WriteWholeFile(out / "result.json", JsonText(ResultJson(result, eye)));
+}
+
+void WritePictures(const std::vector<NamedPicture>& pictures, const std::string& folder)
+{
+    const std::filesystem::path out = MakeFolder(folder);
+    for (const NamedPicture& picture : pictures)
+        WriteWholeFile(out / picture.name, picture.svg);
 }
 
 int Run(RunOptions options)
@@ -195,6 +202,10 @@ int Run(RunOptions options)
     if (!options.json && !result.ami.printed.empty())
         std::cerr << "printed by the model:\n" << Indented(result.ami.printed) << '\n';
     if (!options.outFolder.empty()) WriteResult(result, eye, options.outFolder);
+    if (!options.svgFolder.empty())
+        WritePictures(LinkPictures(result, eye, link), options.svgFolder);
+    if (!options.htmlFile.empty())
+        WriteWholeFile(options.htmlFile, LinkReportHtml(result, eye, link));
     if (options.json) {
         std::cout << JsonText(ResultJson(result, eye));
     } else {
@@ -227,6 +238,13 @@ void AddRun(CLI::App& app, int& exitCode)
     run.add_flag("--json", options->json, "Print the result as JSON")->group(output);
     run.add_option("--out", options->outFolder,
                    "Write impulse.csv, pulse.csv and result.json into this folder")
+        ->type_name("FOLDER")
+        ->group(output);
+    run.add_option("--html", options->htmlFile,
+                   "Write a report with figures and pictures: one page that needs no network")
+        ->type_name("FILE")
+        ->group(output);
+    run.add_option("--svg", options->svgFolder, "Write the pictures of the report into this folder")
         ->type_name("FOLDER")
         ->group(output);
     run.footer(

@@ -1,0 +1,215 @@
+// The statistical eye as a picture.
+#include "quell/report/eye_picture.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "quell/numbers.h"
+#include "quell/report/markup.h"
+#include "quell/report/png.h"
+#include "quell/report/svg.h"
+
+namespace quell {
+
+namespace {
+
+constexpr size_t s_Rows = 200;
+constexpr double s_LeastDensity = 1e-18;  // of a row; fainter ones stay blank
+
+struct Cells {
+    size_t columns = 0;           // of one unit interval, from -0.5 UI to 0.5 UI
+    double half = 0;              // V: the rows reach from -half to half
+    std::vector<double> density;  // probability of a row, column by column, rows from the bottom
+
+    double& At(size_t column, size_t row) { return density[column * s_Rows + row]; }
+};
+
+double HighestVoltage(const StatisticalEye& eye)
+{
+    double highest = 0;
+    for (const EyePhase& phase : eye.phases) {
+        const double cursor = phase.mainCursor / 2;
+        highest = std::max(
+            {highest, std::abs(cursor + static_cast<double>(phase.isi.first) * eye.voltageStep),
+             std::abs(cursor + static_cast<double>(phase.isi.last()) * eye.voltageStep)});
+    }
+    return highest;
+}
+
+// By how many fine phases the middle of the fine eye lies behind that of the other one, which has
+// a phase in `ratio` of them: where their main cursors fall together.
+long CentreOffset(const StatisticalEye& eye, const StatisticalEye& fine)
+{
+    const long ratio = std::lround(eye.phaseStep / fine.phaseStep);
+    long best = 0;
+    double least = -1;
+    for (long offset = -2 * ratio; offset <= 2 * ratio; ++offset) {
+        double sum = 0;
+        for (size_t i = 0; i < eye.phases.size(); ++i) {
+            const long k = static_cast<long>(fine.centre) + offset +
+                           (static_cast<long>(i) - static_cast<long>(eye.centre)) * ratio;
+            if (k < 0 || k >= static_cast<long>(fine.phases.size())) continue;
+            sum +=
+                std::abs(eye.phases[i].mainCursor - fine.phases[static_cast<size_t>(k)].mainCursor);
+        }
+        if (least < 0 || sum < least || (sum == least && std::abs(offset) < std::abs(best))) {
+            least = sum;
+            best = offset;
+        }
+    }
+    return best;
+}
+
+// The total density of ones and zeros repeats every unit interval.
+Cells DensityCells(const LinkEye& eye, const StatisticalEye& fine, double half)
+{
+    Cells cells;
+    cells.columns = static_cast<size_t>(std::lround(fine.unitInterval / fine.phaseStep));
+    cells.half = half;
+    cells.density.resize(cells.columns * s_Rows);
+    const long columns = static_cast<long>(cells.columns);
+    const long offset = CentreOffset(eye.eye, fine);
+    for (long column = 0; column < columns; ++column) {
+        const long index = static_cast<long>(fine.centre) + offset + column - columns / 2;
+        const EyePhase& phase =
+            fine.phases[static_cast<size_t>(((index % columns) + columns) % columns)];
+        for (size_t i = 0; i < phase.isi.mass.size(); ++i) {
+            const double one =
+                phase.mainCursor / 2 +
+                static_cast<double>(phase.isi.first + static_cast<long>(i)) * fine.voltageStep;
+            for (const double v : {one, -one}) {
+                const double row = (v / half + 1) / 2 * static_cast<double>(s_Rows);
+                const size_t inside =
+                    static_cast<size_t>(std::clamp(row, 0.0, static_cast<double>(s_Rows) - 1));
+                cells.At(static_cast<size_t>(column), inside) += phase.isi.mass[i] / 2;
+            }
+        }
+    }
+    return cells;
+}
+
+// From faint to strong; readable on white and on black.
+constexpr Rgba s_Ramp[] = {{70, 120, 225, 60},
+                           {95, 85, 215, 120},
+                           {165, 60, 170, 185},
+                           {220, 80, 100, 225},
+                           {250, 165, 50, 255}};
+
+// strength from 0 to 1.
+Rgba ColourOf(double strength)
+{
+    const double place = std::clamp(strength, 0.0, 1.0) * (std::size(s_Ramp) - 1);
+    const size_t k = std::min(static_cast<size_t>(place), std::size(s_Ramp) - 2);
+    const double t = place - static_cast<double>(k);
+    const auto mix = [t](uint8_t a, uint8_t b) {
+        return static_cast<uint8_t>(std::lround(a + t * (b - a)));
+    };
+    const Rgba& a = s_Ramp[k];
+    const Rgba& b = s_Ramp[k + 1];
+    return {mix(a.red, b.red), mix(a.green, b.green), mix(a.blue, b.blue), mix(a.alpha, b.alpha)};
+}
+
+double Strength(double density)
+{
+    return 1 - std::log10(density) / std::log10(s_LeastDensity);
+}
+
+std::string ImageTag(double x, double y, double width, double height, const std::string& address)
+{
+    return "<image x=\"" + Coordinate(x) + "\" y=\"" + Coordinate(y) + "\" width=\"" +
+           Coordinate(width) + "\" height=\"" + Coordinate(height) +
+           "\" preserveAspectRatio=\"none\" href=\"" + address + "\"/>\n";
+}
+
+void DrawDensity(SvgFrame* frame, Cells& cells)
+{
+    // From -1 UI to 1 UI, so half a unit interval is added on both sides.
+    const size_t width = 2 * cells.columns;
+    std::vector<Rgba> image(width * s_Rows);
+    for (size_t column = 0; column < width; ++column)
+        for (size_t row = 0; row < s_Rows; ++row) {
+            const double density = cells.At((column + cells.columns / 2) % cells.columns, row);
+            if (density < s_LeastDensity) continue;
+            // Steps of half a decade compress well and look the same.
+            const double level = std::round(2 * std::log10(density)) / 2;
+            image[(s_Rows - 1 - row) * width + column] = ColourOf(Strength(std::pow(10.0, level)));
+        }
+    frame->BeginClip();
+    const double top = frame->Y(cells.half);
+    frame->Add(ImageTag(frame->X(-1), top, frame->X(1) - frame->X(-1), frame->Y(-cells.half) - top,
+                        PngDataUrl(image, width, s_Rows)));
+    frame->EndClip();
+}
+
+void DrawColourBar(SvgFrame* frame)
+{
+    constexpr size_t Steps = 37;
+    std::vector<Rgba> image(Steps);
+    for (size_t k = 0; k < Steps; ++k)
+        image[Steps - 1 - k] = ColourOf(static_cast<double>(k) / (Steps - 1));
+    const double x = frame->Right() + 12;
+    frame->Add(ImageTag(x, frame->Top(), 10, frame->Height(), PngDataUrl(image, 1, Steps)));
+    for (const double density : {1e-18, 1e-15, 1e-12, 1e-9, 1e-6, 1e-3, 1.0})
+        frame->Add(SvgText(x + 14, frame->Bottom() - Strength(density) * frame->Height() + 4,
+                           "start", "mark", ShortText(density)));
+}
+
+// The opening at an error rate as a closed line around the middle of the eye.
+std::string ContourPath(const SvgFrame& frame, const StatisticalEye& eye, double errorRate)
+{
+    struct Place {
+        double phase, height;
+    };
+    std::vector<Place> open;
+    double beforePhase = 0, before = 0;
+    for (size_t i = 0; i < eye.phases.size(); ++i) {
+        const double phase = (static_cast<double>(i) - static_cast<double>(eye.centre)) *
+                             eye.phaseStep / eye.unitInterval;
+        const double height = EyeHeight(eye, i, errorRate);
+        if (i > 0 && (height > 0) != (before > 0))
+            open.push_back({beforePhase + (phase - beforePhase) * before / (before - height), 0});
+        if (height > 0) open.push_back({phase, height});
+        beforePhase = phase;
+        before = height;
+    }
+    if (open.empty()) return "";
+    std::string path;
+    for (const Place& place : open)
+        path += (path.empty() ? "M" : "L") + Coordinate(frame.X(place.phase)) + " " +
+                Coordinate(frame.Y(place.height / 2));
+    for (auto place = open.rbegin(); place != open.rend(); ++place)
+        path +=
+            "L" + Coordinate(frame.X(place->phase)) + " " + Coordinate(frame.Y(-place->height / 2));
+    return path + "Z";
+}
+
+constexpr const char* s_ContourClasses[] = {"line s0", "line s2", "line s1", "line s3"};
+
+}  // namespace
+
+std::string EyePictureSvg(const LinkEye& eye, const StatisticalEye& fine, SvgUse use)
+{
+    const double half = 1.02 * std::max(HighestVoltage(eye.eye), HighestVoltage(fine));
+    const AxisLayout x = LayOutAxis({"phase", "UI", Scale::Linear, -1.0, 1.0}, {-1, 1}, 8, false);
+    const AxisLayout y =
+        LayOutAxis({"received voltage", "V", Scale::Linear, -half, half}, {-half, half}, 6, false);
+    std::vector<LegendEntry> legend;
+    for (size_t k = 0; k < std::size(s_EyeErrorRates); ++k)
+        legend.push_back({"opening at " + ShortText(s_EyeErrorRates[k]), s_ContourClasses[k]});
+    SvgFrame frame("eye", "Statistical eye", legend, x, y, use, 58);
+    Cells cells = DensityCells(eye, fine, half);
+    DrawDensity(&frame, cells);
+    DrawColourBar(&frame);
+    frame.BeginClip();
+    for (size_t k = 0; k < std::size(s_EyeErrorRates); ++k) {
+        const std::string path = ContourPath(frame, eye.eye, s_EyeErrorRates[k]);
+        if (!path.empty()) frame.Add(SvgPath(s_ContourClasses[k], path));
+    }
+    frame.EndClip();
+    const double best = frame.X(eye.phase);
+    frame.Add(SvgPath("markline", "M" + Coordinate(best) + " " + Coordinate(frame.Top()) + "V" +
+                                      Coordinate(frame.Bottom())));
+    return frame.Finish();
+}
+
+}  // namespace quell

@@ -1,0 +1,275 @@
+// Line plots as static SVG, and their data for the page's script.
+#include "quell/report/plot.h"
+
+#include <algorithm>
+#include <cmath>
+#include <map>
+
+#include "quell/numbers.h"
+#include "quell/report/markup.h"
+#include "quell/report/svg.h"
+#include "quell/report/thin.h"
+
+namespace quell {
+
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+// What can be told apart on paper, in units of the picture.
+constexpr double s_SvgTolerance = 0.15;
+constexpr size_t s_SvgPoints = 1600;
+constexpr double s_DataTolerance = 1.0 / 5000;
+constexpr size_t s_DataPoints = 4000;
+
+constexpr const char* s_StrokeNames[] = {"solid", "dashed", "dotted", "points"};
+
+const char* StrokeName(Stroke stroke)
+{
+    return s_StrokeNames[static_cast<size_t>(stroke)];
+}
+
+std::string Classes(const PlotSeries& series)
+{
+    return "line s" + std::to_string(series.colour % s_PlotColours) + " " +
+           StrokeName(series.stroke);
+}
+
+// Least and greatest value of both axes; y only of the points that x shows.
+struct Ranges {
+    std::pair<double, double> x;
+    std::pair<double, double> y;
+};
+
+void Widen(std::pair<double, double>* range, bool* any, double value)
+{
+    range->first = *any ? std::min(range->first, value) : value;
+    range->second = *any ? std::max(range->second, value) : value;
+    *any = true;
+}
+
+Ranges DataRanges(const LinePlot& plot)
+{
+    Ranges ranges;
+    bool anyX = false, anyY = false;
+    for (const PlotSeries& series : plot.series)
+        for (size_t i = 0; i < series.x.size(); ++i) {
+            const double x = series.x[i];
+            const double y = series.y[i];
+            if (!Showable(x, plot.x.scale)) continue;
+            Widen(&ranges.x, &anyX, x);
+            const bool inside = x >= plot.x.low.value_or(x) && x <= plot.x.high.value_or(x);
+            if (inside && Showable(y, plot.y.scale)) Widen(&ranges.y, &anyY, y);
+        }
+    return ranges;
+}
+
+struct Layout {
+    AxisLayout x;
+    AxisLayout y;
+};
+
+Layout LayOut(const LinePlot& plot)
+{
+    const Ranges ranges = DataRanges(plot);
+    return {LayOutAxis(plot.x, ranges.x, 6, false), LayOutAxis(plot.y, ranges.y, 6, true)};
+}
+
+// One curve as a path: gaps begin it anew, a point between two gaps is a dot.
+std::string CurvePath(const SvgFrame& frame, const PlotSeries& series)
+{
+    std::vector<double> x, y;
+    for (size_t i = 0; i < series.x.size(); ++i) {
+        const double px = frame.X(series.x[i]);
+        if (std::isnan(px)) continue;
+        // One point beyond each edge leads the line out of the picture.
+        if (px < SvgFrame::Left && i + 1 < series.x.size() &&
+            frame.X(series.x[i + 1]) < SvgFrame::Left)
+            continue;
+        if (px > frame.Right() && !x.empty() && x.back() > frame.Right()) break;
+        x.push_back(px);
+        y.push_back(frame.Y(series.y[i]));
+    }
+    std::string path;
+    bool pen = false;
+    const bool points = series.stroke == Stroke::Points;
+    const auto isGap = [&](size_t i) { return i >= y.size() || std::isnan(y[i]); };
+    std::vector<size_t> visible;
+    if (points)
+        for (size_t i = 0; i < x.size(); ++i)
+            visible.push_back(i);
+    else
+        visible = VisiblePoints(x, y, s_SvgTolerance, s_SvgPoints);
+    for (const size_t i : visible) {
+        if (std::isnan(y[i])) {
+            pen = false;
+            continue;
+        }
+        path += (pen ? "L" : "M") + Coordinate(x[i]) + " " + Coordinate(y[i]);
+        const bool alone = (i == 0 || isGap(i - 1)) && isGap(i + 1);
+        if (points || alone) path += "h0";
+        pen = !points;
+    }
+    return path;
+}
+
+void DrawBands(SvgFrame* frame, const LinePlot& plot)
+{
+    for (const PlotBand& band : plot.bands) {
+        const double left = std::clamp(frame->X(band.from), SvgFrame::Left, frame->Right());
+        const double right = std::clamp(frame->X(band.to), SvgFrame::Left, frame->Right());
+        if (std::isnan(left) || std::isnan(right)) continue;
+        // Narrow stretches must still be seen.
+        const double width = std::max(right - left, 2.0);
+        frame->Add("<rect class=\"" + std::string(band.warning ? "band warning" : "band") +
+                   "\" x=\"" + Coordinate(left) + "\" y=\"" + Coordinate(frame->Top()) +
+                   "\" width=\"" + Coordinate(width) + "\" height=\"" +
+                   Coordinate(frame->Height()) + "\"><title>" + Escaped(band.label) +
+                   "</title></rect>\n");
+        frame->Add(SvgText(left + 3, frame->Bottom() - 6, "start", "mark", band.label));
+    }
+}
+
+void DrawMarks(SvgFrame* frame, const LinePlot& plot)
+{
+    int row = 0;
+    for (const PlotMark& mark : plot.marks) {
+        if (mark.direction == PlotMark::AtX) {
+            const double x = frame->X(mark.at);
+            if (!(x >= SvgFrame::Left - 0.5 && x <= frame->Right() + 0.5)) continue;
+            frame->Add(SvgPath("markline", "M" + Coordinate(x) + " " + Coordinate(frame->Top()) +
+                                               "V" + Coordinate(frame->Bottom())));
+            const bool fits = x < 0.6 * frame->Right();
+            // Labels of neighbours stand below each other.
+            frame->Add(SvgText(fits ? x + 4 : x - 4, frame->Top() + 12 + 15 * (row++ % 4),
+                               fits ? "start" : "end", "mark", mark.label));
+        } else {
+            const double y = frame->Y(mark.at);
+            if (!(y >= frame->Top() - 0.5 && y <= frame->Bottom() + 0.5)) continue;
+            frame->Add(SvgPath("markline", "M" + Coordinate(SvgFrame::Left) + " " + Coordinate(y) +
+                                               "H" + Coordinate(frame->Right())));
+            frame->Add(SvgText(frame->Right() - 4, y - 4, "end", "mark", mark.label));
+        }
+    }
+}
+
+Json AxisJson(const Axis& axis, const AxisLayout& layout, bool fixed)
+{
+    Json json;
+    json["title"] = layout.title;
+    json["unit"] = axis.unit;
+    json["log"] = axis.scale == Scale::Log;
+    json["factor"] = layout.factor;
+    if (fixed) json["range"] = {layout.low, layout.high};
+    return json;
+}
+
+// The indices of a curve that the data keep.
+std::vector<size_t> KeptPoints(const LinePlot& plot, const PlotSeries& series)
+{
+    std::vector<size_t> showable;
+    std::vector<double> x, y;
+    for (size_t i = 0; i < series.x.size(); ++i) {
+        if (!Showable(series.x[i], plot.x.scale)) continue;
+        const bool shown = Showable(series.y[i], plot.y.scale);
+        const bool logX = plot.x.scale == Scale::Log;
+        const bool logY = plot.y.scale == Scale::Log;
+        showable.push_back(i);
+        x.push_back(logX ? std::log(series.x[i]) : series.x[i]);
+        y.push_back(!shown ? std::nan("") : logY ? std::log(series.y[i]) : series.y[i]);
+    }
+    if (series.stroke == Stroke::Points || y.empty()) return showable;
+    double low = 0, high = 0;
+    bool any = false;
+    for (const double v : y) {
+        if (std::isnan(v)) continue;
+        low = any ? std::min(low, v) : v;
+        high = any ? std::max(high, v) : v;
+        any = true;
+    }
+    std::vector<size_t> kept = VisiblePoints(x, y, (high - low) * s_DataTolerance, s_DataPoints);
+    for (size_t& i : kept)
+        i = showable[i];
+    return kept;
+}
+
+double Rounded(double value, int digits)
+{
+    return *ParseNumber(ShortText(value, digits));
+}
+
+}  // namespace
+
+std::string PlotSvg(const LinePlot& plot, SvgUse use)
+{
+    std::vector<LegendEntry> legend;
+    for (const PlotSeries& series : plot.series)
+        legend.push_back({series.name, Classes(series)});
+    const Layout layout = LayOut(plot);
+    SvgFrame frame(plot.id, plot.title, legend, layout.x, layout.y, use);
+    DrawBands(&frame, plot);
+    frame.BeginClip();
+    for (const PlotSeries& series : plot.series) {
+        const std::string path = CurvePath(frame, series);
+        if (!path.empty()) frame.Add(SvgPath(Classes(series), path));
+    }
+    frame.EndClip();
+    DrawMarks(&frame, plot);
+    return frame.Finish();
+}
+
+Json PlotJson(const LinePlot& plot)
+{
+    const Layout layout = LayOut(plot);
+    Json json;
+    json["x"] = AxisJson(plot.x, layout.x, plot.x.low || plot.x.high);
+    json["y"] = AxisJson(plot.y, layout.y, plot.y.low || plot.y.high);
+    json["series"] = Json::array();
+    // Rows of all x that any curve keeps; where a curve has two points at one x, two rows.
+    using Row = std::pair<double, int>;
+    std::map<Row, std::vector<Json>> rows;
+    std::vector<std::vector<Row>> keys;
+    for (const PlotSeries& series : plot.series) {
+        json["series"].push_back({{"name", series.name},
+                                  {"colour", series.colour % s_PlotColours},
+                                  {"stroke", StrokeName(series.stroke)}});
+        std::vector<Row>& places = keys.emplace_back();
+        for (size_t i = 0; i < series.x.size(); ++i) {
+            const bool again = i > 0 && series.x[i] == series.x[i - 1];
+            places.push_back({series.x[i], again ? places.back().second + 1 : 0});
+        }
+        for (const size_t i : KeptPoints(plot, series))
+            rows[places[i]].resize(plot.series.size());
+    }
+    for (size_t k = 0; k < plot.series.size(); ++k)
+        for (size_t i = 0; i < plot.series[k].x.size(); ++i) {
+            const auto row = rows.find(keys[k][i]);
+            if (row == rows.end()) continue;
+            const double y = plot.series[k].y[i];
+            row->second[k] = Showable(y, plot.y.scale) ? Json(Rounded(y, 6)) : Json("gap");
+        }
+    Json columns = Json::array();
+    Json& x = columns.emplace_back(Json::array());
+    for (const auto& row : rows)
+        x.push_back(Rounded(row.first.first, 9));
+    for (size_t k = 0; k < plot.series.size(); ++k) {
+        Json& column = columns.emplace_back(Json::array());
+        for (const auto& row : rows)
+            column.push_back(row.second[k]);
+    }
+    json["columns"] = std::move(columns);
+    json["marks"] = Json::array();
+    for (const PlotMark& mark : plot.marks)
+        json["marks"].push_back({{"direction", mark.direction == PlotMark::AtX ? "x" : "y"},
+                                 {"at", mark.at},
+                                 {"label", mark.label}});
+    json["bands"] = Json::array();
+    for (const PlotBand& band : plot.bands)
+        json["bands"].push_back({{"from", band.from},
+                                 {"to", band.to},
+                                 {"label", band.label},
+                                 {"warning", band.warning}});
+    return json;
+}
+
+}  // namespace quell
