@@ -109,9 +109,13 @@ Rgba ColourOf(double strength)
     return {mix(a.red, b.red), mix(a.green, b.green), mix(a.blue, b.blue), mix(a.alpha, b.alpha)};
 }
 
+// Where a density lies on the ramp: half of it is for the body of the eye, half for its tails.
 double Strength(double density)
 {
-    return 1 - std::log10(density) / std::log10(s_LeastDensity);
+    constexpr double Tail = -18, Body = -5, Most = 0;
+    const double decade = std::log10(density);
+    return decade < Body ? 0.5 * (decade - Tail) / (Body - Tail)
+                         : 0.5 + 0.5 * (decade - Body) / (Most - Body);
 }
 
 std::string ImageTag(double x, double y, double width, double height, const std::string& address)
@@ -149,7 +153,7 @@ void DrawColourBar(SvgFrame* frame)
         image[Steps - 1 - k] = ColourOf(static_cast<double>(k) / (Steps - 1));
     const double x = frame->Right() + 12;
     frame->Add(ImageTag(x, frame->Top(), 10, frame->Height(), PngDataUrl(image, 1, Steps)));
-    for (const double density : {1e-18, 1e-15, 1e-12, 1e-9, 1e-6, 1e-3, 1.0})
+    for (const double density : {1e-18, 1e-14, 1e-10, 1e-6, 1e-4, 1e-2, 1.0})
         frame->Add(SvgText(x + 14, frame->Bottom() - Strength(density) * frame->Height() + 4,
                            "start", "mark", ShortText(density)));
 }
@@ -183,7 +187,8 @@ std::string ContourPath(const SvgFrame& frame, const StatisticalEye& eye, double
     return path + "Z";
 }
 
-constexpr const char* s_ContourClasses[] = {"line s0", "line s2", "line s1", "line s3"};
+constexpr const char* s_ContourClasses[] = {"line contour s6", "line contour s2", "line contour s0",
+                                            "line contour s3"};
 
 }  // namespace
 
@@ -195,7 +200,7 @@ std::string EyePictureSvg(const LinkEye& eye, const StatisticalEye& fine, SvgUse
         LayOutAxis({"received voltage", "V", Scale::Linear, -half, half}, {-half, half}, 6, false);
     std::vector<LegendEntry> legend;
     for (size_t k = 0; k < std::size(s_EyeErrorRates); ++k)
-        legend.push_back({"opening at " + ShortText(s_EyeErrorRates[k]), s_ContourClasses[k]});
+        legend.push_back({"at " + ShortText(s_EyeErrorRates[k]), s_ContourClasses[k]});
     SvgFrame frame("eye", "Statistical eye", legend, x, y, use, 58);
     Cells cells = DensityCells(eye, fine, half);
     DrawDensity(&frame, cells);

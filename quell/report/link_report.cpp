@@ -50,40 +50,32 @@ std::vector<ColumnRange> TimePlotColumns(const LinkResult& result)
     return ranges;
 }
 
-// From shortly before the responses rise to where they have died away: to half a percent of their
-// greatest value, or of the way to their last one. At least eight unit intervals.
-std::pair<double, double> InterestingTime(const std::vector<PlotSeries>& series,
-                                          const TimeGrid& grid)
+// What a time plot shows at first: from shortly before the pulse responses rise to where they have
+// died away to half a percent of the greatest one. At least eight unit intervals.
+std::pair<double, double> InterestingTime(const LinkResult& result, const ColumnRange& columns)
 {
-    size_t first = 0, last = 0;
-    bool any = false;
-    size_t samples = 0;
-    for (const PlotSeries& s : series) {
-        samples = std::max(samples, s.y.size());
-        double largest = 0;
-        for (const double v : s.y)
-            if (std::isfinite(v)) largest = std::max(largest, std::abs(v));
-        const double end = s.y.empty() || !std::isfinite(s.y.back()) ? 0 : s.y.back();
-        const double floor = 0.005 * largest;
-        for (size_t n = 0; n < s.y.size(); ++n) {
-            if (std::abs(s.y[n]) > floor) {
-                first = any ? std::min(first, n) : n;
-                any = true;
-                break;
-            }
-        }
-        for (size_t n = s.y.size(); n-- > 0;) {
-            if (std::abs(s.y[n] - end) > floor) {
-                last = std::max(last, n);
-                break;
-            }
-        }
+    std::vector<const Response*> pulses;
+    for (size_t k = columns.begin; k < columns.end; ++k) {
+        pulses.push_back(&result.columns[k].before.pulse);
+        if (result.columns[k].after) pulses.push_back(&result.columns[k].after->pulse);
     }
-    const double margin = grid.BitTime();
-    const double whole = static_cast<double>(samples - 1) * grid.Interval();
-    const double low = std::max(0.0, static_cast<double>(first) * grid.Interval() - margin);
-    const double high = static_cast<double>(last) * grid.Interval() + margin;
-    return {low, std::min(whole, std::max(high, low + 8 * grid.BitTime()))};
+    double largest = 0;
+    for (const Response* pulse : pulses)
+        for (const double v : *pulse)
+            if (std::isfinite(v)) largest = std::max(largest, std::abs(v));
+    const size_t samples = pulses.front()->size();
+    size_t first = samples - 1, last = 0;
+    for (const Response* pulse : pulses)
+        for (size_t n = 0; n < samples; ++n)
+            if (std::abs((*pulse)[n]) > 0.005 * largest) {
+                first = std::min(first, n);
+                last = std::max(last, n);
+            }
+    const double interval = result.grid.Interval();
+    const double bit = result.grid.BitTime();
+    const double low = std::max(0.0, static_cast<double>(first) * interval - bit);
+    const double high = std::max(static_cast<double>(last) * interval, low + 8 * bit);
+    return {low, std::min(high, static_cast<double>(samples - 1) * interval)};
 }
 
 struct TimePlot {
@@ -143,7 +135,7 @@ LinePlot MakeTimePlot(const LinkResult& result, const TimePlot& kind, const Colu
         add(column.before, "before", Stroke::Dashed);
         if (column.after) add(*column.after, "after", Stroke::Solid);
     }
-    const auto [low, high] = InterestingTime(plot.series, result.grid);
+    const auto [low, high] = InterestingTime(result, columns);
     plot.x.low = low;
     plot.x.high = high;
     if (kind.cursors && columns.begin == 0) {
@@ -318,30 +310,46 @@ std::string FigureText(double value, const char* unit)
     return *unit == '\0' ? ShortText(value, 5) : UnitText(value, unit);
 }
 
-PageTable ColumnTable(const LinkResult& result)
+PageTable ChannelTable(const LinkResult& result)
 {
     PageTable table;
-    table.heads = {"column", "channel", "loss at " + UnitText(result.grid.Nyquist(), "Hz")};
+    table.heads = {"column", "loss at " + UnitText(result.grid.Nyquist(), "Hz"), "delay", "ports",
+                   "channel"};
+    for (size_t k = 0; k < result.columns.size(); ++k) {
+        const Column& channel = result.columns[k].channel;
+        const std::string pointer = "/columns/" + std::to_string(k) + "/";
+        const auto known = [&pointer](bool is, const std::string& text, const char* name) {
+            return is ? PageCell{text, pointer + name} : PageCell{"not known"};
+        };
+        table.rows.push_back(
+            {{channel.name, pointer + "name"},
+             known(channel.loss.has_value(), ShortText(channel.loss.value_or(0), 4) + " dB",
+                   "loss_at_nyquist_db"),
+             known(channel.delay.has_value(), UnitText(channel.delay.value_or(0), "s"), "delay"),
+             channel.ports ? PageCell{PortOrderText(*channel.ports), pointer + "ports"}
+                           : PageCell{"–"},
+             {channel.source, pointer + "source"}});
+    }
+    return table;
+}
+
+PageTable FigureTable(const LinkResult& result)
+{
+    PageTable table;
+    table.heads = {"column"};
     for (const auto& figure : s_Figures)
-        for (const char* when : {" before", " after"})
-            table.heads.push_back(std::string(figure.title) + when);
+        table.heads.push_back(figure.title);
     for (size_t k = 0; k < result.columns.size(); ++k) {
         const LinkColumn& column = result.columns[k];
-        const std::string pointer = "/columns/" + std::to_string(k) + "/";
-        std::vector<PageCell> row = {
-            {column.channel.name, pointer + "name"},
-            {column.channel.source, pointer + "source"},
-            {column.channel.loss ? ShortText(*column.channel.loss, 4) + " dB" : "not known",
-             column.channel.loss ? pointer + "loss_at_nyquist_db" : ""}};
-        for (const auto& figure : s_Figures) {
-            const double before = column.before.*figure.figure;
-            row.push_back({FigureText(before, figure.unit), pointer + figure.json + "_before"});
-            row.push_back(column.after
-                              ? PageCell{FigureText((*column.after).*figure.figure, figure.unit),
-                                         pointer + figure.json + "_after"}
-                              : PageCell{"–"});
-        }
-        table.rows.push_back(std::move(row));
+        const auto add = [&](const ResponseFigures& figures, const char* when) {
+            std::vector<PageCell> row = {{column.channel.name + " " + when}};
+            for (const auto& figure : s_Figures)
+                row.push_back({FigureText(figures.*figure.figure, figure.unit),
+                               "/columns/" + std::to_string(k) + "/" + figure.json + "_" + when});
+            table.rows.push_back(std::move(row));
+        };
+        add(column.before, "before");
+        if (column.after) add(*column.after, "after");
     }
     return table;
 }
@@ -391,7 +399,8 @@ std::string LinkReportHtml(const LinkResult& result, const std::optional<LinkEye
     page.Section("Responses", "Dashed lines are before the model, solid lines after it.");
     for (const LinePlot& plot : ResponsePlots(result))
         page.Plot(plot);
-    page.Table(ColumnTable(result));
+    page.Table(FigureTable(result));
+    page.Table(ChannelTable(result));
 
     page.Section("Model");
     page.Facts(ModelFacts(result, options));

@@ -82,7 +82,7 @@ void Page::Plot(const LinePlot& plot)
     m_Content += "<figure class=\"plot\" id=\"" + Escaped(plot.id) + "\"><h3>" +
                  Escaped(plot.title) + "</h3>\n<div class=\"still\">" +
                  PlotSvg(plot, SvgUse::InPage) +
-                 "</div>\n<div class=\"live\"><div class=\"legend\"></div>"
+                 "</div>\n<div class=\"live\"><div class=\"curves\"></div>"
                  "<div class=\"graph\"></div></div>\n<script type=\"application/json\">" +
                  ScriptJson(PlotJson(plot)) + "</script>\n";
     if (!plot.caption.empty())

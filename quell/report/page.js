@@ -118,8 +118,32 @@
         context.restore();
     }
 
+    // Whole decades on a logarithmic axis, and 2 and 5 times them where there are few.
+    function logTicker(low, high, pixels, options) {
+        var first = Math.ceil(Math.log10(low) - 1e-9);
+        var last = Math.floor(Math.log10(high) + 1e-9);
+        var room = Math.max(2, Math.floor(pixels / options('pixelsPerLabel')));
+        var format = options('axisLabelFormatter');
+        var values = [];
+        if (last - first >= 2) {
+            var every = Math.ceil((last - first + 1) / room);
+            for (var decade = first; decade <= last; ++decade) {
+                if (decade % every === 0) values.push(Number('1e' + decade));
+            }
+        } else if (high / low > 3) {
+            for (var d = first - 1; d <= last; ++d) {
+                [1, 2, 5].forEach(function (digit) { values.push(Number(digit + 'e' + d)); });
+            }
+        } else {
+            return Dygraph.numericLinearTicks(low, high, pixels, options);
+        }
+        return values.filter(function (v) { return v >= low * 0.999 && v <= high * 1.001; })
+            .map(function (v) { return { v: v, label: format(v) }; });
+    }
+
     function axisOptions(axis) {
         return {
+            ticker: axis.log ? logTicker : Dygraph.numericLinearTicks,
             axisLabelFormatter: function (value) {
                 if (axis.log && axis.unit) return withUnit(value, axis.unit, 3);
                 return plain(value / axis.factor, axis.log ? 3 : 6);
@@ -138,7 +162,7 @@
     function enliven(figure) {
         var plot = JSON.parse(figure.querySelector('script').textContent);
         var box = figure.querySelector('.graph');
-        var show = makeLegend(figure.querySelector('.legend'), plot);
+        var show = makeLegend(figure.querySelector('.curves'), plot);
         var options = Object.assign({
             labels: ['x'].concat(plot.series.map(function (s, k) { return s.name + k; })),
             xlabel: escaped(plot.x.title),
@@ -147,8 +171,9 @@
             connectSeparatedPoints: true,
             highlightCircleSize: 4,
             strokeWidth: 1.7,
-            xRangePad: 2,
-            yRangePad: 12,
+            // A margin would reach below zero, where there is no logarithm.
+            xRangePad: plot.x.log ? 0 : 2,
+            yRangePad: plot.y.log ? 0 : 12,
             xLabelHeight: 20,
             yLabelWidth: 18,
             logscale: plot.y.log,
