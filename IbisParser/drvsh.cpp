@@ -66,11 +66,6 @@ void DRVSH_FreeList(DrvSh* head)
     SEC_FreeList(head, SEC_FreeRecord<DrvSh>);
 }
 
-static bool s_isNumber(const RngSingle& cell)
-{
-    return cell.state == CELL_NUMBER;
-}
-
 // The delays bring the scheduled model back to its starting state. Rise_on and Fall_off drive it
 // high, Rise_off and Fall_on low.
 static void s_checkDelays(const Mdl* model, const DrvSh* row)
@@ -78,7 +73,7 @@ static void s_checkDelays(const Mdl* model, const DrvSh* row)
     unsigned given = 0;
     for (const RngSingle& delay : row->delay) {
         if (delay.state == CELL_ABSENT) return;  // reported while reading
-        given = 2 * given + s_isNumber(delay);
+        given = 2 * given + MDL_IsNumber(delay);
     }
     switch (given) {
         case 0b0000:
@@ -100,7 +95,7 @@ static void s_checkDelays(const Mdl* model, const DrvSh* row)
     for (const auto& edge : edges) {
         const RngSingle& first = row->delay[edge.first];
         const RngSingle& second = row->delay[edge.second];
-        if (s_isNumber(first) && s_isNumber(second) && first.value >= second.value)
+        if (MDL_IsNumber(first) && MDL_IsNumber(second) && first.value >= second.value)
             ERRLOG_WarnNew(3011, model->name, row->model, s_delayNames[edge.first], first.value,
                            s_delayNames[edge.second], second.value);
     }

@@ -6,10 +6,16 @@
 #include "IbisParser/mdl.h"
 #include "IbisParser/section_internal.h"
 
+inline bool MDL_IsNumber(const RngSingle& cell)
+{
+    return cell.state == CELL_NUMBER;
+}
 // The cell of a corner; a null range has none.
 RngSingle MDL_Cell(const RngRange* range, int corner);
 // The same, but a corner without a number takes the typ value.
 RngSingle MDL_CellOrTyp(const RngRange* range, int corner);
+// The least number of a range, infinity when it has none.
+double MDL_Least(const RngRange* range);
 const char* MDL_CornerName(int corner);  // "typ", "min", "max"
 
 // The name on the keyword line of a model or submodel; tooLong and furtherText are the messages for

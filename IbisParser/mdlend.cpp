@@ -11,11 +11,6 @@ static const char s_Module[] = "IbisParser/mdlend";
 
 namespace {
 
-bool s_isNumber(const RngSingle& cell)
-{
-    return cell.state == CELL_NUMBER;
-}
-
 // In the file, readable or not.
 bool s_given(const RngSingle& cell)
 {
@@ -52,9 +47,9 @@ void s_checkThresholds(const Mdl* model, const MdlTypeInfo* info)
         if (s_given(high)) ERRLOG_LineWarnNew(132, model->name, info->name, "Vinh");
         return;
     }
-    if (s_isNumber(low) && s_isNumber(high) && low.value > high.value)
+    if (MDL_IsNumber(low) && MDL_IsNumber(high) && low.value > high.value)
         ERRLOG_LineErrorNew(130, model->name, low.value, high.value);
-    if (s_isNumber(low) && s_isNumber(high) && low.value == high.value)
+    if (MDL_IsNumber(low) && MDL_IsNumber(high) && low.value == high.value)
         ERRLOG_LineNoteNew(157, model->name, low.value);
     s_checkDefault(model, info, "Vinl", low, SPEC_VINL, SPEC_VINL_MINUS, info->Vinl);
     s_checkDefault(model, info, "Vinh", high, SPEC_VINH, SPEC_VINH_PLUS, info->Vinh);
@@ -66,7 +61,7 @@ void s_checkVmeas(const Mdl* model, const MdlTypeInfo* info)
     const RngSingle high = MDLSPEC_InputHigh(model, CORNER_TYP);
     const RngSingle& vmeas = model->Vmeas;
     if (info->group == MDL_GROUP_IO && MDLSPEC_Get(model, SPEC_VMEAS) == nullptr &&
-        s_isNumber(low) && s_isNumber(high) && s_isNumber(vmeas) &&
+        MDL_IsNumber(low) && MDL_IsNumber(high) && MDL_IsNumber(vmeas) &&
         (vmeas.value < low.value || vmeas.value > high.value))
         ERRLOG_LineNoteNew(133, model->name, vmeas.value, low.value, high.value);
 }
@@ -115,7 +110,7 @@ void s_checkLoadSigns(const Mdl* model)
     };
     for (const auto& row : rows) {
         const RngSingle& cell = model->*(row.value);
-        if (!s_isNumber(cell)) continue;
+        if (!MDL_IsNumber(cell)) continue;
         if (row.positive && cell.value <= 0.0) ERRLOG_LineErrorNew(135, model->name, row.name);
         if (!row.positive && cell.value < 0.0) ERRLOG_LineErrorNew(136, model->name, row.name);
     }
@@ -132,7 +127,7 @@ void s_checkSupplies(const Mdl* model, const MdlTypeInfo* info)
         ERRLOG_LineErrorNew(140, model->name);
     const RngSingle pullup = MDL_Cell(model->pullupRef, CORNER_TYP);
     const RngSingle pulldown = MDL_Cell(model->pulldownRef, CORNER_TYP);
-    if (s_isNumber(pullup) && s_isNumber(pulldown) && pullup.value == pulldown.value)
+    if (MDL_IsNumber(pullup) && MDL_IsNumber(pulldown) && pullup.value == pulldown.value)
         ERRLOG_LineWarnNew(141, model->name, SEC_KeywordName(KEY_PULLUP_REFERENCE),
                            SEC_KeywordName(KEY_PULLDOWN_REFERENCE));
     if (references == 4 && hasRange) ERRLOG_LineNoteNew(143, model->name);

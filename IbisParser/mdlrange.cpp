@@ -45,7 +45,7 @@ void s_checkTemperature(const Mdl* model, const RngRange* range)
 {
     for (int corner = 0; corner < CORNER_COUNT; ++corner) {
         const RngSingle cell = MDL_Cell(range, corner);
-        if (cell.state == CELL_NUMBER &&
+        if (MDL_IsNumber(cell) &&
             (cell.value < s_LowestTemperature || cell.value > s_HighestTemperature))
             ERRLOG_LineWarnNew(144, model->name, cell.value);
     }
@@ -56,29 +56,19 @@ void s_checkSupply(const Mdl* model, int code, const RngRange* range)
     const char* name = SEC_KeywordName(code);
     for (int corner = 0; corner < CORNER_COUNT; ++corner) {
         const RngSingle cell = MDL_Cell(range, corner);
-        if (cell.state == CELL_NUMBER && std::fabs(cell.value) > s_LargestVoltage)
+        if (MDL_IsNumber(cell) && std::fabs(cell.value) > s_LargestVoltage)
             ERRLOG_LineWarnNew(145, model->name, name, cell.value);
     }
     const RngSingle min = MDL_Cell(range, CORNER_MIN);
     const RngSingle max = MDL_Cell(range, CORNER_MAX);
-    if (min.state == CELL_NUMBER && max.state == CELL_NUMBER && min.value > max.value)
+    if (MDL_IsNumber(min) && MDL_IsNumber(max) && min.value > max.value)
         ERRLOG_LineNoteNew(142, model->name, name, min.value, max.value);
 
     const MdlTypeInfo* info = MDL_TypeInfo(model->type);
     const RngSingle typ = MDL_Cell(range, CORNER_TYP);
-    if (code == KEY_VOLTAGE_RANGE && info != nullptr && !info->ecl && typ.state == CELL_NUMBER &&
+    if (code == KEY_VOLTAGE_RANGE && info != nullptr && !info->ecl && MDL_IsNumber(typ) &&
         typ.value <= 0.0)
         ERRLOG_LineWarnNew(156, model->name);
-}
-
-double s_least(const RngRange* range)
-{
-    double least = INFINITY;
-    for (int corner = 0; corner < CORNER_COUNT; ++corner) {
-        const RngSingle cell = MDL_Cell(range, corner);
-        if (cell.state == CELL_NUMBER) least = std::fmin(least, cell.value);
-    }
-    return least;
 }
 
 void s_check(const Mdl* model, int code, Rule rule, const RngRange* range)
@@ -91,10 +81,12 @@ void s_check(const Mdl* model, int code, Rule rule, const RngRange* range)
             s_checkSupply(model, code, range);
             break;
         case RULE_TRANSIT_TIME:
-            if (s_least(range) < 0.0) ERRLOG_LineErrorNew(147, model->name, SEC_KeywordName(code));
+            if (MDL_Least(range) < 0.0)
+                ERRLOG_LineErrorNew(147, model->name, SEC_KeywordName(code));
             break;
         case RULE_ELEMENT:
-            if (s_least(range) <= 0.0) ERRLOG_LineErrorNew(148, model->name, SEC_KeywordName(code));
+            if (MDL_Least(range) <= 0.0)
+                ERRLOG_LineErrorNew(148, model->name, SEC_KeywordName(code));
             break;
     }
 }
@@ -118,7 +110,17 @@ RngSingle MDL_Cell(const RngRange* range, int corner)
 RngSingle MDL_CellOrTyp(const RngRange* range, int corner)
 {
     const RngSingle cell = MDL_Cell(range, corner);
-    return cell.state == CELL_NUMBER ? cell : MDL_Cell(range, CORNER_TYP);
+    return MDL_IsNumber(cell) ? cell : MDL_Cell(range, CORNER_TYP);
+}
+
+double MDL_Least(const RngRange* range)
+{
+    double least = INFINITY;
+    for (int corner = 0; corner < CORNER_COUNT; ++corner) {
+        const RngSingle cell = MDL_Cell(range, corner);
+        if (MDL_IsNumber(cell)) least = std::fmin(least, cell.value);
+    }
+    return least;
 }
 
 const char* MDL_CornerName(int corner)
@@ -161,9 +163,9 @@ int MDL_RefVoltage(const Mdl* model, int which, int corner, double* out)
     CMN_ASSERT(which >= MDL_REF_PULLUP && which <= MDL_REF_GND_CLAMP);
     const auto& row = s_references[which];
     RngSingle cell = MDL_CellOrTyp(model->*(row.own), corner);
-    if (cell.state != CELL_NUMBER && !row.orVoltageRange) cell = {0.0, CELL_NUMBER};
-    if (cell.state != CELL_NUMBER) cell = MDL_CellOrTyp(model->voltageRange, corner);
-    if (cell.state != CELL_NUMBER) return 0;
+    if (!MDL_IsNumber(cell) && !row.orVoltageRange) cell = {0.0, CELL_NUMBER};
+    if (!MDL_IsNumber(cell)) cell = MDL_CellOrTyp(model->voltageRange, corner);
+    if (!MDL_IsNumber(cell)) return 0;
     *out = cell.value;
     return 1;
 }

@@ -97,11 +97,6 @@ const struct { MdlSpecItem item; RngSingle Mdl::* single; } s_replaced[] = {
 
 const RngSingle s_none = {0.0, CELL_ABSENT};
 
-bool s_isNumber(const RngSingle& cell)
-{
-    return cell.state == CELL_NUMBER;
-}
-
 RngSingle s_cell(const Mdl* model, MdlSpecItem item, int corner)
 {
     return MDL_Cell(MDLSPEC_Get(model, item), corner);
@@ -146,7 +141,7 @@ void s_checkAbove(const Mdl* model, MdlSpecItem high, MdlSpecItem low,
     for (int corner = 0; corner < CORNER_COUNT; ++corner) {
         const RngSingle a = hasHigh ? s_cell(model, high, corner) : ownHigh;
         const RngSingle b = hasLow ? s_cell(model, low, corner) : ownLow;
-        if (s_isNumber(a) && s_isNumber(b) && a.value <= b.value)
+        if (MDL_IsNumber(a) && MDL_IsNumber(b) && a.value <= b.value)
             ERRLOG_LineErrorNew(3107, model->name, s_items[high].name, MDL_CornerName(corner),
                                 a.value, s_items[low].name, b.value);
     }
@@ -155,11 +150,7 @@ void s_checkAbove(const Mdl* model, MdlSpecItem high, MdlSpecItem low,
 void s_checkSigns(const Mdl* model)
 {
     for (int i = 0; i < SPEC_COUNT; ++i) {
-        double least = INFINITY;
-        for (int corner = 0; corner < CORNER_COUNT; ++corner) {
-            const RngSingle cell = MDL_Cell(model->spec->item[i], corner);
-            if (s_isNumber(cell)) least = std::fmin(least, cell.value);
-        }
+        const double least = MDL_Least(model->spec->item[i]);
         if (s_items[i].sign == SIGN_NOT_NEGATIVE && least < 0.0)
             ERRLOG_LineErrorNew(3109, model->name, s_items[i].name);
         if (s_items[i].sign == SIGN_POSITIVE && least <= 0.0)
@@ -204,7 +195,7 @@ void s_checkLimits(const Mdl* model)
         for (int corner = 0; corner < CORNER_COUNT; ++corner) {
             const RngSingle limit = s_cell(model, row.item, corner);
             const RngSingle other = row.other(model, corner);
-            if (!s_isNumber(limit) || !s_isNumber(other)) continue;
+            if (!MDL_IsNumber(limit) || !MDL_IsNumber(other)) continue;
             const double margin = row.sign * (limit.value - other.value);
             if (margin < 0.0 || (row.strict && margin == 0.0)) {
                 ERRLOG_LineWarnNew(row.number, model->name, limit.value, other.value);
@@ -232,11 +223,12 @@ int s_checkVmeas(const Mdl* model)
     const RngSingle low = MDLSPEC_InputLow(model, CORNER_TYP);
     const RngSingle high = MDLSPEC_InputHigh(model, CORNER_TYP);
     const MdlTypeInfo* info = MDL_TypeInfo(model->type);
-    if (info == nullptr || info->group != MDL_GROUP_IO || !s_isNumber(low) || !s_isNumber(high))
+    if (info == nullptr || info->group != MDL_GROUP_IO || !MDL_IsNumber(low) || !MDL_IsNumber(high))
         return 0;
     for (const MdlSpecItem item : {SPEC_VMEAS, SPEC_VMEAS_RISING, SPEC_VMEAS_FALLING}) {
         const RngSingle vmeas = s_cell(model, item, CORNER_TYP);
-        if (!s_isNumber(vmeas) || (vmeas.value >= low.value && vmeas.value <= high.value)) continue;
+        if (!MDL_IsNumber(vmeas) || (vmeas.value >= low.value && vmeas.value <= high.value))
+            continue;
         ERRLOG_LineNoteNew(3119, model->name, s_items[item].name, vmeas.value, low.value,
                            high.value);
         return 1;
@@ -249,7 +241,7 @@ void s_checkReplaced(const Mdl* model)
     for (const auto& row : s_replaced) {
         const RngSingle spec = s_cell(model, row.item, CORNER_TYP);
         const RngSingle& own = model->*(row.single);
-        if (!s_isNumber(spec) || !s_isNumber(own)) continue;
+        if (!MDL_IsNumber(spec) || !MDL_IsNumber(own)) continue;
         const double larger = std::fmax(std::fabs(spec.value), std::fabs(own.value));
         if (std::fabs(spec.value - own.value) > 1e-9 * larger)
             ERRLOG_LineNoteNew(3120, model->name, s_items[row.item].name);
@@ -264,7 +256,7 @@ void s_checkSupply(const Mdl* model)
         return;
     for (const MdlSpecItem item : {SPEC_VINH, SPEC_VINH_PLUS}) {
         const RngSingle level = s_cell(model, item, CORNER_TYP);
-        if (s_isNumber(level) && level.value > supply + 0.2 * std::fabs(supply))
+        if (MDL_IsNumber(level) && level.value > supply + 0.2 * std::fabs(supply))
             ERRLOG_LineWarnNew(3121, model->name, s_items[item].name, supply);
     }
 }

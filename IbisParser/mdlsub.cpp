@@ -102,15 +102,15 @@ void s_setCapacitance(const Mdl* model, RngRange** slot, const char* name, const
     if (!isFirst) return;
     for (int corner = 0; corner < CORNER_COUNT; ++corner) {
         const RngSingle cell = MDL_Cell(*slot, corner);
-        if (cell.state == CELL_NUMBER && cell.value < 0.0)
+        if (MDL_IsNumber(cell) && cell.value < 0.0)
             ERRLOG_LineErrorNew(126, name, model->name, MDL_CornerName(corner), cell.value);
     }
     const RngSingle typ = MDL_Cell(*slot, CORNER_TYP);
     const RngSingle min = MDL_Cell(*slot, CORNER_MIN);
     const RngSingle max = MDL_Cell(*slot, CORNER_MAX);
-    if (typ.state == CELL_NUMBER && typ.value > s_LargestCapacitance)
+    if (MDL_IsNumber(typ) && typ.value > s_LargestCapacitance)
         ERRLOG_LineWarnNew(127, name, model->name, typ.value);
-    if (min.state == CELL_NUMBER && max.state == CELL_NUMBER && min.value > max.value)
+    if (MDL_IsNumber(min) && MDL_IsNumber(max) && min.value > max.value)
         ERRLOG_LineNoteNew(128, name, model->name, min.value, max.value);
 }
 

@@ -74,12 +74,12 @@ void s_addUses(const IbisRoot* root, const Mdl* models, Uses* uses)
             uses->Add(row->model, USE_SCHEDULE);
 }
 
-// A buffer without capacitance. Of a model that others only schedule it is not used at all, and with
-// an algorithmic model it is often in the channel.
+// A buffer without capacitance. Of a model that others only schedule it is not used at all, and
+// with an algorithmic model it is often in the channel.
 void s_testCapacitance(const Mdl* model, int use)
 {
     const RngSingle typ = MDL_Cell(model->C_comp, CORNER_TYP);
-    if (typ.state == CELL_NUMBER && typ.value == 0.0 && !MDL_HasPartCapacitance(model) &&
+    if (MDL_IsNumber(typ) && typ.value == 0.0 && !MDL_HasPartCapacitance(model) &&
         !MDL_Found(model, KEY_ALGORITHMIC_MODEL) && use != USE_SCHEDULE)
         ERRLOG_WarnNew(129, model->name);
 }

@@ -53,11 +53,6 @@ const struct { const char* name; int supply; RngRange* Mdl::* own; bool orVoltag
 
 const char s_Supply[] = "Reference_supply";
 
-bool s_isNumber(const RngSingle& cell)
-{
-    return cell.state == CELL_NUMBER;
-}
-
 void s_setSupply(RcvTh* thresholds, const char* word)
 {
     if (thresholds->referenceSupply != TH_SUPPLY_UNSET) {
@@ -113,7 +108,7 @@ void s_checkSpread(const Mdl* model)
     const RngSingle& vth = model->thresholds->item[TH_VTH];
     const RngSingle& low = model->thresholds->item[TH_VTH_MIN];
     const RngSingle& high = model->thresholds->item[TH_VTH_MAX];
-    if (s_isNumber(vth) && s_isNumber(low) && s_isNumber(high) &&
+    if (MDL_IsNumber(vth) && MDL_IsNumber(low) && MDL_IsNumber(high) &&
         (vth.value < low.value || vth.value > high.value))
         ERRLOG_ErrorNew(2010, model->name, vth.value, low.value, high.value);
     if ((low.state == CELL_ABSENT) != (high.state == CELL_ABSENT))
@@ -124,19 +119,19 @@ void s_checkLevels(const Mdl* model)
 {
     const RngSingle* item = model->thresholds->item;
     for (int i = 0; i < TH_COUNT; ++i) {
-        if (!s_isNumber(item[i])) continue;
+        if (!MDL_IsNumber(item[i])) continue;
         if (s_items[i].sign == SIGN_POSITIVE && item[i].value <= 0.0)
             ERRLOG_ErrorNew(2012, model->name, s_items[i].name);
         if (s_items[i].sign == SIGN_NEGATIVE && item[i].value >= 0.0)
             ERRLOG_ErrorNew(2013, model->name, s_items[i].name);
     }
     for (const auto& pair : s_nested)
-        if (s_isNumber(item[pair.ac]) && s_isNumber(item[pair.dc]) &&
+        if (MDL_IsNumber(item[pair.ac]) && MDL_IsNumber(item[pair.dc]) &&
             std::fabs(item[pair.ac].value) < std::fabs(item[pair.dc].value))
             ERRLOG_ErrorNew(2014, model->name, s_items[pair.ac].name, s_items[pair.dc].name);
     const RngSingle& low = item[TH_VCROSS_LOW];
     const RngSingle& high = item[TH_VCROSS_HIGH];
-    if (s_isNumber(low) && s_isNumber(high) && low.value >= high.value)
+    if (MDL_IsNumber(low) && MDL_IsNumber(high) && low.value >= high.value)
         ERRLOG_ErrorNew(2015, model->name, low.value, high.value);
 }
 
@@ -150,7 +145,7 @@ void s_checkSensitivity(const Mdl* model)
         if (row.supply == supply && model->*(row.own) == nullptr &&
             !(row.orVoltageRange && model->voltageRange != nullptr))
             ERRLOG_ErrorNew(2017, model->name, row.name);
-    if (s_isNumber(slope) && (slope.value < 0.0 || slope.value > 1.0))
+    if (MDL_IsNumber(slope) && (slope.value < 0.0 || slope.value > 1.0))
         ERRLOG_WarnNew(2018, model->name, slope.value);
 }
 
@@ -161,7 +156,7 @@ void s_checkSupplies(const Mdl* model)
     const int hasPullup = MDL_RefVoltage(model, MDL_REF_PULLUP, CORNER_TYP, &pullup);
     const int hasPower = MDL_RefVoltage(model, MDL_REF_POWER_CLAMP, CORNER_TYP, &power);
     const RngSingle& vth = model->thresholds->item[TH_VTH];
-    if (!s_isNumber(vth) || (!hasPullup && !hasPower) ||
+    if (!MDL_IsNumber(vth) || (!hasPullup && !hasPower) ||
         !MDL_RefVoltage(model, MDL_REF_PULLDOWN, CORNER_TYP, &pulldown) ||
         !MDL_RefVoltage(model, MDL_REF_GND_CLAMP, CORNER_TYP, &ground))
         return;
@@ -183,7 +178,7 @@ void s_checkReplaced(const Mdl* model)
         const RngSingle& offset;
     } levels[] = {{model->Vinl, item[TH_VINL_DC]}, {model->Vinh, item[TH_VINH_DC]}};
     for (const auto& row : levels)
-        if (s_isNumber(vth) && s_isNumber(row.level) && s_isNumber(row.offset) &&
+        if (MDL_IsNumber(vth) && MDL_IsNumber(row.level) && MDL_IsNumber(row.offset) &&
             std::fabs(row.level.value - vth.value - row.offset.value) >
                 0.2 * std::fabs(vth.value)) {
             ERRLOG_NoteNew(2021, model->name);

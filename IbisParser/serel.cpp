@@ -75,7 +75,7 @@ void s_rangeLine(Mdl* model, RngRange** slot, Least least, const char* name, con
     KRNG_SetRange(slot, text, name);
     for (int corner = 0; corner < CORNER_COUNT; ++corner) {
         const RngSingle cell = MDL_Cell(*slot, corner);
-        if (cell.state == CELL_NUMBER &&
+        if (MDL_IsNumber(cell) &&
             (cell.value < 0.0 || (least == LEAST_ABOVE_ZERO && cell.value == 0.0)))
             ERRLOG_LineErrorNew(2805, name, model->name, MDL_CornerName(corner));
     }

@@ -282,7 +282,7 @@ void s_checkHolder(const SubMdl* submodel)
     for (int corner = 0; corner < CORNER_COUNT; ++corner) {
         const RngSingle rise = MDL_Cell(submodel->V_trigger_r, corner);
         const RngSingle fall = MDL_Cell(submodel->V_trigger_f, corner);
-        if (rise.state == CELL_NUMBER && fall.state == CELL_NUMBER && rise.value < fall.value)
+        if (MDL_IsNumber(rise) && MDL_IsNumber(fall) && rise.value < fall.value)
             ERRLOG_LineNoteNew(2223, submodel->name, rise.value, fall.value);
     }
 }
@@ -296,13 +296,7 @@ void s_endOfRecord(const SubMdl* submodel)
     if (submodel->type == SUBMDL_FALL_BACK && submodel->V_trigger_r == nullptr &&
         submodel->V_trigger_f == nullptr)
         s_lacks(submodel, "V_trigger_r or V_trigger_f");
-    for (int corner = 0; corner < CORNER_COUNT; ++corner) {
-        const RngSingle delay = MDL_Cell(submodel->Off_delay, corner);
-        if (delay.state == CELL_NUMBER && delay.value < 0.0) {
-            ERRLOG_LineErrorNew(2217, submodel->name);
-            break;
-        }
-    }
+    if (MDL_Least(submodel->Off_delay) < 0.0) ERRLOG_LineErrorNew(2217, submodel->name);
 }
 
 void s_free(SubMdl* submodel)
