@@ -697,3 +697,62 @@ GTEST_TEST(Mdl, ExternalModel)
     IbsLog log({{100, 206}, {3425, 3425}, {3440, 3442}, {3446, 3446}});
     CheckRows(&log, rows, "[Model] m\nModel_type I/O_diff\n", s_Supply);
 }
+
+// Lines that the reader would not send.
+GTEST_TEST(Mdl, CallsOutOfOrder)
+{
+    static const struct {
+        int (*init)();
+        int (*receive)(int kind, int code, char* line);
+        int opener;
+        int keyword;
+        const char* heads[6];  // as SecFrame: no document first, no memory left out
+    } sections[] = {
+        {MDL_Init,
+         MDL_ReceiveLine,
+         KEY_MODEL,
+         KEY_RAMP,
+         {"B0100", "E0102", "E0103", "B0104", "B0105", "B0104"}},
+        {SUBMDL_Init,
+         SUBMDL_ReceiveLine,
+         KEY_SUBMODEL,
+         KEY_SUBMDL_RAMP,
+         {"B2200", "E2202", "E2203", "B2204", "B2205", "B2204"}},
+    };
+    for (const auto& section : sections) {
+        LogCapture log;
+        const auto head = [&log] { return log.Take().substr(0, 5); };
+        char line[] = "[X] x";
+        EXPECT_EQ(section.init(), 0);
+        EXPECT_EQ(head(), section.heads[0]);
+        section.receive(LINE_KEYWORD, section.opener, line);
+        EXPECT_EQ(head(), section.heads[1]);
+        section.receive(LINE_DATA, section.opener, line);
+        EXPECT_EQ(head(), section.heads[2]);
+        ASSERT_EQ(INIT(), 1);
+        EXPECT_EQ(section.init(), 1);
+        section.receive(LINE_KEYWORD, section.opener, line);
+        section.receive(LINE_KEYWORD, KEY_PIN, line);
+        EXPECT_EQ(head(), section.heads[3]);
+        section.receive(2, section.opener, line);
+        EXPECT_EQ(head(), section.heads[4]);
+        section.receive(LINE_DATA, section.keyword, line);
+        EXPECT_EQ(head(), section.heads[5]);
+        FINI();
+    }
+}
+
+// A file whose header and keyword table disagree.
+GTEST_TEST(Mdl, KeywordOfALaterVersion)
+{
+    LogCapture log;
+    geFileVersion = 2;
+    ASSERT_EQ(INIT(), 1);
+    MDL_Init();
+    char model[] = "[Model] m";
+    char spec[] = "[Model Spec]";
+    MDL_ReceiveLine(LINE_KEYWORD, KEY_MODEL, model);
+    MDL_ReceiveLine(LINE_KEYWORD, KEY_MODEL_SPEC, spec);
+    EXPECT_EQ(log.Take(), "E0121 (line    0) - [Model Spec] needs IBIS version 3.0 or later.\n");
+    FINI();
+}
