@@ -27,7 +27,7 @@ const struct {
 };
 
 // Elements that stand in series with another one.
-const struct {
+const struct Need {
     unsigned number;
     RngRange* SerEl::*element;
     RngRange* SerEl::*needs;
@@ -91,7 +91,7 @@ bool s_isEmpty(const SerEl* elements)
 
 void s_checkState(const Mdl* model, const SerEl* elements)
 {
-    for (const auto& row : s_needs)
+    for (const Need& row : s_needs)
         if (elements->*(row.element) != nullptr && elements->*(row.needs) == nullptr)
             ERRLOG_LineErrorNew(row.number, model->name);
     if (elements->current != nullptr && elements->mosfets != nullptr)
