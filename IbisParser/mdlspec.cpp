@@ -55,14 +55,21 @@ const struct { const char* name; int since; User user; Sign sign; } s_items[SPEC
     { "Weak_V",             5, USER_ANY,      SIGN_ANY          },
 };
 
-// An entry that needs one of two others.
+// An entry that needs one of two others. Hysteresis takes all four levels, dynamic overshoot the
+// static one.
 const struct { MdlSpecItem item, needs, orNeeds; const char* text; } s_needs[] = {
     { SPEC_VINH_PLUS,          SPEC_VINH_MINUS,         SPEC_VINH_MINUS,         "Vinh-"              },
+    { SPEC_VINH_PLUS,          SPEC_VINL_PLUS,          SPEC_VINL_PLUS,          "Vinl+"              },
     { SPEC_VINH_MINUS,         SPEC_VINH_PLUS,          SPEC_VINH_PLUS,          "Vinh+"              },
+    { SPEC_VINH_MINUS,         SPEC_VINL_MINUS,         SPEC_VINL_MINUS,         "Vinl-"              },
     { SPEC_VINL_PLUS,          SPEC_VINL_MINUS,         SPEC_VINL_MINUS,         "Vinl-"              },
+    { SPEC_VINL_PLUS,          SPEC_VINH_PLUS,          SPEC_VINH_PLUS,          "Vinh+"              },
     { SPEC_VINL_MINUS,         SPEC_VINL_PLUS,          SPEC_VINL_PLUS,          "Vinl+"              },
+    { SPEC_VINL_MINUS,         SPEC_VINH_MINUS,         SPEC_VINH_MINUS,         "Vinh-"              },
     { SPEC_D_OVERSHOOT_HIGH,   SPEC_D_OVERSHOOT_TIME,   SPEC_D_OVERSHOOT_TIME,   "D_overshoot_time"   },
+    { SPEC_D_OVERSHOOT_HIGH,   SPEC_S_OVERSHOOT_HIGH,   SPEC_S_OVERSHOOT_HIGH,   "S_overshoot_high"   },
     { SPEC_D_OVERSHOOT_LOW,    SPEC_D_OVERSHOOT_TIME,   SPEC_D_OVERSHOOT_TIME,   "D_overshoot_time"   },
+    { SPEC_D_OVERSHOOT_LOW,    SPEC_S_OVERSHOOT_LOW,    SPEC_S_OVERSHOOT_LOW,    "S_overshoot_low"    },
     { SPEC_D_OVERSHOOT_TIME,   SPEC_D_OVERSHOOT_HIGH,   SPEC_D_OVERSHOOT_LOW,    "D_overshoot_high or D_overshoot_low" },
     { SPEC_PULSE_HIGH,         SPEC_PULSE_TIME,         SPEC_PULSE_TIME,         "Pulse_time"         },
     { SPEC_PULSE_LOW,          SPEC_PULSE_TIME,         SPEC_PULSE_TIME,         "Pulse_time"         },

@@ -293,12 +293,12 @@ GTEST_TEST(MdlSpec, Entries)
         {"unknown", "3.2", "Vmin 1 2 3\n", "E3102@12 W3105@13"},
         {"of a later version", "4.2", "Weak_R 1k 1k 1k\n", "E3103@12"},
         {"halves of a pair", "3.2", "Vinh+ 2 2 2\nD_overshoot_high 4 4 4\nPulse_time 1n 1n 1n\n",
-         "E3106@15 E3106@15 E3106@15"},
+         "E3106@15 E3106@15 E3106@15 E3106@15 E3106@15"},
         {"order in a column", "3.2", "Vinh+ 2 2 2\nVinh- 1.5 2.5 NA\nVinl 2 0.5 1\nVinh 1.9 1 1\n",
-         "E3107@16 E3107@16 E3107@16 N3108@16 N3120@16 N3120@16 N0133@16"},
+         "E3106@16 E3106@16 E3107@16 E3107@16 E3107@16 N3108@16 N3120@16 N3120@16 N0133@16"},
         {"against the model's value", "3.2", "Vinl 2.5 NA NA\n", "E3107@13 N3120@13 N0133@13"},
         {"signs", "5.0", "D_overshoot_time -1n NA NA\nD_overshoot_high 4 4 4\nWeak_R 0 NA NA\n",
-         "E3109@15 E3110@15"},
+         "E3106@15 E3109@15 E3110@15"},
         {"limits", "3.2",
          "S_overshoot_high 2 NA NA\nS_overshoot_low 0.8 NA NA\nD_overshoot_high 1.9 NA "
          "NA\nD_overshoot_low 0.9 NA NA\nD_overshoot_time 1n NA NA\nPulse_high 1 NA NA\nPulse_low "
