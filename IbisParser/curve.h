@@ -68,9 +68,19 @@ typedef struct CurveRun {
     double loss;     /* ampere, above 0 */
 } CurveRun;
 
-/* Shape, coverage, signs and zero crossing of a model's tables and combined curves. A run counts
- * when its loss exceeds max(CURVE_RUN_FLOOR, CURVE_RUN_SHARE of the largest current between the
- * rails). */
+/* Shape, coverage, signs and zero crossings of a model's tables and combined curves.
+ *
+ * Shape: a counter-run counts when its loss exceeds max(CURVE_RUN_FLOOR, CURVE_RUN_SHARE of the
+ * largest current between the rails), the rails being min(Vpd, Vgc) and max(Vpu, Vpc); the worst
+ * corner is reported. All other rules look at the typical corner.
+ * Coverage, over the table's own voltage, 5 % of Vcc short being enough:
+ *     drive tables  0 to Vcc needed, -Vcc to 2 Vcc usual; ECL 0 to 2.2 V
+ *     GND Clamp     -Vcc to 0 needed, -Vcc to Vcc usual       POWER Clamp  -Vcc to 0
+ * with Vcc = Vpu - Vpd for drive tables, Vpc - Vgc for clamps. Tables below 1 uA carry nothing.
+ * Zero: a drive table carries at most max(50 uA, 5 % of its largest current) at its reference.
+ * Signs: it sinks (pulldown) or sources (pullup) at the other rail; a clamp beyond its rail does
+ * not drive 1 mA the wrong way. Clamps that carry the same current within 1 % between the rails,
+ * and drive tables that equal their clamp within 5 % where both begin, count a current twice. */
 #define CURVE_RUN_FLOOR 1e-3
 #define CURVE_RUN_SHARE 0.02
 int CURVE_Check(const Mdl* model);

@@ -9,10 +9,6 @@
 
 static const char s_Module[] = "IbisParser/isso_check";
 
-#define SPAN_TOLERANCE 0.05   // of Vcc
-#define DRIVE_TOLERANCE 0.10  // of the full drive current
-#define TIME_TOLERANCE 0.01   // of the waveform's span
-
 // The table must cover the whole collapse of the typical supply.
 static void s_testSpan(const Mdl* model, const IssoRow* isso, double supply)
 {
@@ -20,7 +16,7 @@ static void s_testSpan(const Mdl* model, const IssoRow* isso, double supply)
     if (CURVE_Prepare(model->*isso->table, CORNER_TYP, 0, &curve) != CURVE_BUILT) return;
     const double low = curve.points[0].v;
     const double high = curve.points[curve.count - 1].v;
-    const double slack = SPAN_TOLERANCE * supply;
+    const double slack = ISSO_SPAN_TOLERANCE * supply;
     if (low > -supply + slack || high < supply - slack)
         ERRLOG_CautionNew(4907, model->name, isso->name, low, high, -supply, supply);
     CURVE_Free(&curve);
@@ -35,7 +31,7 @@ static void s_testDrive(const Mdl* model, const IssoRow* isso, int corner, doubl
     if (!CURVE_Eval(model->*isso->table, corner, 0.0, 0, &atZero, &outside) || outside ||
         !CURVE_Eval(model->*isso->drive, corner, supply, 0, &drive, &outside) || outside)
         return;
-    if (std::fabs(atZero - drive) > DRIVE_TOLERANCE * std::fabs(drive))
+    if (std::fabs(atZero - drive) > ISSO_DRIVE_TOLERANCE * std::fabs(drive))
         ERRLOG_WarnNew(4908, model->name, TABLE_CornerShort(corner), isso->name, atZero, drive);
 }
 
@@ -62,7 +58,7 @@ static void s_testComposite(const Mdl* model, const Wvfrm* list, int count[2])
         const double last = TABLE_Tail(waveform->head)->x;
         const double compositeFirst = waveform->composite->x;
         const double compositeLast = TABLE_Tail(waveform->composite)->x;
-        const double slack = TIME_TOLERANCE * std::fabs(last - first);
+        const double slack = ISSO_TIME_TOLERANCE * std::fabs(last - first);
         if (std::fabs(compositeFirst - first) > slack || std::fabs(compositeLast - last) > slack)
             ERRLOG_WarnNew(4909, model->name, compositeFirst, compositeLast);
     }
