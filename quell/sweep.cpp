@@ -5,12 +5,15 @@
 
 #include <cstdio>
 #include <iostream>
-#include <nlohmann/json.hpp>
 #include <thread>
 
 #include "quell/commands.h"
 #include "quell/errors.h"
+#include "quell/files.h"
 #include "quell/numbers.h"
+#include "quell/report/sweep_report.h"
+#include "quell/result_json.h"
+#include "quell/sweep/sweep_text.h"
 
 namespace quell {
 
@@ -21,6 +24,7 @@ struct SweepOptions {
     LinkOptions link;
     unsigned workers = std::max(1u, std::thread::hardware_concurrency());
     bool json = false;
+    std::string htmlFile;
 };
 
 // A bar on the last line of the terminal, gone when all is done.
@@ -43,22 +47,6 @@ private:
     bool m_Shown;
     size_t m_Done = 0;
 };
-
-std::string SettingText(const SweepResult& result, size_t point)
-{
-    std::string text;
-    for (size_t k = 0; k < result.parameters.size(); ++k)
-        text += (k == 0 ? "" : " ") + result.parameters[k].name + "=" + result.grid[point][k];
-    return text.empty() ? "(no setting)" : text;
-}
-
-std::string EndOfRangeText(const SweepResult& result, size_t point)
-{
-    std::string names;
-    for (const std::string& name : AtTheEndOfItsRange(result, point))
-        names += (names.empty() ? "" : ", ") + name;
-    return names.empty() ? "" : " (best at the end of the range of " + names + ")";
-}
 
 void PrintTable(const SweepResult& result)
 {
@@ -101,11 +89,9 @@ void PrintTable(const SweepResult& result)
                     EndOfRangeText(result, *channel.best).c_str());
     }
     if (result.channels.size() > 1 && result.bestWorst) {
-        double worst = *result.channels.front().points[*result.bestWorst].height;
-        for (const SweepChannel& channel : result.channels)
-            worst = std::min(worst, *channel.points[*result.bestWorst].height);
         std::printf("all channels: best worst case with %s, %.4f V%s\n",
-                    SettingText(result, *result.bestWorst).c_str(), worst,
+                    SettingText(result, *result.bestWorst).c_str(),
+                    *WorstHeight(result, *result.bestWorst),
                     EndOfRangeText(result, *result.bestWorst).c_str());
     }
     std::fflush(stdout);
@@ -114,29 +100,11 @@ void PrintTable(const SweepResult& result)
 // One object per line, so that the lines of many runs can be put together.
 void PrintJson(const SweepResult& result)
 {
-    for (const SweepChannel& channel : result.channels)
-        for (size_t i = 0; i < result.grid.size(); ++i) {
-            const SweepPoint& point = channel.points[i];
-            nlohmann::ordered_json json;
-            json["channel"] = channel.name;
-            json["settings"] = nlohmann::ordered_json::object();
-            for (size_t k = 0; k < result.parameters.size(); ++k)
-                json["settings"][result.parameters[k].name] = result.grid[i][k];
-            json["parameters"] = result.strings[i];
-            json["ber"] = result.errorRate;
-            json["height"] =
-                point.height ? nlohmann::ordered_json(*point.height) : nlohmann::ordered_json();
-            json["width_ui"] =
-                point.height ? nlohmann::ordered_json(point.width) : nlohmann::ordered_json();
-            json["peak_distortion_height"] = point.height
-                                                 ? nlohmann::ordered_json(point.peakDistortion)
-                                                 : nlohmann::ordered_json();
-            json["best"] = channel.best == i;
-            json["best_worst_case"] = result.bestWorst == i;
-            if (!point.failure.empty()) json["failure"] = point.failure;
-            std::cout << json.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace)
+    for (size_t c = 0; c < result.channels.size(); ++c)
+        for (size_t i = 0; i < result.grid.size(); ++i)
+            std::cout << SweepPointJson(result, c, i)
+                             .dump(-1, ' ', false, nlohmann::json::error_handler_t::replace)
                       << '\n';
-        }
 }
 
 int Sweep(SweepOptions options)
@@ -158,6 +126,8 @@ int Sweep(SweepOptions options)
             if (!point.failure.empty())
                 PrintWarning(channel.name + ", " + SettingText(result, i) + ": " + point.failure);
         }
+    if (!options.htmlFile.empty())
+        WriteWholeFile(options.htmlFile, SweepReportHtml(result, options.link));
     if (options.json)
         PrintJson(result);
     else
@@ -185,6 +155,11 @@ void AddSweep(CLI::App& app, int& exitCode)
         ->type_name("N")
         ->group(output);
     sweep.add_flag("--json", options->json, "Print one JSON object per line and point")
+        ->group(output);
+    sweep
+        .add_option("--html", options->htmlFile,
+                    "Write a report with the table and its curves: one page that needs no network")
+        ->type_name("FILE")
         ->group(output);
     sweep.footer(
         "Exit code: 0 done, 2 wrong usage or unreadable input, 3 the model reported failure at "

@@ -28,12 +28,12 @@ std::string FixedText(double value, int decimals)
     return std::string(buffer.data(), result.ptr);
 }
 
-// 1, 2 or 5 times a power of ten.
+// 1, 2 or 5 times a power of ten, not much less than the step.
 double RoundStep(double step)
 {
     const double power = std::pow(10.0, std::floor(std::log10(step)));
     for (const double digit : {1.0, 2.0, 5.0})
-        if (step <= digit * power * (1 + 1e-9)) return digit * power;
+        if (step <= digit * power * 1.15) return digit * power;
     return 10 * power;
 }
 
@@ -65,7 +65,8 @@ bool TakesPrefix(const std::string& unit)
 void LayOutLinear(const Axis& axis, int count, bool roundEnds, AxisLayout* layout)
 {
     if (!(layout->high > layout->low)) {
-        const double margin = layout->low == 0 ? 1 : 0.1 * std::abs(layout->low);
+        const double size = std::abs(layout->low);
+        const double margin = size < 1e-290 ? 1 : 0.1 * size;
         layout->low -= margin;
         layout->high += margin;
     }
@@ -144,7 +145,10 @@ AxisLayout LayOutAxis(const Axis& axis, std::pair<double, double> range, int tic
     layout.low = axis.low.value_or(range.first);
     layout.high = axis.high.value_or(range.second);
     if (!Showable(layout.low, axis.scale)) layout.low = axis.scale == Scale::Log ? 1 : 0;
-    if (!Showable(layout.high, axis.scale)) layout.high = layout.low;
+    if (!(Showable(layout.high, axis.scale) && layout.high > layout.low)) layout.high = layout.low;
+    // Less than this is no range: its steps would have no digits.
+    if (layout.high - layout.low < 1e-12 * std::abs(layout.high) + s_Smallest)
+        layout.low = layout.high;
     if (axis.scale == Scale::Log)
         LayOutLog(axis, ticks, roundEnds, &layout);
     else

@@ -153,9 +153,10 @@ void DrawColourBar(SvgFrame* frame)
         image[Steps - 1 - k] = ColourOf(static_cast<double>(k) / (Steps - 1));
     const double x = frame->Right() + 12;
     frame->Add(ImageTag(x, frame->Top(), 10, frame->Height(), PngDataUrl(image, 1, Steps)));
-    for (const double density : {1e-18, 1e-14, 1e-10, 1e-6, 1e-4, 1e-2, 1.0})
-        frame->Add(SvgText(x + 14, frame->Bottom() - Strength(density) * frame->Height() + 4,
-                           "start", "mark", ShortText(density)));
+    for (const char* density : {"1e-18", "1e-14", "1e-10", "1e-06", "1e-04", "1e-02", "1"})
+        frame->Add(SvgText(x + 14,
+                           frame->Bottom() - Strength(*ParseNumber(density)) * frame->Height() + 4,
+                           "start", "mark", density));
 }
 
 // The opening at an error rate as a closed line around the middle of the eye.
@@ -187,7 +188,7 @@ std::string ContourPath(const SvgFrame& frame, const StatisticalEye& eye, double
     return path + "Z";
 }
 
-constexpr const char* s_ContourClasses[] = {"line contour s6", "line contour s2", "line contour s0",
+constexpr const char* s_ContourClasses[] = {"line contour s2", "line contour s6", "line contour s0",
                                             "line contour s3"};
 
 }  // namespace
@@ -200,8 +201,8 @@ std::string EyePictureSvg(const LinkEye& eye, const StatisticalEye& fine, SvgUse
         LayOutAxis({"received voltage", "V", Scale::Linear, -half, half}, {-half, half}, 6, false);
     std::vector<LegendEntry> legend;
     for (size_t k = 0; k < std::size(s_EyeErrorRates); ++k)
-        legend.push_back({"at " + ShortText(s_EyeErrorRates[k]), s_ContourClasses[k]});
-    SvgFrame frame("eye", "Statistical eye", legend, x, y, use, 58);
+        legend.push_back({"at " + ShortText(s_EyeErrorRates[k]), s_ContourClasses[k], false});
+    SvgFrame frame("eye", "Statistical eye", legend, x, y, use, 66);
     Cells cells = DensityCells(eye, fine, half);
     DrawDensity(&frame, cells);
     DrawColourBar(&frame);

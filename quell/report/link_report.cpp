@@ -315,6 +315,7 @@ PageTable ChannelTable(const LinkResult& result)
     PageTable table;
     table.heads = {"column", "loss at " + UnitText(result.grid.Nyquist(), "Hz"), "delay", "ports",
                    "channel"};
+    table.words = true;
     for (size_t k = 0; k < result.columns.size(); ++k) {
         const Column& channel = result.columns[k].channel;
         const std::string pointer = "/columns/" + std::to_string(k) + "/";

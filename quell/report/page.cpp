@@ -62,7 +62,8 @@ void Page::Facts(const std::vector<PageFact>& facts)
 void Page::Table(const PageTable& table)
 {
     Figures(false);
-    m_Content += "<div class=\"scroll\"><table class=\"figures\"><thead><tr>";
+    m_Content += "<div class=\"scroll\"><table class=\"" +
+                 std::string(table.words ? "words" : "figures") + "\"><thead><tr>";
     for (const std::string& head : table.heads)
         m_Content += "<th scope=\"col\">" + Escaped(head) + "</th>";
     m_Content += "</tr></thead><tbody>\n";

@@ -21,6 +21,7 @@ struct PageCell {
 struct PageTable {
     std::vector<std::string> heads;
     std::vector<std::vector<PageCell>> rows;  // the first cell is the row's name
+    bool words = false;                       // more words than numbers: aligned to the left
 };
 
 // One line of a list of settings or results.

@@ -79,11 +79,13 @@
     }
 
     function drawMarks(plot, context, area, graph) {
+        // toDomXCoord knows no logarithms.
+        function xAt(value) { return area.x + graph.toPercentXCoord(value) * area.w; }
         context.save();
         context.font = '11px sans-serif';
         plot.bands.forEach(function (band) {
-            var left = Math.max(area.x, graph.toDomXCoord(band.from));
-            var right = Math.min(area.x + area.w, graph.toDomXCoord(band.to));
+            var left = Math.max(area.x, xAt(band.from));
+            var right = Math.min(area.x + area.w, xAt(band.to));
             if (right < area.x || left > area.x + area.w) return;
             context.fillStyle = colourOf('band' + (band.warning ? ' warning' : ''));
             context.globalAlpha = 0.18;
@@ -98,7 +100,7 @@
         plot.marks.forEach(function (mark) {
             context.beginPath();
             if (mark.direction === 'x') {
-                var x = graph.toDomXCoord(mark.at);
+                var x = xAt(mark.at);
                 if (x < area.x || x > area.x + area.w) return;
                 context.moveTo(x, area.y);
                 context.lineTo(x, area.y + area.h);
@@ -110,8 +112,8 @@
                 if (y < area.y || y > area.y + area.h) return;
                 context.moveTo(area.x, y);
                 context.lineTo(area.x + area.w, y);
-                context.textAlign = 'right';
-                context.fillText(mark.label, area.x + area.w - 4, y - 4);
+                context.textAlign = 'center';
+                context.fillText(mark.label, area.x + 0.7 * area.w, y - 4);
             }
             context.stroke();
         });

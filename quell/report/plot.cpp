@@ -148,7 +148,8 @@ void DrawMarks(SvgFrame* frame, const LinePlot& plot)
             if (!(y >= frame->Top() - 0.5 && y <= frame->Bottom() + 0.5)) continue;
             frame->Add(SvgPath("markline", "M" + Coordinate(SvgFrame::Left) + " " + Coordinate(y) +
                                                "H" + Coordinate(frame->Right())));
-            frame->Add(SvgText(frame->Right() - 4, y - 4, "end", "mark", mark.label));
+            frame->Add(SvgText(SvgFrame::Left + 0.7 * frame->Width(), y - 4, "middle", "mark",
+                               mark.label));
         }
     }
 }
@@ -204,7 +205,7 @@ std::string PlotSvg(const LinePlot& plot, SvgUse use)
 {
     std::vector<LegendEntry> legend;
     for (const PlotSeries& series : plot.series)
-        legend.push_back({series.name, Classes(series)});
+        legend.push_back({series.name, Classes(series), series.stroke == Stroke::Points});
     const Layout layout = LayOut(plot);
     SvgFrame frame(plot.id, plot.title, legend, layout.x, layout.y, use);
     DrawBands(&frame, plot);

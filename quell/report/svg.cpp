@@ -74,7 +74,9 @@ void SvgFrame::DrawLegend(const std::vector<LegendEntry>& legend)
             x = Left;
             y += s_LegendRow;
         }
-        m_Content += SvgPath(entry.classes, "M" + Coordinate(x) + " " + Coordinate(y - 4) + "h22");
+        m_Content += SvgPath(entry.classes,
+                             entry.dot ? "M" + Coordinate(x + 11) + " " + Coordinate(y - 4) + "h0"
+                                       : "M" + Coordinate(x) + " " + Coordinate(y - 4) + "h22");
         m_Content += SvgText(x + 27, y, "start", "legend", name);
         x += width + 8;
     }

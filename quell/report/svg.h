@@ -13,6 +13,7 @@ namespace quell {
 struct LegendEntry {
     std::string name;
     std::string classes;  // of the sample line
+    bool dot = false;     // or sample dot
 };
 
 // A picture under construction: the frame knows where the axes lie.
@@ -37,7 +38,7 @@ public:
     void EndClip() { m_Content += "</g>\n"; }
     std::string Finish() const { return m_Content + "</svg>\n"; }
 
-    static constexpr double Left = 62;
+    static constexpr double Left = 68;
 
 private:
     void DrawLegend(const std::vector<LegendEntry>& legend);

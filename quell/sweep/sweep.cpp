@@ -225,6 +225,7 @@ SweepResult RunSweep(const std::vector<std::string>& channels,
         setups.push_back(ResolveModel(model));
         result.strings.push_back(setups.back().parameters);
     }
+    result.model = setups.front().model;
     std::vector<ImpulseMatrix> matrices;
     for (const std::string& channel : channels)
         matrices.push_back(BuildImpulseMatrix(channel, link.aggressors, link.channel));

@@ -41,6 +41,7 @@ struct SweepChannel {
 
 struct SweepResult {
     double errorRate = 0;
+    std::string model;  // the file
     std::vector<SweptParameter> parameters;
     std::vector<std::vector<std::string>> grid;
     std::vector<std::string> strings;  // what the model gets, of each point of the grid
