@@ -378,6 +378,8 @@ GTEST_TEST(DrvSh, Schedules)
          "a 0 NA 0 NA\nb 1n 3n NA NA\na NA 0 NA 1n\nb NA NA 1n 2n\nb 1n 2n 1n 2n\n",
          "N3014 N3014 N3014"},
         {"columns", "4.2", "a 0 NA 0\na 0 NA 0 NA 0\na 0 NA 0 NA\n", "E3002@13 E3002@14"},
+        {"name of 41", "4.2", "a1234567890123456789012345678901234567890 0 NA 0 NA\n",
+         "E3003@13 E3005"},
         {"none", "4.2", "", "E3004@13"},
         {"delays", "4.2", "b x NA 0 NA\nb -1n NA 0 NA\n", "E2100@13 E2101@14 N3014 N3014"},
         {"not defined", "4.2", "c 0 NA 0 NA\n", "E3005"},
