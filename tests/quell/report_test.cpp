@@ -253,7 +253,9 @@ GTEST_TEST(Report, CommandsWriteReportsOrSayWhyNot)
                  "/tests/models/test_model.so --set do=no_numbers --html " +
                  page);
     EXPECT_EQ(0, noNumbers.exitCode) << noNumbers.err;
-    EXPECT_EQ(0,
-              RunQuell("sweep loss:8dB@2.5GHz --set a=x,y --set b=1:3:1 --html " + page).exitCode);
+    EXPECT_EQ(0, RunQuell("sweep loss:8dB@2.5GHz --model " QUELL_BINARY_DIR
+                          "/tests/models/test_model.so --set a=x,y --set b=1:3:1 --html " +
+                          page)
+                     .exitCode);
     EXPECT_EQ(6u, Count(ReadFile(page), "<tr><th>a="));
 }
