@@ -13,6 +13,8 @@ namespace quell {
 // its exit code; a CommandError passes through.
 using AddCommand = void (*)(CLI::App& app, int& exitCode);
 
+void AddCheck(CLI::App& app, int& exitCode);
+void AddParams(CLI::App& app, int& exitCode);
 void AddRun(CLI::App& app, int& exitCode);
 void AddSweep(CLI::App& app, int& exitCode);
 

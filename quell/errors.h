@@ -9,10 +9,11 @@ namespace quell {
 
 enum ExitCode {
     EXIT_DONE = 0,
-    EXIT_FINDINGS = 1,      // a check found errors
-    EXIT_BAD_INPUT = 2,     // wrong usage or unreadable input
-    EXIT_MODEL_FAILED = 3,  // the model reported failure
-    EXIT_MODEL_BROKEN = 4,  // the model crashed or did not come to an end
+    EXIT_FINDINGS = 1,       // a check found errors
+    EXIT_BAD_INPUT = 2,      // wrong usage or unreadable input
+    EXIT_READER_FAILED = 3,  // the reader of a file crashed or did not come to an end
+    EXIT_MODEL_FAILED = 3,   // the model reported failure
+    EXIT_MODEL_BROKEN = 4,   // the model crashed or did not come to an end
 };
 
 // Ends a command with one line on standard error and its exit code.

@@ -7,7 +7,7 @@
 
 #include "quell/errors.h"
 #include "quell/eye/pulse.h"
-#include "quell/lines.h"
+#include "quell/params/ami_file.h"
 #include "quell/paths.h"
 
 namespace quell {
@@ -22,6 +22,12 @@ bool Exists(const std::string& path)
     return std::filesystem::exists(path, error);
 }
 
+std::string Reason(const AmiFile& file)
+{
+    return file.problems.empty() ? "its root has no name" : file.problems.front();
+}
+
+// The root name of the parameter string. Settings that the parameter file does not know end here.
 std::string FindRoot(const ModelOptions& options, ModelSetup& setup)
 {
     const std::string beside =
@@ -32,10 +38,13 @@ std::string FindRoot(const ModelOptions& options, ModelSetup& setup)
                                  stem);
         return stem;
     }
-    const std::string ami = options.ami.value_or(beside);
-    const std::optional<std::string> root = RootName(ReadTextFile(ami));
-    if (!root) throw InputError(ami, 0, "no parameter tree: it does not begin with (NAME");
-    return *root;
+    const AmiFile ami = ReadAmiFile(options.ami.value_or(beside));
+    if (ami.root.empty()) throw InputError(ami.file, 0, "no parameter tree: " + Reason(ami));
+    for (const std::string& problem : ami.problems)
+        setup.warnings.push_back(ami.file + ": " + problem);
+    const std::vector<std::string> objections = CheckSettings(options.settings, ami);
+    setup.warnings.insert(setup.warnings.end(), objections.begin(), objections.end());
+    return ami.root;
 }
 
 std::vector<double> Slice(const std::vector<double>& matrix, size_t rows, size_t column)

@@ -10,6 +10,8 @@ namespace {
 constexpr quell::AddCommand s_Commands[] = {
     quell::AddRun,
     quell::AddSweep,
+    quell::AddCheck,
+    quell::AddParams,
 };
 
 int ReportError(const char* text, int code)

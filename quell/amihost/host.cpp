@@ -28,6 +28,7 @@
 #include "quell/errors.h"
 #include "quell/lines.h"
 #include "quell/numbers.h"
+#include "quell/signal_name.h"
 
 namespace quell {
 
@@ -87,21 +88,6 @@ struct Report {
     SharedText message;  // or why the model was not loaded
     SharedText parametersOut;
 };
-
-const char* SignalName(int number)
-{
-    static constexpr struct {
-        int number;
-        const char* name;
-    } names[] = {
-        {SIGSEGV, "SIGSEGV"}, {SIGABRT, "SIGABRT"}, {SIGBUS, "SIGBUS"},   {SIGFPE, "SIGFPE"},
-        {SIGILL, "SIGILL"},   {SIGKILL, "SIGKILL"}, {SIGTERM, "SIGTERM"}, {SIGPIPE, "SIGPIPE"},
-        {SIGTRAP, "SIGTRAP"}, {SIGSYS, "SIGSYS"},   {SIGXCPU, "SIGXCPU"}, {SIGALRM, "SIGALRM"},
-    };
-    for (const auto& row : names)
-        if (row.number == number) return row.name;
-    return "a signal";
-}
 
 void Share(SharedText& shared, const char* text)
 {

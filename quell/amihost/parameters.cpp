@@ -120,30 +120,6 @@ std::string BuildParameterString(const std::string& root, const std::vector<Sett
     return text;
 }
 
-std::optional<std::string> RootName(std::string_view amiText)
-{
-    bool opened = false;
-    LineWalker lines(amiText);
-    std::string_view line;
-    while (lines.Next(line)) {
-        line = line.substr(0, line.find('|'));
-        std::string_view token = NextToken(line);
-        if (token.empty()) continue;
-        if (!opened) {
-            if (token.front() != '(') return std::nullopt;
-            opened = true;
-            token.remove_prefix(1);
-            if (token.empty()) token = NextToken(line);
-            if (token.empty()) continue;
-        }
-        token = token.substr(0, token.find_first_of("()\""));
-        if (token.empty() || std::any_of(token.begin(), token.end(), SyntaxOrBlank))
-            return std::nullopt;
-        return std::string(token);
-    }
-    return std::nullopt;
-}
-
 std::string ModelStem(const std::string& model)
 {
     return std::filesystem::path(model).stem().string();

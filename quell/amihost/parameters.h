@@ -3,7 +3,6 @@
 #ifndef QUELL_AMIHOST_PARAMETERS_H
 #define QUELL_AMIHOST_PARAMETERS_H
 
-#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -25,10 +24,6 @@ Setting ParseSetting(std::string_view text);
 // before the first dot is taken as such. Throws InputError for a name given twice or used both as
 // branch and as leaf, and for a root name that is none.
 std::string BuildParameterString(const std::string& root, const std::vector<Setting>& settings);
-
-// The name behind the first parenthesis of a parameter file's text, comments ("|" to the end of
-// the line) left out. Empty when there is none.
-std::optional<std::string> RootName(std::string_view amiText);
 
 // The model's file name without folder and extension.
 std::string ModelStem(const std::string& model);

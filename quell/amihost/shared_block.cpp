@@ -1,4 +1,4 @@
-// Memory that a model's process shares with its host, its end guarded.
+// Memory that a process shares with the one that started it, its end guarded.
 #include "quell/amihost/shared_block.h"
 
 #include <sys/mman.h>
@@ -16,7 +16,7 @@ SharedBlock::SharedBlock(size_t size)
     m_Mapping = mmap(nullptr, m_Length, PROT_NONE, MAP_SHARED | MAP_ANONYMOUS, -1, 0);
     char* const begin = static_cast<char*>(m_Mapping) + page;
     if (m_Mapping == MAP_FAILED || mprotect(begin, inner, PROT_READ | PROT_WRITE) != 0)
-        throw CommandError(EXIT_MODEL_BROKEN, "no memory to share with the model's process");
+        throw CommandError(EXIT_MODEL_BROKEN, "no memory to share with a process");
     // Down to 16 bytes, the alignment that malloc gives.
     m_Data = begin + (inner - size) / 16 * 16;
 }

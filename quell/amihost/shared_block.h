@@ -1,4 +1,4 @@
-// Memory that a model's process shares with its host, its end guarded.
+// Memory that a process shares with the one that started it, its end guarded.
 #ifndef QUELL_AMIHOST_SHARED_BLOCK_H
 #define QUELL_AMIHOST_SHARED_BLOCK_H
 

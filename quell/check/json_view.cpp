@@ -1,0 +1,71 @@
+// Findings as JSON, for programs.
+#include "quell/check/json_view.h"
+
+namespace quell {
+
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+Json FindingJson(const Finding& finding)
+{
+    Json json;
+    json["file"] = finding.file;
+    json["line"] = finding.line == 0 ? Json(nullptr) : Json(finding.line);
+    json["severity"] = WordOf(finding.severity).one;
+    json["number"] = finding.number;
+    json["asked"] = finding.asked;
+    json["text"] = finding.text;
+    return json;
+}
+
+template <typename Counts>
+void AddCounts(Json& json, const Counts& counts)
+{
+    for (size_t k = 0; k < counts.size(); ++k)
+        json[WordOf(static_cast<Severity>(k)).many] = counts[k];
+}
+
+Json OrNull(const std::string& text)
+{
+    return text.empty() ? Json(nullptr) : Json(text);
+}
+
+}  // namespace
+
+Json ReportJson(const FileReport& report)
+{
+    Json json;
+    json["file"] = report.name;
+    json["type"] = OrNull(report.type);
+    json["status"] = StatusWord(report.status);
+    json["reason"] = OrNull(report.reason);
+    json["declared_version"] = OrNull(report.declared);
+    json["checked_as"] = OrNull(report.checkedAs);
+    AddCounts(json, report.counts);
+    Json findings = Json::array();
+    for (const Finding& finding : report.findings)
+        findings.push_back(FindingJson(finding));
+    json["findings"] = std::move(findings);
+    return json;
+}
+
+Json TotalsJson(const Totals& totals)
+{
+    Json json;
+    json["files"] = totals.files;
+    json["without_errors"] = totals.inOrder;
+    json["with_errors"] = totals.withErrors;
+    json["beyond_known_version"] = totals.beyond;
+    json["not_read"] = totals.notRead;
+    json["reader_failed"] = totals.failed;
+    AddCounts(json, totals.counts);
+    return json;
+}
+
+std::string JsonPiece(const Json& json)
+{
+    return json.dump(2, ' ', true, Json::error_handler_t::replace);
+}
+
+}  // namespace quell

@@ -1,0 +1,39 @@
+// The check of one file: its run in a process of its own, and what comes back from there.
+#ifndef QUELL_CHECK_READ_FILE_H
+#define QUELL_CHECK_READ_FILE_H
+
+#include "quell/check/report.h"
+#include "quell/reader/child.h"
+#include "quell/reader/opening.h"
+
+namespace quell {
+
+// The whole run of the library over one file, its messages as frames. A file that declares a
+// version beyond the known ones is not checked, unless the opening tells the version.
+int SendFindings(const Opening& opening, FrameWriter& writer);
+
+// The same run as the library shows it, banner and totals included, on standard output. Returns the
+// number of bugs and errors.
+int PrintClassic(const Opening& opening);
+
+// Builds the report from the frames of SendFindings.
+class ReportReceiver {
+public:
+    // The report's name and type are set already.
+    ReportReceiver(FileReport& report, size_t limit) : m_Report(report), m_Findings(report, limit)
+    {
+    }
+    void Receive(FrameFields frame);
+    void End(const ChildEnd& end);
+
+private:
+    FileReport& m_Report;
+    FindingCollector m_Findings;
+};
+
+// Why a file of a version after 5.0 is not checked.
+std::string BeyondText(const std::string& version);
+
+}  // namespace quell
+
+#endif

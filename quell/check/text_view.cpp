@@ -1,0 +1,188 @@
+// Findings as text for people.
+#include "quell/check/text_view.h"
+
+#include <algorithm>
+#include <cstdio>
+
+#include "quell/check/source_lines.h"
+#include "quell/printable.h"
+
+namespace quell {
+
+namespace {
+
+constexpr size_t s_Window = 100;  // columns of a source line
+constexpr size_t s_Before = 30;   // of them before what is pointed at
+constexpr const char* s_Indent = "    ";
+
+constexpr const char* s_Plain = "\x1b[0m";
+constexpr const char* s_Bold = "\x1b[1m";
+constexpr const char* s_Red = "\x1b[1;31m";
+constexpr const char* s_Green = "\x1b[1;32m";
+constexpr const char* s_Yellow = "\x1b[1;33m";
+constexpr const char* s_Cyan = "\x1b[1;36m";
+
+// By severity.
+constexpr const char* s_Colours[s_SeverityCount] = {s_Red,    s_Red,  s_Yellow,
+                                                    s_Yellow, s_Cyan, s_Cyan};
+
+using Lines = std::map<unsigned long, std::string>;
+
+class Paint {
+public:
+    explicit Paint(bool colour) : m_Colour(colour) {}
+    std::string operator()(const char* colour, const std::string& text) const
+    {
+        return m_Colour ? colour + text + s_Plain : text;
+    }
+
+private:
+    bool m_Colour;
+};
+
+std::string NumberText(unsigned number)
+{
+    char text[32];
+    std::snprintf(text, sizeof text, "[%04u]", number);
+    return text;
+}
+
+std::string Heading(const Finding& finding)
+{
+    const std::string word = WordOf(finding.severity).one;
+    return finding.number == 0 && finding.asked == 0 ? word : word + NumberText(finding.number);
+}
+
+// Some messages are reports of several lines.
+std::string MessageText(const std::string& text)
+{
+    std::string message;
+    size_t end = text.size();
+    while (end > 0 && text[end - 1] == '\n')
+        --end;
+    for (size_t begin = 0; begin <= end;) {
+        const size_t stop = std::min(text.find('\n', begin), end);
+        message += (begin == 0 ? "" : std::string("\n") + s_Indent) +
+                   Printable(std::string_view(text).substr(begin, stop - begin));
+        begin = stop + 1;
+    }
+    return message;
+}
+
+// The part of the line around what is pointed at, and the caret under it.
+std::string SourceText(const std::string& line, const std::string& message, const Paint& paint)
+{
+    const Span span = FindQuoted(message, line);
+    const std::string before = Printable(std::string_view(line).substr(0, span.begin));
+    const std::string quoted = Printable(std::string_view(line).substr(span.begin, span.size));
+    const std::string shown =
+        before + quoted + Printable(std::string_view(line).substr(span.begin + span.size));
+    size_t column = PrintedWidth(before);
+    // Windows are cut between characters; the text may hold some of several bytes.
+    std::string window;
+    const size_t first = column > s_Window - s_Before ? column - s_Before : 0;
+    size_t place = 0;
+    bool more = false;
+    for (const char c : shown) {
+        const bool starts = (static_cast<unsigned char>(c) & 0xC0U) != 0x80;
+        if (starts) ++place;
+        more = place > first + s_Window;
+        if (more) break;
+        if (place > first) window += c;
+    }
+    std::string text =
+        s_Indent + std::string(first > 0 ? "..." : "") + window + (more ? "..." : "") + "\n";
+    if (span.size == 0) return text;
+    column = column - first + (first > 0 ? 3 : 0);
+    const size_t width = std::min(PrintedWidth(quoted), s_Window);
+    return text + s_Indent + std::string(column, ' ') +
+           paint(s_Green, "^" + std::string(width - 1, '~')) + "\n";
+}
+
+std::string FindingText(const Finding& finding, const Lines& lines, const Paint& paint)
+{
+    std::string place = Printable(finding.file) + ":";
+    if (finding.line != 0) place += std::to_string(finding.line) + ":";
+    const char* colour = s_Colours[static_cast<size_t>(finding.severity)];
+    std::string text = paint(s_Bold, place) + " " + paint(colour, Heading(finding) + ":") + " " +
+                       MessageText(finding.text) + "\n";
+    const auto line = lines.find(finding.line);
+    if (line != lines.end() && !Printable(line->second).empty())
+        text += SourceText(line->second, finding.text, paint);
+    return text;
+}
+
+// The lines that the findings of one file name.
+Lines LinesOf(const FileReport& report, const std::string& file, const std::string& path)
+{
+    std::set<unsigned long> numbers;
+    for (const Finding& finding : report.findings)
+        if (finding.line != 0 && finding.file == file) numbers.insert(finding.line);
+    return ReadLines(path, numbers);
+}
+
+std::string Summary(const FileReport& report)
+{
+    switch (report.status) {
+        case FileStatus::Checked:
+            return CountsText(report.counts) +
+                   (report.checkedAs.empty() ? "" : ", checked as " + report.checkedAs);
+        case FileStatus::Failed:
+            return CountsText(report.counts) + " before the reader stopped";
+        default:
+            return Printable(report.reason);
+    }
+}
+
+}  // namespace
+
+std::string ReportText(const FileReport& report, const std::string& path, bool colour)
+{
+    const Paint paint(colour);
+    std::map<std::string, Lines> lines;
+    std::map<std::pair<std::string, unsigned>, size_t> left;
+    for (const Finding& finding : report.findings) {
+        ++left[{finding.file, finding.number}];
+        if (!lines.contains(finding.file))
+            lines[finding.file] =
+                LinesOf(report, finding.file, finding.file == report.name ? path : finding.file);
+    }
+    std::string text;
+    for (const Finding& finding : report.findings) {
+        text += FindingText(finding, lines[finding.file], paint);
+        const std::pair<std::string, unsigned> key(finding.file, finding.number);
+        const auto more = report.more.find(key);
+        if (--left[key] == 0 && more != report.more.end())
+            text += Printable(finding.file) + ": ... and " + std::to_string(more->second) +
+                    " more of " + Heading(finding) + "\n";
+    }
+    if (report.status == FileStatus::Failed) {
+        std::string place = Printable(report.failedFile) + ":";
+        if (report.failedLine != 0) place += std::to_string(report.failedLine) + ":";
+        text += paint(s_Bold, place) + " " + paint(s_Red, "failure:") + " " +
+                Printable(report.reason) + "\n";
+    }
+    return text + paint(s_Bold, Printable(report.name) + ":") + " " + Summary(report) + "\n";
+}
+
+std::string TotalsText(const Totals& totals)
+{
+    const struct {
+        size_t count;
+        const char* text;
+    } parts[] = {
+        {totals.inOrder, "without errors"},         {totals.withErrors, "with errors"},
+        {totals.beyond, "of a version after 5.0"},  {totals.notRead, "not read"},
+        {totals.failed, "that stopped the reader"},
+    };
+    std::string text = std::to_string(totals.files) + (totals.files == 1 ? " file" : " files");
+    const char* between = ": ";
+    for (const auto& part : parts) {
+        if (part.count == 0) continue;
+        text += between + std::to_string(part.count) + " " + part.text;
+        between = ", ";
+    }
+    return text + "; " + CountsText(totals.counts) + "\n";
+}
+
+}  // namespace quell
