@@ -21,10 +21,18 @@ bool Quote(char c)
     return c == '\'' || c == '"';
 }
 
+// Messages show keywords with "_" for blanks.
+bool Alike(char a, char b)
+{
+    return a == b || (a == '_' && b == ' ') || (a == ' ' && b == '_');
+}
+
 Span Find(std::string_view text, std::string_view line)
 {
-    const size_t place = text.empty() ? std::string_view::npos : line.find(text);
-    return place == std::string_view::npos ? Span{} : Span{place, text.size()};
+    if (text.empty()) return {};
+    const auto place = std::search(line.begin(), line.end(), text.begin(), text.end(), Alike);
+    if (place == line.end()) return {};
+    return {static_cast<size_t>(place - line.begin()), text.size()};
 }
 
 std::string_view Trimmed(std::string_view text)

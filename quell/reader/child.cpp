@@ -109,6 +109,7 @@ void StartClock(double limit)
         note->done = true;
     } catch (const std::exception& error) {
         // Ends like a failed assertion: with its reason in the last line.
+        writer.Flush();
         std::printf("\n%s\n", error.what());
         std::fflush(nullptr);
         _exit(1);

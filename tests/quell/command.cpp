@@ -7,11 +7,11 @@
 #include <fstream>
 #include <sstream>
 
-CommandResult RunQuell(const std::string& arguments)
+CommandResult RunQuell(const std::string& arguments, const std::string& input)
 {
     const ScratchFolder scratch;
     const std::string line = QUELL_BINARY_DIR "/bin/quell " + arguments + " >" +
-                             scratch.Path("out") + " 2>" + scratch.Path("err") + " </dev/null";
+                             scratch.Path("out") + " 2>" + scratch.Path("err") + " <" + input;
     const int status = std::system(line.c_str());
     CommandResult result;
     result.exitCode = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);

@@ -11,8 +11,8 @@ struct CommandResult {
     std::string err;
 };
 
-// Runs build/bin/quell with the arguments as a shell takes them.
-CommandResult RunQuell(const std::string& arguments);
+// Runs build/bin/quell with the arguments as a shell takes them, with a file as standard input.
+CommandResult RunQuell(const std::string& arguments, const std::string& input = "/dev/null");
 
 std::string ReadFile(const std::filesystem::path& path);
 

@@ -52,27 +52,5 @@ GTEST_TEST(Parameters, SettingsBecomeATree)
     EXPECT_THROW(BuildParameterString("my model", {}), InputError);
 }
 
-GTEST_TEST(Parameters, RootNameOfAParameterFile)
-{
-    static const struct {
-        const char* text;
-        std::optional<std::string> root;
-    } rows[] = {
-        {"(Tx (Reserved_Parameters))", "Tx"},
-        {"| (Not this)\r\n\n  (Tx\r\n(a 1))", "Tx"},
-        {"( | name below\n\n  Tx(a 1))", "Tx"},
-        {"(Tx)", "Tx"},
-        {"", std::nullopt},
-        {"| nothing", std::nullopt},
-        {"Tx (a 1)", std::nullopt},
-        {"((a 1))", std::nullopt},
-        {"(\"Tx\")", std::nullopt},
-        {"(\x01)", std::nullopt},
-    };
-    for (const auto& row : rows)
-        EXPECT_EQ(RootName(row.text), row.root) << row.text;
-    EXPECT_EQ(ModelStem("/a/b/tx.v2.so"), "tx.v2");
-}
-
 }  // namespace
 }  // namespace quell
