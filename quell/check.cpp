@@ -10,6 +10,7 @@
 #include "quell/check/json_view.h"
 #include "quell/check/progress.h"
 #include "quell/check/read_file.h"
+#include "quell/check/spool.h"
 #include "quell/check/text_view.h"
 #include "quell/commands.h"
 #include "quell/errors.h"
@@ -62,7 +63,7 @@ struct RunningFile {
     FileReport report;
     std::unique_ptr<ReportReceiver> receiver;
     FrameReader frames;
-    std::string printed;           // classic, until it is its turn
+    Spool waiting;                 // printed text or findings as JSON, until it is its turn
     std::filesystem::path folder;  // private, for another name or version
 };
 
@@ -83,7 +84,7 @@ public:
         RunQueue(m_Files.size(), Jobs(), *this);
         m_Progress.Clear();
         if (m_Options.format == Format::Json)
-            std::cout << "\n],\n\"total\": " << JsonPiece(TotalsJson(m_Totals)) << "\n}\n";
+            std::cout << "\n],\n\"total\": " << JsonLine(TotalsJson(m_Totals)) << "\n}\n";
         if (m_Options.format == Format::Text) std::cout << TotalsText(m_Totals);
         return m_Totals.ExitCode();
     }
@@ -102,8 +103,14 @@ public:
         running.report.type = TypeWord(file.type);
         running.report.checkedAs = m_Options.version;
         const bool classic = m_Options.format == Format::Classic;
-        const size_t limit = m_Options.format == Format::Json ? SIZE_MAX : s_ShownPerNumber;
-        running.receiver = std::make_unique<ReportReceiver>(running.report, limit);
+        const bool json = m_Options.format == Format::Json;
+        running.receiver =
+            std::make_unique<ReportReceiver>(running.report, json ? 0 : s_ShownPerNumber);
+        if (json)
+            running.receiver->TellEach([&waiting = running.waiting](const Finding& finding) {
+                waiting.Append((waiting.Empty() ? "\n  " : ",\n  ") +
+                               JsonLine(FindingJson(finding)));
+            });
         const Opening opening = OpeningOf(file, task, running.folder);
         return std::make_unique<Child>(
             [&opening, classic](FrameWriter& writer) {
@@ -119,11 +126,10 @@ public:
             running.frames.Receive(
                 bytes, [&running](FrameFields frame) { running.receiver->Receive(frame); });
         } else if (task == m_Totals.files) {
-            Print(running.printed);
-            running.printed.clear();
+            PrintWaiting(running);
             Print(bytes);
         } else {
-            running.printed += bytes;
+            running.waiting.Append(bytes);
         }
     }
 
@@ -140,17 +146,20 @@ public:
 
     void Finish(size_t task) override
     {
-        const RunningFile& running = *m_Running[task];
+        RunningFile& running = *m_Running[task];
         const FileReport& report = running.report;
         switch (m_Options.format) {
             case Format::Text:
                 Print(ReportText(report, m_Files[task].path, m_Colour));
                 break;
             case Format::Json:
-                Print((task == 0 ? "\n" : ",\n") + JsonPiece(ReportJson(report)));
+                Print((task == 0 ? "\n" : ",\n") + ReportHead(report));
+                if (report.status == FileStatus::Beyond) running.waiting.Clear();
+                PrintWaiting(running);
+                Print(s_ReportTail);
                 break;
             case Format::Classic:
-                Print(running.printed);
+                PrintWaiting(running);
                 if (!report.reason.empty()) {
                     std::cout.flush();
                     m_Progress.Clear();
@@ -177,6 +186,11 @@ private:
         if (text.empty()) return;
         m_Progress.Clear();
         std::cout << text;
+    }
+
+    void PrintWaiting(RunningFile& running)
+    {
+        running.waiting.Pour([this](std::string_view text) { Print(text); });
     }
 
     // The classic output shows the reader as it is, so that a wrong extension stays one there.

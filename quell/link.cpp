@@ -7,7 +7,6 @@
 
 #include "quell/errors.h"
 #include "quell/eye/pulse.h"
-#include "quell/params/ami_file.h"
 #include "quell/paths.h"
 
 namespace quell {
@@ -28,22 +27,21 @@ std::string Reason(const AmiFile& file)
 }
 
 // The root name of the parameter string. Settings that the parameter file does not know end here.
-std::string FindRoot(const ModelOptions& options, ModelSetup& setup)
+std::string FindRoot(const ModelFiles& files, const std::vector<Setting>& settings,
+                     std::vector<std::string>& warnings)
 {
-    const std::string beside =
-        std::filesystem::path(setup.model).replace_extension(".ami").string();
-    if (!options.ami && !Exists(beside)) {
-        std::string stem = ModelStem(setup.model);
-        setup.warnings.push_back("no parameter file " + beside + ": the root name is taken to be " +
-                                 stem);
+    if (!files.ami) {
+        std::string stem = ModelStem(files.model);
+        warnings.push_back("no parameter file " + files.amiPath +
+                           ": the root name is taken to be " + stem);
         return stem;
     }
-    const AmiFile ami = ReadAmiFile(options.ami.value_or(beside));
+    const AmiFile& ami = *files.ami;
     if (ami.root.empty()) throw InputError(ami.file, 0, "no parameter tree: " + Reason(ami));
     for (const std::string& problem : ami.problems)
-        setup.warnings.push_back(ami.file + ": " + problem);
-    const std::vector<std::string> objections = CheckSettings(options.settings, ami);
-    setup.warnings.insert(setup.warnings.end(), objections.begin(), objections.end());
+        warnings.push_back(ami.file + ": " + problem);
+    const std::vector<std::string> objections = CheckSettings(settings, ami);
+    warnings.insert(warnings.end(), objections.begin(), objections.end());
     return ami.root;
 }
 
@@ -82,15 +80,32 @@ double MeasureEye(const std::vector<ResponseFigures*>& columns, const TimeGrid& 
 
 }  // namespace
 
-ModelSetup ResolveModel(const ModelOptions& options)
+ModelFiles FindModel(const ModelOptions& options)
+{
+    ModelFiles files;
+    files.model = options.model.empty() ? KitFile(s_KitModel) : options.model;
+    if (!Exists(files.model)) throw InputError(files.model, 0, "no such model file");
+    files.amiPath =
+        options.ami.value_or(std::filesystem::path(files.model).replace_extension(".ami").string());
+    if (!options.parameters && (options.ami || Exists(files.amiPath)))
+        files.ami = ReadAmiFile(files.amiPath);
+    return files;
+}
+
+ModelSetup SetUpModel(const ModelFiles& files, const ModelOptions& options)
 {
     ModelSetup setup;
-    setup.model = options.model.empty() ? KitFile(s_KitModel) : options.model;
-    if (!Exists(setup.model)) throw InputError(setup.model, 0, "no such model file");
+    setup.model = files.model;
     setup.parameters = options.parameters
                            ? *options.parameters
-                           : BuildParameterString(FindRoot(options, setup), options.settings);
+                           : BuildParameterString(FindRoot(files, options.settings, setup.warnings),
+                                                  options.settings);
     return setup;
+}
+
+ModelSetup ResolveModel(const ModelOptions& options)
+{
+    return SetUpModel(FindModel(options), options);
 }
 
 LinkResult RunLink(const ImpulseMatrix& matrix, const ModelSetup& setup, double timeout)

@@ -10,6 +10,7 @@
 #include "quell/amihost/host.h"
 #include "quell/amihost/parameters.h"
 #include "quell/channel/channel.h"
+#include "quell/params/ami_file.h"
 
 namespace quell {
 
@@ -28,7 +29,18 @@ struct ModelSetup {
     std::vector<std::string> warnings;
 };
 
+// A model and its parameter file, read once for any number of settings.
+struct ModelFiles {
+    std::string model;
+    std::string amiPath;
+    std::optional<AmiFile> ami;  // empty when there is none, or none is needed
+};
+
 // Throws InputError when the model or the parameter file cannot be read.
+ModelFiles FindModel(const ModelOptions& options);
+// Throws InputError when the parameter file does not know a setting.
+ModelSetup SetUpModel(const ModelFiles& files, const ModelOptions& options);
+// Both of them.
 ModelSetup ResolveModel(const ModelOptions& options);
 
 // One column's response and what it amounts to.

@@ -7,18 +7,6 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
-Json FindingJson(const Finding& finding)
-{
-    Json json;
-    json["file"] = finding.file;
-    json["line"] = finding.line == 0 ? Json(nullptr) : Json(finding.line);
-    json["severity"] = WordOf(finding.severity).one;
-    json["number"] = finding.number;
-    json["asked"] = finding.asked;
-    json["text"] = finding.text;
-    return json;
-}
-
 template <typename Counts>
 void AddCounts(Json& json, const Counts& counts)
 {
@@ -33,7 +21,19 @@ Json OrNull(const std::string& text)
 
 }  // namespace
 
-Json ReportJson(const FileReport& report)
+Json FindingJson(const Finding& finding)
+{
+    Json json;
+    json["file"] = finding.file;
+    json["line"] = finding.line == 0 ? Json(nullptr) : Json(finding.line);
+    json["severity"] = WordOf(finding.severity).one;
+    json["number"] = finding.number;
+    json["asked"] = finding.asked;
+    json["text"] = finding.text;
+    return json;
+}
+
+std::string ReportHead(const FileReport& report)
 {
     Json json;
     json["file"] = report.name;
@@ -43,11 +43,9 @@ Json ReportJson(const FileReport& report)
     json["declared_version"] = OrNull(report.declared);
     json["checked_as"] = OrNull(report.checkedAs);
     AddCounts(json, report.counts);
-    Json findings = Json::array();
-    for (const Finding& finding : report.findings)
-        findings.push_back(FindingJson(finding));
-    json["findings"] = std::move(findings);
-    return json;
+    std::string text = JsonLine(json);
+    text.pop_back();
+    return text + ",\"findings\":[";
 }
 
 Json TotalsJson(const Totals& totals)
@@ -63,9 +61,9 @@ Json TotalsJson(const Totals& totals)
     return json;
 }
 
-std::string JsonPiece(const Json& json)
+std::string JsonLine(const Json& json)
 {
-    return json.dump(2, ' ', true, Json::error_handler_t::replace);
+    return json.dump(-1, ' ', true, Json::error_handler_t::replace);
 }
 
 }  // namespace quell

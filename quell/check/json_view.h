@@ -9,11 +9,16 @@
 namespace quell {
 
 // Texts are as the reader gave them; bytes that are no UTF-8 are replaced when it is written.
-nlohmann::ordered_json ReportJson(const FileReport& report);
+nlohmann::ordered_json FindingJson(const Finding& finding);
 nlohmann::ordered_json TotalsJson(const Totals& totals);
 
-// One value of a list or object that is written piece by piece: indented, without a line end.
-std::string JsonPiece(const nlohmann::ordered_json& json);
+// A value on one line.
+std::string JsonLine(const nlohmann::ordered_json& json);
+
+// The object of a report up to its list of findings, which may be too many to be held: they follow,
+// separated by commas, and then what closes the list and the object.
+std::string ReportHead(const FileReport& report);
+inline constexpr const char* s_ReportTail = "]}";
 
 }  // namespace quell
 

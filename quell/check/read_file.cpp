@@ -133,6 +133,7 @@ void ReportReceiver::Receive(FrameFields frame)
     finding.file =
         companion.empty() ? m_Report.name : FolderOf(m_Report.name) + std::string(companion);
     finding.text = frame.Text();
+    if (m_Each) m_Each(finding);
     m_Findings.Add(std::move(finding));
 }
 

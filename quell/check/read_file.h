@@ -19,16 +19,19 @@ int PrintClassic(const Opening& opening);
 // Builds the report from the frames of SendFindings.
 class ReportReceiver {
 public:
-    // The report's name and type are set already.
+    // The report's name and type are set already. It keeps so many findings of a number.
     ReportReceiver(FileReport& report, size_t limit) : m_Report(report), m_Findings(report, limit)
     {
     }
+    // Gives every finding to a function, too, in the order in which they were found.
+    void TellEach(std::function<void(const Finding&)> each) { m_Each = std::move(each); }
     void Receive(FrameFields frame);
     void End(const ChildEnd& end);
 
 private:
     FileReport& m_Report;
     FindingCollector m_Findings;
+    std::function<void(const Finding&)> m_Each;
 };
 
 // Why a file of a version after 5.0 is not checked.

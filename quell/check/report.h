@@ -62,7 +62,7 @@ struct FileReport {
 // "2 errors, 1 warning", "no findings".
 std::string CountsText(const std::array<size_t, s_SeverityCount>& counts);
 
-// Keeps the first findings of each number and counts the others; SIZE_MAX keeps all.
+// Keeps the first findings of each number and counts the others.
 class FindingCollector {
 public:
     FindingCollector(FileReport& report, size_t limit) : m_Report(report), m_Limit(limit) {}

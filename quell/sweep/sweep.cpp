@@ -218,11 +218,12 @@ SweepResult RunSweep(const std::vector<std::string>& channels,
     result.parameters = parameters;
     result.grid = SweepGrid(parameters);
 
+    const ModelFiles files = FindModel(link.model);
     std::vector<ModelSetup> setups;
     for (const std::vector<std::string>& values : result.grid) {
         ModelOptions model = link.model;
         model.settings = SettingsAt(parameters, values);
-        setups.push_back(ResolveModel(model));
+        setups.push_back(SetUpModel(files, model));
         result.strings.push_back(setups.back().parameters);
     }
     result.model = setups.front().model;

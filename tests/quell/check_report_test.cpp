@@ -5,6 +5,7 @@
 
 #include "quell/check/progress.h"
 #include "quell/check/source_lines.h"
+#include "quell/check/spool.h"
 #include "quell/check/text_view.h"
 #include "quell/printable.h"
 #include "quell/reader/file_types.h"
@@ -193,6 +194,27 @@ GTEST_TEST(CheckReport, PrintableTextDoesNothingButShowItself)
     for (const auto& row : rows) {
         EXPECT_EQ(Printable(row.text), row.printable);
         EXPECT_EQ(PrintedWidth(Printable(row.text)), row.width) << row.printable;
+    }
+}
+
+GTEST_TEST(CheckReport, WhatWaitsComesBackWholeAndOnce)
+{
+    for (const size_t size : {size_t{0}, size_t{10}, size_t{1} << 20, size_t{5'000'003}}) {
+        Spool spool;
+        EXPECT_TRUE(spool.Empty());
+        std::string expected;
+        for (size_t k = 0; expected.size() < size; ++k) {
+            const std::string piece = std::to_string(k) + std::string(k % 1000, 'x');
+            spool.Append(piece);
+            expected += piece;
+        }
+        std::string text;
+        const auto take = [&text](std::string_view piece) { text += piece; };
+        spool.Pour(take);
+        EXPECT_EQ(text, expected) << size;
+        spool.Append("again");
+        spool.Pour(take);
+        EXPECT_EQ(text.substr(expected.size()), "again") << size;
     }
 }
 
