@@ -15,6 +15,7 @@ using AddCommand = void (*)(CLI::App& app, int& exitCode);
 
 void AddCheck(CLI::App& app, int& exitCode);
 void AddParams(CLI::App& app, int& exitCode);
+void AddInfo(CLI::App& app, int& exitCode);
 void AddRun(CLI::App& app, int& exitCode);
 void AddSweep(CLI::App& app, int& exitCode);
 

@@ -8,6 +8,7 @@
 namespace {
 
 constexpr quell::AddCommand s_Commands[] = {
+    quell::AddInfo,
     quell::AddRun,
     quell::AddSweep,
     quell::AddCheck,
