@@ -114,12 +114,16 @@ struct Assembly {
     WaitingBoard* last;
 };
 
-// The nodes of a board by designator: heads has a link for each row of the map, chain one for each
-// node; a link is the place of the node from 1.
+// The nodes of a board by designator: heads has a link for each row of the map. A link is the place
+// of a node from 1, 0 ends a chain.
+struct NodeLink {
+    const SectItem* node;
+    int next;
+};
 struct BoardNodes {
-    const SectItem** nodes;
+    NodeLink* links;
     int* heads;
-    int* chain;
+    int* tails;
     int count;
 };
 
@@ -259,8 +263,8 @@ static void s_lookUp(Assembly* assembly, const WaitingBoard* waiting, const RefD
         ERRLOG_WarnNew(4506, boardName, kind, row->component, row->name);
         return;
     }
-    for (int link = nodes->heads[row->index]; link != 0; link = nodes->chain[link - 1]) {
-        const char* pin = std::strchr(nodes->nodes[link - 1]->text, '.') + 1;
+    for (int link = nodes->heads[row->index]; link != 0; link = nodes->links[link - 1].next) {
+        const char* pin = std::strchr(nodes->links[link - 1].node->text, '.') + 1;
         if (!s_hasPin(file, part, pin)) ERRLOG_WarnNew(4506, boardName, "pin", pin, row->name);
     }
 }
@@ -284,12 +288,12 @@ static T* s_array(int count)
 template <typename T>
 static void s_freeArray(T** array)
 {
-    void* block = const_cast<void*>(static_cast<const void*>(*array));
+    void* block = *array;
     if (block != nullptr) CMN_freeSetNull(&block);
     *array = nullptr;
 }
 
-static void s_chainNode(const EbdMdl* board, BoardNodes* nodes, int* tails, const SectItem* node)
+static void s_chainNode(const EbdMdl* board, BoardNodes* nodes, const SectItem* node)
 {
     const char* period = std::strchr(node->text, '.');
     if (period == nullptr) return;
@@ -297,35 +301,30 @@ static void s_chainNode(const EbdMdl* board, BoardNodes* nodes, int* tails, cons
     CMN_strncpy(name, node->text, static_cast<std::size_t>(period - node->text));
     const RefDes* row = REFDES_Find(board, name);
     if (row == nullptr) return;
-    nodes->nodes[nodes->count++] = node;
-    int* link =
-        tails[row->index] == 0 ? &nodes->heads[row->index] : &nodes->chain[tails[row->index] - 1];
-    *link = nodes->count;
-    tails[row->index] = nodes->count;
+    nodes->links[nodes->count++] = {node, 0};
+    int* tail = &nodes->tails[row->index];
+    (*tail == 0 ? nodes->heads[row->index] : nodes->links[*tail - 1].next) = nodes->count;
+    *tail = nodes->count;
 }
 
 static void s_testBoard(Assembly* assembly, const WaitingBoard* waiting)
 {
     const EbdMdl* board = waiting->board;
-    const int count = s_countNodes(board);
-    BoardNodes nodes = {s_array<const SectItem*>(count), s_array<int>(board->refDesCount),
-                        s_array<int>(count), 0};
-    int* tails = s_array<int>(board->refDesCount);
-    if (nodes.nodes != nullptr && nodes.heads != nullptr && nodes.chain != nullptr &&
-        tails != nullptr) {
+    BoardNodes nodes = {s_array<NodeLink>(s_countNodes(board)), s_array<int>(board->refDesCount),
+                        s_array<int>(board->refDesCount), 0};
+    if (nodes.links != nullptr && nodes.heads != nullptr && nodes.tails != nullptr) {
         for (const EbdPath* path = board->paths; path != nullptr; path = path->next)
             for (const SectItem* item = path->path.head; item != nullptr; item = item->next)
-                if (item->kind == SECT_NODE) s_chainNode(board, &nodes, tails, item);
+                if (item->kind == SECT_NODE) s_chainNode(board, &nodes, item);
         for (const RefDes* row = board->map; row != nullptr; row = row->next) {
             if (waiting->depth == 0 && nodes.heads[row->index] == 0)
                 ERRLOG_WarnNew(4505, board->name, row->name);
             s_lookUp(assembly, waiting, row, &nodes);
         }
     }
-    s_freeArray(&tails);
-    s_freeArray(&nodes.nodes);
+    s_freeArray(&nodes.links);
     s_freeArray(&nodes.heads);
-    s_freeArray(&nodes.chain);
+    s_freeArray(&nodes.tails);
 }
 
 static void s_freeAssembly(Assembly* assembly)

@@ -18,6 +18,7 @@ using Json = nlohmann::ordered_json;
 
 constexpr size_t s_Width = 100;  // columns
 constexpr size_t s_Rows = 10;    // of a table
+constexpr size_t s_InFull = 2;   // components and selectors of which everything is shown
 constexpr size_t s_Column = 32;  // widest column but the last
 
 using Row = std::vector<std::string>;
@@ -201,14 +202,57 @@ void PrintBoards(std::ostream& out, const Json& file)
     }
 }
 
+// What a pin's model column may name, with its kind.
+std::map<std::string, std::string> Kinds(const Json& file)
+{
+    std::map<std::string, std::string> kinds;
+    for (const Json& model : file["models"])
+        kinds.emplace(String(model["name"]), String(model["type"]));
+    for (const Json& selector : file["model_selectors"])
+        kinds.emplace(String(selector["name"]), "selector");
+    return kinds;
+}
+
+// Every component on a line, then the first one in full.
+void PrintComponents(std::ostream& out, const Json& file)
+{
+    const std::map<std::string, std::string> kinds = Kinds(file);
+    const Json& components = file["components"];
+    if (components.size() <= s_InFull) {
+        for (const Json& component : components)
+            PrintComponent(out, component, kinds);
+        return;
+    }
+    std::vector<Row> rows;
+    for (const Json& component : components)
+        rows.push_back({String(component["name"]), Count(component["pins"].size(), "pin", "pins"),
+                        Count(component["differential_pairs"].size(), "differential pair",
+                              "differential pairs"),
+                        String(component["package_model"])});
+    PrintTable(out, std::to_string(components.size()) + " components; the first in full below",
+               rows);
+    PrintComponent(out, components[0], kinds);
+}
+
 void PrintSelectors(std::ostream& out, const Json& file)
 {
-    for (const Json& selector : file["model_selectors"]) {
+    const Json& selectors = file["model_selectors"];
+    const bool inFull = selectors.size() <= s_InFull;
+    std::vector<Row> lines;
+    for (const Json& selector : selectors) {
         std::vector<Row> rows;
-        for (const Json& row : selector["models"])
+        std::vector<std::string> names;
+        for (const Json& row : selector["models"]) {
             rows.push_back({String(row["name"]), String(row["description"])});
-        PrintTable(out, "Model selector " + String(selector["name"]), rows);
+            const std::string description = String(row["description"]);
+            names.push_back(String(row["name"]) +
+                            (description.empty() ? "" : " (" + description + ")"));
+        }
+        if (inFull) PrintTable(out, "Model selector " + String(selector["name"]), rows);
+        lines.push_back(
+            {String(selector["name"]), Count(names.size(), "model", "models"), Join(names)});
     }
+    if (!inFull) PrintTable(out, "Model selectors", lines);
 }
 
 // How many models of each type, in the order in which the types first occur.
@@ -252,17 +296,6 @@ void PrintNamed(std::ostream& out, const Json& file, const char* key, const char
     PrintTable(out, title, rows);
 }
 
-// What a pin's model column may name, with its kind.
-std::map<std::string, std::string> Kinds(const Json& file)
-{
-    std::map<std::string, std::string> kinds;
-    for (const Json& model : file["models"])
-        kinds.emplace(String(model["name"]), String(model["type"]));
-    for (const Json& selector : file["model_selectors"])
-        kinds.emplace(String(selector["name"]), "selector");
-    return kinds;
-}
-
 void PrintParameters(std::ostream& out, const Json& file)
 {
     if (!file["root"].is_string()) {
@@ -298,9 +331,7 @@ std::string InfoScreen(const Json& file)
         return out.str();
     }
     PrintHeader(out, file);
-    const std::map<std::string, std::string> kinds = Kinds(file);
-    for (const Json& component : file["components"])
-        PrintComponent(out, component, kinds);
+    PrintComponents(out, file);
     PrintSelectors(out, file);
     PrintModels(out, file);
     PrintNamed(out, file, "submodels", "Submodels", {"type"});
