@@ -23,26 +23,17 @@ constexpr Severity s_Severities[] = {Severity::Bug,     Severity::Bug,        Se
                                      Severity::Caution, Severity::Caution,    Severity::Note,
                                      Severity::Note,    Severity::Information};
 
-// Where the messages of a run go.
-struct Sending {
-    FrameWriter& writer;
-    std::string ownNames[2];  // of the file: where it lies, and as the reader opened it
-};
-
-void SendRecord(const ErrRecord* record, void* user)
+void Send(FrameWriter& writer, const Finding& finding)
 {
-    Sending& sending = *static_cast<Sending*>(user);
-    const std::string_view file = record->file;
-    const bool own = file.empty() || file == sending.ownNames[0] || file == sending.ownNames[1];
-    sending.writer.Begin();
-    sending.writer.Number(FRAME_FINDING);
-    sending.writer.Number(static_cast<uint64_t>(s_Severities[record->severity]));
-    sending.writer.Number(record->asked);
-    sending.writer.Number(record->shown);
-    sending.writer.Number(record->line);
-    sending.writer.Text(own ? "" : file);
-    sending.writer.Text(record->text);
-    sending.writer.End();
+    writer.Begin();
+    writer.Number(FRAME_FINDING);
+    writer.Number(static_cast<uint64_t>(finding.severity));
+    writer.Number(finding.asked);
+    writer.Number(finding.number);
+    writer.Number(finding.line);
+    writer.Text(finding.file);
+    writer.Text(finding.text);
+    writer.End();
 }
 
 void SendBeyond(FrameWriter& writer, const std::string& version)
@@ -51,15 +42,6 @@ void SendBeyond(FrameWriter& writer, const std::string& version)
     writer.Number(FRAME_BEYOND);
     writer.Text(version);
     writer.End();
-}
-
-// The version that an IBIS, package or board file declares, when it is beyond the known ones.
-std::string BeyondInDocument(const Opening& opening)
-{
-    const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(
-        std::fopen(opening.path.c_str(), "rbe"), std::fclose);
-    const std::optional<VersionPlace> place = file ? FindVersion(file.get()) : std::nullopt;
-    return place && BeyondKnown(place->value) ? place->value : "";
 }
 
 // The same of the parameter file just read.
@@ -74,7 +56,7 @@ int Run(const Opening& opening, FrameWriter* writer)
     const bool parameters = opening.type == FILE_AMI;
     const bool told = writer == nullptr || !opening.version.empty();
     if (!told && !parameters) {
-        const std::string version = BeyondInDocument(opening);
+        const std::string version = BeyondVersion(opening);
         if (!version.empty()) {
             SendBeyond(*writer, version);
             return 0;
@@ -95,19 +77,50 @@ int Run(const Opening& opening, FrameWriter* writer)
 
 }  // namespace
 
-int SendFindings(const Opening& opening, FrameWriter& writer)
+FindingSink::FindingSink(const Opening& opening, std::function<void(Finding)> take)
+    : m_Take(std::move(take)),
+      m_OwnNames{BaseName(opening.name), LegalName(BaseName(opening.name), opening.type)},
+      m_Nowhere(std::fopen("/dev/null", "we"))
 {
-    Sending sending{writer,
-                    {BaseName(opening.name), LegalName(BaseName(opening.name), opening.type)}};
-    const std::unique_ptr<std::FILE, int (*)(std::FILE*)> nowhere(std::fopen("/dev/null", "we"),
-                                                                  std::fclose);
-    ERRLOG_SetOutputFile(nowhere.get());
-    ERRLOG_SetSink(SendRecord, &sending);
+    ERRLOG_SetOutputFile(m_Nowhere);
+    ERRLOG_SetSink(Receive, this);
     PARSE_SuppressBanners(1);
-    const int failures = Run(opening, &writer);
+}
+
+FindingSink::~FindingSink()
+{
     ERRLOG_SetSink(nullptr, nullptr);
     ERRLOG_SetOutputFile(nullptr);
-    return failures;
+    if (m_Nowhere != nullptr) std::fclose(m_Nowhere);
+}
+
+void FindingSink::Receive(const ErrRecord* record, void* user)
+{
+    const FindingSink& sink = *static_cast<FindingSink*>(user);
+    const std::string_view file = record->file;
+    const bool own = file.empty() || file == sink.m_OwnNames[0] || file == sink.m_OwnNames[1];
+    Finding finding;
+    finding.severity = s_Severities[record->severity];
+    finding.asked = record->asked;
+    finding.number = record->shown;
+    finding.file = own ? "" : file;
+    finding.line = record->line;
+    finding.text = record->text;
+    sink.m_Take(std::move(finding));
+}
+
+std::string BeyondVersion(const Opening& opening)
+{
+    const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(
+        std::fopen(opening.path.c_str(), "rbe"), std::fclose);
+    const std::optional<VersionPlace> place = file ? FindVersion(file.get()) : std::nullopt;
+    return place && BeyondKnown(place->value) ? place->value : "";
+}
+
+int SendFindings(const Opening& opening, FrameWriter& writer)
+{
+    const FindingSink sink(opening, [&writer](const Finding& finding) { Send(writer, finding); });
+    return Run(opening, &writer);
 }
 
 int PrintClassic(const Opening& opening)

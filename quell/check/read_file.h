@@ -2,11 +2,36 @@
 #ifndef QUELL_CHECK_READ_FILE_H
 #define QUELL_CHECK_READ_FILE_H
 
+#include <cstdio>
+#include <functional>
+#include <string>
+
+#include "IbisParser/errlog.h"
 #include "quell/check/report.h"
 #include "quell/reader/child.h"
 #include "quell/reader/opening.h"
 
 namespace quell {
+
+// Takes the messages of the library while it lives, in place of the log. A finding's file is empty
+// when it is the one that was opened, else the name of a companion.
+class FindingSink {
+public:
+    FindingSink(const Opening& opening, std::function<void(Finding)> take);
+    ~FindingSink();
+    FindingSink(const FindingSink&) = delete;
+    FindingSink& operator=(const FindingSink&) = delete;
+
+private:
+    static void Receive(const ErrRecord* record, void* user);
+
+    std::function<void(Finding)> m_Take;
+    std::string m_OwnNames[2];  // of the file: where it lies, and as the reader opens it
+    std::FILE* m_Nowhere;
+};
+
+// The version that an IBIS, package or board file declares, when it is beyond the known ones.
+std::string BeyondVersion(const Opening& opening);
 
 // The whole run of the library over one file, its messages as frames. A file that declares a
 // version beyond the known ones is not checked, unless the opening tells the version.
