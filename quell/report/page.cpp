@@ -18,7 +18,9 @@ std::string CellTag(const std::string& tag, const PageCell& cell, const std::str
     const std::string all = classes + (cell.best ? (classes.empty() ? "best" : " best") : "");
     if (!all.empty()) html += " class=\"" + all + "\"";
     if (!cell.json.empty()) html += " data-json=\"" + Escaped(cell.json) + "\"";
-    return html + ">" + Escaped(cell.text) + "</" + tag + ">";
+    std::string text = Escaped(cell.text);
+    if (!cell.link.empty()) text = "<a href=\"#" + Escaped(cell.link) + "\">" + text + "</a>";
+    return html + ">" + text + "</" + tag + ">";
 }
 
 }  // namespace
@@ -36,11 +38,25 @@ void Page::Figures(bool open)
     m_InFigures = open;
 }
 
-void Page::Section(const std::string& heading, const std::string& note)
+void Page::Section(const std::string& heading, const std::string& note, const std::string& id)
 {
     Figures(false);
-    m_Content += "<h2>" + Escaped(heading) + "</h2>\n";
+    m_Content +=
+        (id.empty() ? "<h2>" : "<h2 id=\"" + Escaped(id) + "\">") + Escaped(heading) + "</h2>\n";
     if (!note.empty()) m_Content += "<p class=\"soft\">" + Escaped(note) + "</p>\n";
+}
+
+void Page::BeginFold(const std::string& id, const std::string& summary)
+{
+    Figures(false);
+    m_Content += "<details class=\"fold\" id=\"" + Escaped(id) + "\"><summary>" + Escaped(summary) +
+                 "</summary>\n";
+}
+
+void Page::EndFold()
+{
+    Figures(false);
+    m_Content += "</details>\n";
 }
 
 void Page::Paragraph(const std::string& text)

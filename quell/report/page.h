@@ -16,6 +16,7 @@ struct PageCell {
     std::string text;
     std::string json = {};
     bool best = false;
+    std::string link = {};  // id of a part of the page
 };
 
 struct PageTable {
@@ -35,7 +36,11 @@ class Page {
 public:
     Page(const std::string& title, const std::string& subtitle);
 
-    void Section(const std::string& heading, const std::string& note = "");
+    void Section(const std::string& heading, const std::string& note = "",
+                 const std::string& id = "");
+    // What follows can be folded away, and is at first; until EndFold.
+    void BeginFold(const std::string& id, const std::string& summary);
+    void EndFold();
     void Facts(const std::vector<PageFact>& facts);
     void Table(const PageTable& table);
     void Paragraph(const std::string& text);
@@ -44,6 +49,8 @@ public:
     // A picture that stands still; svg is markup.
     void Picture(const std::string& id, const std::string& title, const std::string& svg,
                  const std::string& caption);
+
+    size_t Size() const { return m_Content.size(); }  // bytes so far
 
     // The whole page, with the result for programs to read in <script id="result">.
     std::string Html(const nlohmann::ordered_json& result) const;

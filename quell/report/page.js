@@ -215,5 +215,20 @@
         });
     }
 
-    document.querySelectorAll('figure.plot').forEach(enliven);
+    // Inside a fold there is no room to draw in before it is opened.
+    document.querySelectorAll('figure.plot').forEach(function (figure) {
+        var fold = figure.closest('details');
+        if (!fold || fold.open) {
+            enliven(figure);
+        } else {
+            fold.addEventListener('toggle', function () { enliven(figure); }, { once: true });
+        }
+    });
+
+    function openTarget() {
+        var target = location.hash && document.getElementById(location.hash.slice(1));
+        if (target && target.matches('details.fold')) target.open = true;
+    }
+    addEventListener('hashchange', openTarget);
+    openTarget();
 }());
