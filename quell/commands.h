@@ -18,6 +18,7 @@ void AddParams(CLI::App& app, int& exitCode);
 void AddInfo(CLI::App& app, int& exitCode);
 void AddRun(CLI::App& app, int& exitCode);
 void AddSweep(CLI::App& app, int& exitCode);
+void AddView(CLI::App& app, int& exitCode);
 
 // An option with a number in a unit, "5e9", "5Gbit/s" or "2.5 GHz", in any locale. Its range is
 // open at the low end: value > least.

@@ -11,6 +11,7 @@ constexpr quell::AddCommand s_Commands[] = {
     quell::AddInfo,
     quell::AddRun,
     quell::AddSweep,
+    quell::AddView,
     quell::AddCheck,
     quell::AddParams,
 };
