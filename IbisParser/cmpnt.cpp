@@ -16,9 +16,9 @@ struct CmpntKeyword {
     int isOnce;          // a second one is not read
     int afterPin;        // names pins, which [Pin] must list before
     int hasText;         // text may follow the keyword
+    unsigned empty;      // message when no data line came; 0: none
     int (*begin)(Cmpnt*, const char*);
     int (*data)(Cmpnt*, const char*);  // null: no data lines
-    unsigned empty;                    // message when no data line came; 0: none
 };
 
 // A block that an end keyword closes.
@@ -151,26 +151,26 @@ static int s_endBlock(Cmpnt* component, const char*)
 
 // clang-format off
 static const CmpntKeyword s_keywords[] = {
-//    code                             twice once pins text  keyword line         data line              empty
-    { KEY_COMPONENT,                      0,   0,   0,   1,  s_beginComponent,    s_subParameter,           0 },
-    { KEY_MANUFACTURER,                 506,   1,   0,   1,  s_manufacturer,      nullptr,                  0 },
-    { KEY_PACKAGE,                      507,   1,   0,   0,  s_beginPackage,      s_packageLine,            0 },
-    { KEY_PIN,                          508,   0,   0,   1,  PIN_KeywordLine,     PIN_ReceiveLine,        524 },
-    { KEY_PACKAGE_MODEL,                509,   1,   0,   1,  s_packageModel,      nullptr,                  0 },
-    { KEY_PIN_MAPPING,                  510,   0,   1,   1,  PINMAP_KeywordLine,  PINMAP_ReceiveLine,     524 },
-    { KEY_DIFF_PIN,                     511,   0,   1,   1,  DIFFPIN_KeywordLine, DIFFPIN_ReceiveLine,    529 },
-    { KEY_SERIES_PIN_MAPPING,           512,   0,   1,   1,  SERMAP_KeywordLine,  SERMAP_ReceiveLine,     529 },
-    { KEY_SERIES_SWITCH_GROUPS,         513,   0,   1,   0,  s_beginNothing,      SERMAP_GroupLine,       529 },
-    { KEY_ALTERNATE_PACKAGE_MODELS,     514,   0,   0,   1,  APKG_Begin,          APKG_ReceiveLine,         0 },
-    { KEY_END_ALTERNATE_PACKAGE_MODELS,   0,   0,   0,   0,  s_endBlock,          nullptr,                  0 },
-    { KEY_NODE_DECLARATIONS,            515,   0,   1,   0,  NODE_Begin,          NODE_ReceiveLine,         0 },
-    { KEY_END_NODE_DECLARATIONS,          0,   0,   0,   0,  s_endBlock,          nullptr,                  0 },
-    { KEY_CIRCUIT_CALL,                   0,   0,   1,   1,  CIRCUIT_New,         CIRCUIT_ReceiveLine,      0 },
-    { KEY_END_CIRCUIT_CALL,               0,   0,   0,   0,  s_endBlock,          nullptr,                  0 },
-    { KEY_BEGIN_EMI_COMPONENT,          516,   0,   0,   0,  CMPNTEMI_Begin,      s_emiLine,                0 },
-    { KEY_END_EMI_COMPONENT,              0,   0,   0,   0,  s_endBlock,          nullptr,                  0 },
-    { KEY_PIN_EMI,                        0,   0,   1,   1,  s_emiTable,          s_emiLine,              529 },
-    { KEY_PIN_DOMAIN_EMI,                 0,   0,   0,   1,  s_emiTable,          s_emiLine,              529 },
+//    code                             twice once pins text empty  keyword line         data line
+    { KEY_COMPONENT,                      0,   0,   0,   1,    0,  s_beginComponent,    s_subParameter      },
+    { KEY_MANUFACTURER,                 506,   1,   0,   1,    0,  s_manufacturer,      nullptr             },
+    { KEY_PACKAGE,                      507,   1,   0,   0,    0,  s_beginPackage,      s_packageLine       },
+    { KEY_PIN,                          508,   0,   0,   1,  524,  PIN_KeywordLine,     PIN_ReceiveLine     },
+    { KEY_PACKAGE_MODEL,                509,   1,   0,   1,    0,  s_packageModel,      nullptr             },
+    { KEY_PIN_MAPPING,                  510,   0,   1,   1,  524,  PINMAP_KeywordLine,  PINMAP_ReceiveLine  },
+    { KEY_DIFF_PIN,                     511,   0,   1,   1,  529,  DIFFPIN_KeywordLine, DIFFPIN_ReceiveLine },
+    { KEY_SERIES_PIN_MAPPING,           512,   0,   1,   1,  529,  SERMAP_KeywordLine,  SERMAP_ReceiveLine  },
+    { KEY_SERIES_SWITCH_GROUPS,         513,   0,   1,   0,  529,  s_beginNothing,      SERMAP_GroupLine    },
+    { KEY_ALTERNATE_PACKAGE_MODELS,     514,   0,   0,   1,    0,  APKG_Begin,          APKG_ReceiveLine    },
+    { KEY_END_ALTERNATE_PACKAGE_MODELS,   0,   0,   0,   0,    0,  s_endBlock,          nullptr             },
+    { KEY_NODE_DECLARATIONS,            515,   0,   1,   0,    0,  NODE_Begin,          NODE_ReceiveLine    },
+    { KEY_END_NODE_DECLARATIONS,          0,   0,   0,   0,    0,  s_endBlock,          nullptr             },
+    { KEY_CIRCUIT_CALL,                   0,   0,   1,   1,    0,  CIRCUIT_New,         CIRCUIT_ReceiveLine },
+    { KEY_END_CIRCUIT_CALL,               0,   0,   0,   0,    0,  s_endBlock,          nullptr             },
+    { KEY_BEGIN_EMI_COMPONENT,          516,   0,   0,   0,    0,  CMPNTEMI_Begin,      s_emiLine           },
+    { KEY_END_EMI_COMPONENT,              0,   0,   0,   0,    0,  s_endBlock,          nullptr             },
+    { KEY_PIN_EMI,                        0,   0,   1,   1,  529,  s_emiTable,          s_emiLine           },
+    { KEY_PIN_DOMAIN_EMI,                 0,   0,   0,   1,  529,  s_emiTable,          s_emiLine           },
 };
 // clang-format on
 
