@@ -14,6 +14,7 @@ namespace quell {
 namespace {
 
 constexpr size_t s_Rows = 200;
+constexpr size_t s_MostColumns = 256;     // of one unit interval
 constexpr double s_LeastDensity = 1e-18;  // of a row; fainter ones stay blank
 
 struct Cells {
@@ -64,15 +65,17 @@ long CentreOffset(const StatisticalEye& eye, const StatisticalEye& fine)
 Cells DensityCells(const LinkEye& eye, const StatisticalEye& fine, double half)
 {
     Cells cells;
-    cells.columns = static_cast<size_t>(std::lround(fine.unitInterval / fine.phaseStep));
+    const long phases = std::lround(fine.unitInterval / fine.phaseStep);
+    cells.columns = std::min(static_cast<size_t>(phases), s_MostColumns);
     cells.half = half;
     cells.density.resize(cells.columns * s_Rows);
     const long columns = static_cast<long>(cells.columns);
     const long offset = CentreOffset(eye.eye, fine);
     for (long column = 0; column < columns; ++column) {
-        const long index = static_cast<long>(fine.centre) + offset + column - columns / 2;
+        const long index = static_cast<long>(fine.centre) + offset +
+                           (2 * column - columns) * phases / (2 * columns);
         const EyePhase& phase =
-            fine.phases[static_cast<size_t>(((index % columns) + columns) % columns)];
+            fine.phases[static_cast<size_t>(((index % phases) + phases) % phases)];
         for (size_t i = 0; i < phase.isi.mass.size(); ++i) {
             const double one =
                 phase.mainCursor / 2 +

@@ -42,9 +42,14 @@
         return colour;
     }
 
-    function rowsOf(columns) {
-        return columns[0].map(function (x, i) {
-            return columns.map(function (column) { return column[i] === 'gap' ? NaN : column[i]; });
+    // Rows of x and the curves, in units without a prefix.
+    function rowsOf(plot) {
+        return plot.columns[0].map(function (x, i) {
+            return plot.columns.map(function (column, k) {
+                var value = column[i];
+                if (value === 'gap') return NaN;
+                return value === null ? null : value * (k === 0 ? plot.x : plot.y).factor;
+            });
         });
     }
 
@@ -208,7 +213,7 @@
         if (plot.x.range) options.dateWindow = plot.x.range;
         if (plot.y.range) options.valueRange = plot.y.range;
         figure.classList.add('scripted');
-        var graph = new Dygraph(box, rowsOf(plot.columns), options);
+        var graph = new Dygraph(box, rowsOf(plot), options);
         figure.dygraph = graph;
         matchMedia('(prefers-color-scheme: dark)').addEventListener('change', function () {
             graph.updateOptions(colours(plot));

@@ -18,9 +18,9 @@ using Json = nlohmann::ordered_json;
 
 // What can be told apart on paper, in units of the picture.
 constexpr double s_SvgTolerance = 0.15;
-constexpr size_t s_SvgPoints = 1600;
+constexpr size_t s_SvgPoints = 900;
 constexpr double s_DataTolerance = 1.0 / 5000;
-constexpr size_t s_DataPoints = 4000;
+constexpr size_t s_DataPoints = 4000;  // of all curves together
 
 constexpr const char* s_StrokeNames[] = {"solid", "dashed", "dotted", "points"};
 
@@ -188,7 +188,8 @@ std::vector<size_t> KeptPoints(const LinePlot& plot, const PlotSeries& series)
         high = any ? std::max(high, v) : v;
         any = true;
     }
-    std::vector<size_t> kept = VisiblePoints(x, y, (high - low) * s_DataTolerance, s_DataPoints);
+    const size_t limit = std::max<size_t>(1000, s_DataPoints / plot.series.size());
+    std::vector<size_t> kept = VisiblePoints(x, y, (high - low) * s_DataTolerance, limit);
     for (size_t& i : kept)
         i = showable[i];
     return kept;
@@ -242,17 +243,27 @@ Json PlotJson(const LinePlot& plot)
         for (const size_t i : KeptPoints(plot, series))
             rows[places[i]].resize(plot.series.size());
     }
+    // In the axes' units the numbers are short; digits below the curves' thickness are not worth
+    // their room.
+    const double smallest = (layout.y.high - layout.y.low) / layout.y.factor * 1e-5;
+    const bool logarithmic = plot.y.scale == Scale::Log;
+    const auto round = [&](double value) {
+        const double shown = value / layout.y.factor;
+        if (logarithmic || !(smallest > 0)) return Rounded(shown, 5);
+        const int digits = static_cast<int>(std::ceil(std::log10(std::abs(shown) / smallest)));
+        return shown == 0 ? 0 : Rounded(shown, std::clamp(digits, 1, 6));
+    };
     for (size_t k = 0; k < plot.series.size(); ++k)
         for (size_t i = 0; i < plot.series[k].x.size(); ++i) {
             const auto row = rows.find(keys[k][i]);
             if (row == rows.end()) continue;
             const double y = plot.series[k].y[i];
-            row->second[k] = Showable(y, plot.y.scale) ? Json(Rounded(y, 6)) : Json("gap");
+            row->second[k] = Showable(y, plot.y.scale) ? Json(round(y)) : Json("gap");
         }
     Json columns = Json::array();
     Json& x = columns.emplace_back(Json::array());
     for (const auto& row : rows)
-        x.push_back(Rounded(row.first.first, 9));
+        x.push_back(Rounded(row.first.first / layout.x.factor, 7));
     for (size_t k = 0; k < plot.series.size(); ++k) {
         Json& column = columns.emplace_back(Json::array());
         for (const auto& row : rows)

@@ -14,20 +14,22 @@ namespace quell {
 
 namespace {
 
-constexpr size_t s_MostPoints = 1000;
+// Settings times channels: the page stays below 1 MB.
+constexpr size_t s_MostPoints = 1200;
 
 // The points that the page shows, in the order of the grid.
 std::vector<size_t> ShownPoints(const SweepResult& result)
 {
     std::vector<size_t> points(result.grid.size());
     std::iota(points.begin(), points.end(), size_t{0});
-    if (points.size() <= s_MostPoints) return points;
+    const size_t most = std::max<size_t>(1, s_MostPoints / result.channels.size());
+    if (points.size() <= most) return points;
     std::vector<double> heights;
     for (const size_t i : points)
         heights.push_back(WorstHeight(result, i).value_or(-HUGE_VAL));
     std::stable_sort(points.begin(), points.end(),
                      [&heights](size_t a, size_t b) { return heights[a] > heights[b]; });
-    points.resize(s_MostPoints);
+    points.resize(most);
     // The best of a channel is shown, however bad it is for the others.
     for (const SweepChannel& channel : result.channels)
         if (channel.best && std::find(points.begin(), points.end(), *channel.best) == points.end())

@@ -11,8 +11,8 @@ namespace quell {
 
 // A self-contained page: the best settings, height and width over the parameter where one was
 // swept through numbers, and a table of all settings. The points as JSON are in it, as
-// quell sweep --json prints them. Of a grid of more than 1,000 settings the page holds the 1,000
-// with the greatest worst-case heights, and says so.
+// quell sweep --json prints them. Of a sweep of more than 1,200 points, settings times channels,
+// the page holds those with the greatest worst-case heights, and says so.
 std::string SweepReportHtml(const SweepResult& result, const LinkOptions& options);
 
 }  // namespace quell

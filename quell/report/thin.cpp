@@ -39,29 +39,17 @@ std::vector<size_t> Extremes(std::span<const double> y, size_t limit)
     return kept;
 }
 
-}  // namespace
-
-std::vector<size_t> VisiblePoints(std::span<const double> x, std::span<const double> y,
-                                  double tolerance, size_t limit)
+// Straight lines within the tolerance.
+std::vector<size_t> StraightLines(std::span<const double> x, std::span<const double> y,
+                                  double tolerance)
 {
-    if (y.empty()) return {};
-    std::vector<size_t> points;
-    if (y.size() > limit) {
-        points = Extremes(y, limit);
-    } else {
-        points.resize(y.size());
-        for (size_t i = 0; i < points.size(); ++i)
-            points[i] = i;
-    }
-
     // From the point kept last, a cone of directions that pass all points since within the
     // tolerance; a point outside of it begins a new line at the point before.
-    std::vector<size_t> kept = {points.front()};
+    std::vector<size_t> kept = {0};
     constexpr double Infinite = std::numeric_limits<double>::infinity();
     double low = -Infinite, high = Infinite;
-    for (size_t k = 1; k < points.size(); ++k) {
-        const size_t i = points[k];
-        const size_t before = points[k - 1];
+    for (size_t i = 1; i < y.size(); ++i) {
+        const size_t before = i - 1;
         const auto slope = [&](size_t from, double dy) {
             return (y[i] + dy - y[from]) / (x[i] - x[from]);
         };
@@ -90,8 +78,18 @@ std::vector<size_t> VisiblePoints(std::span<const double> x, std::span<const dou
         low = std::max(low, slope(kept.back(), -tolerance));
         high = std::min(high, slope(kept.back(), tolerance));
     }
-    if (kept.back() != points.back()) kept.push_back(points.back());
+    if (kept.back() != y.size() - 1) kept.push_back(y.size() - 1);
     return kept;
+}
+
+}  // namespace
+
+std::vector<size_t> VisiblePoints(std::span<const double> x, std::span<const double> y,
+                                  double tolerance, size_t limit)
+{
+    if (y.empty()) return {};
+    std::vector<size_t> kept = StraightLines(x, y, tolerance);
+    return kept.size() <= limit ? kept : Extremes(y, limit);
 }
 
 }  // namespace quell

@@ -10,8 +10,8 @@ namespace quell {
 
 // Indices of the points that draw the curve: straight lines between them pass within the tolerance
 // (in units of y) of all the points left out. x ascends; a y that is no number is a gap, of which
-// one point is kept. Beyond so many points only the lowest and the highest of each of limit / 2
-// equal stretches are looked at. Linear in the number of points.
+// one point is kept. Should that be more points than the limit, they are the lowest and the highest
+// of each of limit / 2 equal stretches instead. Linear in the number of points.
 std::vector<size_t> VisiblePoints(std::span<const double> x, std::span<const double> y,
                                   double tolerance, size_t limit);
 

@@ -194,6 +194,20 @@ GTEST_TEST(Report, ThinnedCurvesStayWithinTheTolerance)
     EXPECT_NE(few.end(), std::find(few.begin(), few.end(), 777u));
 }
 
+// Noise thins out least; still, seven plots of a link with two aggressors must fit on a page.
+GTEST_TEST(Report, PlotsOfNoiseStaySmall)
+{
+    LinePlot plot;
+    for (int k = 0; k < 4; ++k) {
+        PlotSeries& series = plot.series.emplace_back();
+        for (int n = 0; n < 4000; ++n) {
+            series.x.push_back(n * 12.5e-12);
+            series.y.push_back(((n + k) * 7919 % 4001 - 2000) * 1e5);
+        }
+    }
+    EXPECT_LT(ScriptJson(PlotJson(plot)).size() + PlotSvg(plot, SvgUse::InPage).size(), 130000u);
+}
+
 GTEST_TEST(Report, FilesAreWholeOrNotThere)
 {
     const ScratchFolder folder;
