@@ -15,8 +15,9 @@ IBIS_BEGIN_DECLS
 
 #define ISSO_SPAN_TOLERANCE 0.05  /* of Vcc, at both ends of the sweep */
 #define ISSO_DRIVE_TOLERANCE 0.10 /* of the full drive current */
-#define ISSO_TIME_TOLERANCE 0.01  /* of the waveform's span, at both ends of its composite current \
-                                   */
+#define ISSO_TIME_TOLERANCE                                               \
+    0.01 /* of the waveform's span, at both ends of its composite current \
+          */
 
 /* [Composite Current] of a model. waveform is the one that the model read last and that nothing but
  * a [Composite Current] has followed, or null. The same pointer goes to the other two. */

@@ -12,7 +12,7 @@ struct RefDes {
     RefDes* next; /* file order */
     char name[SIZE_REFDES + 1];
     unsigned long line;
-    int index;  /* place in the map from 0 */
+    int index;                     /* place in the map from 0 */
     char* file;                    /* owned; in the folder of the board file */
     char component[SIZE_NAME + 1]; /* component or board of that file */
 };

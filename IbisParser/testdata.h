@@ -27,7 +27,7 @@ struct TestData {
     char driverInv[SIZE_NAME + 1]; /* empty: the driver serves both sides */
     char load[SIZE_NAME + 1];
     struct Wvfrm* waveforms[TEST_WAVEFORMS]; /* by keyword code from 109, each once */
-    unsigned found;          /* bit of each sub-parameter given */
+    unsigned found;                          /* bit of each sub-parameter given */
 };
 
 int TESTDATA_Init(void);

@@ -20,7 +20,8 @@ int main()
         AMI_Init(impulse.data(), static_cast<long>(impulse.size()), 0, sample_interval, bit_time,
                  parameters, &parameters_out, &handle, &message);
     if (message != nullptr) std::printf("%s\n", message);
-    for (const double sample : impulse) std::printf("%.6e\n", sample);
+    for (const double sample : impulse)
+        std::printf("%.6e\n", sample);
     AMI_Close(handle);
     return result == 1 ? 0 : 1;
 }

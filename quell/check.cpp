@@ -8,13 +8,13 @@
 
 #include "quell/check/files.h"
 #include "quell/check/json_view.h"
-#include "quell/check/progress.h"
 #include "quell/check/read_file.h"
 #include "quell/check/spool.h"
 #include "quell/check/text_view.h"
 #include "quell/commands.h"
 #include "quell/errors.h"
 #include "quell/printable.h"
+#include "quell/progress.h"
 #include "quell/reader/queue.h"
 
 namespace quell {
@@ -74,7 +74,7 @@ public:
           m_Files(std::move(files)),
           m_Running(m_Files.size()),
           m_Colour(UseColour(options.colour)),
-          m_Progress(m_Files.size())
+          m_Progress(m_Files.size(), "files")
     {
     }
 

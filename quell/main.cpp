@@ -8,12 +8,8 @@
 namespace {
 
 constexpr quell::AddCommand s_Commands[] = {
-    quell::AddInfo,
-    quell::AddRun,
-    quell::AddSweep,
-    quell::AddView,
-    quell::AddCheck,
-    quell::AddParams,
+    quell::AddInfo, quell::AddRun,   quell::AddSweep,
+    quell::AddView, quell::AddCheck, quell::AddParams,
 };
 
 int ReportError(const char* text, int code)

@@ -1,8 +1,6 @@
 // quell sweep: which setting of a model opens the eye most.
 #include "quell/sweep/sweep.h"
 
-#include <unistd.h>
-
 #include <cstdio>
 #include <iostream>
 #include <thread>
@@ -11,6 +9,7 @@
 #include "quell/errors.h"
 #include "quell/files.h"
 #include "quell/numbers.h"
+#include "quell/progress.h"
 #include "quell/report/sweep_report.h"
 #include "quell/result_json.h"
 #include "quell/sweep/sweep_text.h"
@@ -25,27 +24,6 @@ struct SweepOptions {
     unsigned workers = std::max(1u, std::thread::hardware_concurrency());
     bool json = false;
     std::string htmlFile;
-};
-
-// A bar on the last line of the terminal, gone when all is done.
-class ProgressBar {
-public:
-    explicit ProgressBar(bool shown) : m_Shown(shown) {}
-
-    void Show(size_t done, size_t all)
-    {
-        if (!m_Shown || done == m_Done) return;
-        m_Done = done;
-        constexpr size_t Width = 40;
-        const std::string bar(Width * done / all, '#');
-        std::fprintf(stderr, "\r%-40s %zu of %zu", bar.c_str(), done, all);
-        if (done == all) std::fprintf(stderr, "\r%60s\r", "");
-        std::fflush(stderr);
-    }
-
-private:
-    bool m_Shown;
-    size_t m_Done = 0;
 };
 
 void PrintTable(const SweepResult& result)
@@ -114,9 +92,14 @@ int Sweep(SweepOptions options)
     for (const std::string& text : options.link.settings)
         parameters.push_back(ParseSweptParameter(text));
 
-    ProgressBar bar(isatty(STDERR_FILENO) != 0);
-    const SweepResult result = RunSweep(options.channels, parameters, options.link, options.workers,
-                                        [&bar](size_t done, size_t all) { bar.Show(done, all); });
+    std::optional<Progress> bar;
+    const auto progress = [&bar](size_t done, size_t all) {
+        if (!bar) bar.emplace(all, "points");
+        bar->Show(done);
+    };
+    const SweepResult result =
+        RunSweep(options.channels, parameters, options.link, options.workers, progress);
+    bar.reset();
 
     int exitCode = EXIT_DONE;
     for (const SweepChannel& channel : result.channels)

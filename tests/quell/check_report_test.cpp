@@ -3,11 +3,11 @@
 
 #include <gtest/gtest.h>
 
-#include "quell/check/progress.h"
 #include "quell/check/source_lines.h"
 #include "quell/check/spool.h"
 #include "quell/check/text_view.h"
 #include "quell/printable.h"
+#include "quell/progress.h"
 #include "quell/reader/file_types.h"
 #include "quell/reader/version.h"
 #include "tests/quell/command.h"
@@ -220,9 +220,9 @@ GTEST_TEST(CheckReport, WhatWaitsComesBackWholeAndOnce)
 
 GTEST_TEST(CheckReport, ProgressFillsUp)
 {
-    EXPECT_EQ(ProgressText(0, 200), "[" + std::string(40, ' ') + "] 0 of 200 files");
-    EXPECT_EQ(ProgressText(199, 200), "[" + std::string(39, '=') + " ] 199 of 200 files");
-    EXPECT_EQ(ProgressText(200, 200), "[" + std::string(40, '=') + "] 200 of 200 files");
+    EXPECT_EQ(ProgressText(0, 200, "files"), "[" + std::string(40, ' ') + "] 0 of 200 files");
+    EXPECT_EQ(ProgressText(199, 200, "files"), "[" + std::string(39, '=') + " ] 199 of 200 files");
+    EXPECT_EQ(ProgressText(200, 200, "files"), "[" + std::string(40, '=') + "] 200 of 200 files");
 }
 
 }  // namespace

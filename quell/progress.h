@@ -1,6 +1,6 @@
-// A bar on a terminal while many files are checked.
-#ifndef QUELL_CHECK_PROGRESS_H
-#define QUELL_CHECK_PROGRESS_H
+// A bar on a terminal while many files are checked or points are run.
+#ifndef QUELL_PROGRESS_H
+#define QUELL_PROGRESS_H
 
 #include <chrono>
 #include <cstddef>
@@ -9,12 +9,12 @@
 namespace quell {
 
 // "[=====     ]  120 of 5000 files"
-std::string ProgressText(size_t done, size_t total);
+std::string ProgressText(size_t done, size_t total, const std::string& what);
 
-// On standard error; nothing when that is no terminal or the files are few.
+// On standard error; nothing when that is no terminal or there are few to come.
 class Progress {
 public:
-    explicit Progress(size_t total);
+    Progress(size_t total, std::string what);
     ~Progress() { Clear(); }
     Progress(const Progress&) = delete;
     Progress& operator=(const Progress&) = delete;
@@ -26,6 +26,7 @@ public:
 
 private:
     size_t m_Total;
+    std::string m_What;
     bool m_Enabled;
     bool m_Drawn = false;
     std::chrono::steady_clock::time_point m_Last;
