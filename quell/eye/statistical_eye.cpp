@@ -27,8 +27,10 @@ constexpr std::size_t NoMain = SIZE_MAX;
 
 // The finest grid that pays: heights of lossy channels no longer move by 0.1 mV beyond it.
 constexpr double StepsPerCursor = 16384.0;
-// Responses of very many strong cursors, whose eye is long closed, get a coarser grid.
+// Responses of very many strong cursors, whose eye is long closed, get a coarser grid; the more so
+// where densities must be convolved with each other, which costs the product of their lengths.
 constexpr double StepsPerSum = 131072.0;
+constexpr double StepsPerSumConvolved = 16384.0;
 
 Density AggressorDensity(std::span<const double> pulse, std::size_t samplesPerUi, double step)
 {
@@ -75,13 +77,14 @@ long MiddleOfEye(std::span<const double> pulse, std::size_t samplesPerUi)
     return (begin + end) / 2;
 }
 
-double VoltageStep(std::span<const double> pulse, std::size_t samplesPerUi)
+double VoltageStep(std::span<const double> pulse, std::size_t samplesPerUi, bool convolved)
 {
     std::vector<double> sums(samplesPerUi, 0.0);
     for (std::size_t i = 0; i < pulse.size(); ++i)
         sums[i % samplesPerUi] += std::abs(pulse[i]);
     return std::max(*std::max_element(pulse.begin(), pulse.end()) / StepsPerCursor,
-                    *std::max_element(sums.begin(), sums.end()) / StepsPerSum);
+                    *std::max_element(sums.begin(), sums.end()) /
+                        (convolved ? StepsPerSumConvolved : StepsPerSum));
 }
 
 // Cubic interpolation (Catmull-Rom) to factor times the sampling rate.
@@ -209,8 +212,14 @@ StatisticalEye ComputeEye(std::span<const double> victim,
     const Density jitter = JitterDensity(options, sampleInterval / static_cast<double>(factor));
     const long margin = std::max(std::abs(jitter.first), std::abs(jitter.last()));
 
-    const double step =
-        options.voltageStep > 0.0 ? options.voltageStep : VoltageStep(pulse, finePerUi);
+    double step = options.voltageStep;
+    if (!(step > 0.0)) {
+        const bool convolved = options.noise > 0.0 || !aggressors.empty();
+        step = VoltageStep(pulse, finePerUi, convolved);
+        // An aggressor far stronger than the victim sets the scale.
+        for (const std::vector<double>& aggressor : aggressors)
+            step = std::max(step, VoltageStep(aggressor, samplesPerUi, convolved));
+    }
 
     // One unit interval around the middle, and on both sides what the jitter reaches.
     const long n = static_cast<long>(finePerUi);
