@@ -87,6 +87,20 @@ static KeywordCode s_getKeyword(const char* line)
     return s_inContext(entry->code);
 }
 
+static KeywordCode s_lastKnown = NOT_KEY;  // the current keyword, or the one before unknown ones
+
+// The section that is told which keyword begins. Behind an unknown keyword that is none; but
+// [Manufacturer] then comes as a component's, and the package or board that waits for one must
+// learn of it.
+static const Section* s_findPrevious(KeywordCode code)
+{
+    const bool awaited =
+        KEY_DEFINE_PACKAGE_MODEL <= s_lastKnown && s_lastKnown <= KEY_END_BOARD_DESCRIPTION;
+    if (geCurrentKeyword == NOT_KEY && code == KEY_MANUFACTURER && awaited)
+        return SECTIONS_Find(s_lastKnown);
+    return SECTIONS_Find(geCurrentKeyword);
+}
+
 // The number of the message that refuses the section in this file, or 0.
 static int s_refusal(const Section* section)
 {
@@ -120,10 +134,11 @@ static void s_beginKeyword(const char* line)
         ERRLOG_LineErrorNew(909);
         gbContinue = 0;
     }
-    const Section* previous = SECTIONS_Find(geCurrentKeyword);
     const KeywordCode code = s_getKeyword(line);
+    const Section* previous = s_findPrevious(code);
     const Section* section = SECTIONS_Find(code);
     geCurrentKeyword = code;
+    if (code != NOT_KEY) s_lastKnown = code;
     if (previous != nullptr && previous->fini != nullptr) previous->fini(code);
     // An unknown keyword may be one of a later version, in the middle of the submodel.
     if (code != NOT_KEY && (code < KEY_SUBMODEL || code > KEY_SUBMDL_FALLING_WAVEFORM))
