@@ -44,31 +44,31 @@ void SendBeyond(FrameWriter& writer, const std::string& version)
     writer.End();
 }
 
-// The same of the parameter file just read.
+// The version that the parameter file just read declares, where the reader does not know it.
 std::string BeyondInParameters()
 {
     const std::string version = DeclaredAmiVersion();
     return BeyondKnown(version) ? version : "";
 }
 
+// Tells of a version that the reader does not know, where one was found.
+bool RefusesBeyond(FrameWriter& writer, const std::string& version)
+{
+    if (version.empty()) return false;
+    SendBeyond(writer, version);
+    return true;
+}
+
 int Run(const Opening& opening, FrameWriter* writer)
 {
     const bool parameters = opening.type == FILE_AMI;
-    const bool told = writer == nullptr || !opening.version.empty();
-    if (!told && !parameters) {
-        const std::string version = BeyondVersion(opening);
-        if (!version.empty()) {
-            SendBeyond(*writer, version);
-            return 0;
-        }
-    }
+    FrameWriter* const listener = opening.version.empty() ? writer : nullptr;
+    if (listener != nullptr && !parameters && RefusesBeyond(*listener, BeyondVersion(opening)))
+        return 0;
     if (!INIT()) return 1;
     if (ParseOpened(opening)) {
-        const std::string version = told || !parameters ? "" : BeyondInParameters();
-        if (!version.empty()) {
-            SendBeyond(*writer, version);
+        if (listener != nullptr && parameters && RefusesBeyond(*listener, BeyondInParameters()))
             return 0;
-        }
         TEST(opening.type, 1);
     }
     FINI();

@@ -208,7 +208,9 @@ int SendParameters(const Opening& opening, FrameWriter& writer)
         return 1;
     }
     const _tagBranchStruct* root = BranchOf(*tree.Root());
-    Send(writer, AMI_FRAME_ROOT, root != nullptr ? root->name : LeafOf(*tree.Root())->name);
+    const _tagLeafStruct* leaf = LeafOf(*tree.Root());
+    if (root != nullptr) Send(writer, AMI_FRAME_ROOT, root->name);
+    if (leaf != nullptr) Send(writer, AMI_FRAME_ROOT, leaf->name);
     if (const _tagBranchStruct* reserved = FindBranch(root, s_Reserved))
         SendBranches(writer, *reserved, true);
     if (const _tagBranchStruct* specific = FindBranch(root, s_Specific))

@@ -40,7 +40,7 @@ std::string LegalName(const std::string& baseName, FileType type)
 {
     FileType own = FILE_IBS;
     if (TypeOfName(baseName, own) && own == type) return baseName;
-    const std::string stem = baseName.substr(0, baseName.rfind('.'));
+    std::string stem = baseName.substr(0, baseName.rfind('.'));
     // "tx.ibs.old" keeps the name that it had.
     if (TypeOfName(stem, own) && own == type) return stem;
     return (stem.empty() ? "file" : stem) + "." + TypeWord(type);

@@ -57,7 +57,7 @@ void SetOwnName(const std::string& name)
         if (chdir(folder.c_str()) != 0) Fail(name);
         folder.clear();
     }
-    std::strcpy(gsFilePath_ibs, folder.c_str());
+    CMN_strncpy(gsFilePath_ibs, folder.c_str(), CMN_PATH_MAX);
     CMN_strncpy(gsFileName, BaseName(name).c_str(), CMN_PATH_MAX);
 }
 

@@ -86,8 +86,9 @@ void LayOutLinear(const Axis& axis, int count, bool roundEnds, AxisLayout* layou
     const int decimals =
         std::clamp(static_cast<int>(-std::floor(std::log10(shownStep) + 1e-6)), 0, 12);
     const bool plain = largest / layout->factor < 1e6 && shownStep > 1e-6;
-    for (double k = first; k <= last; ++k) {
-        const double value = k * step;
+    const int steps = static_cast<int>(last - first);
+    for (int k = 0; k <= steps; ++k) {
+        const double value = (first + k) * step;
         const double shown = value / layout->factor;
         layout->ticks.push_back({value, plain ? FixedText(shown, decimals) : ShortText(shown, 4)});
     }

@@ -25,6 +25,7 @@ std::vector<size_t> ShownPoints(const SweepResult& result)
     const size_t most = std::max<size_t>(1, s_MostPoints / result.channels.size());
     if (points.size() <= most) return points;
     std::vector<double> heights;
+    heights.reserve(points.size());
     for (const size_t i : points)
         heights.push_back(WorstHeight(result, i).value_or(-HUGE_VAL));
     std::stable_sort(points.begin(), points.end(),

@@ -67,6 +67,7 @@ std::optional<std::vector<std::string>> CountThrough(const std::string& text)
                              " is not a number; a range is START:STOP:STEP");
     }
     const double start = *numbers[0], stop = *numbers[1], step = *numbers[2];
+    if (step == 0) throw InputError("--set: the step of " + Quoted(text) + " is 0");
     const double steps = (stop - start) / step;
     if (!(steps >= 0))
         throw InputError("--set: the step of " + Quoted(text) + " does not lead from " + parts[0] +
@@ -228,6 +229,7 @@ SweepResult RunSweep(const std::vector<std::string>& channels,
     }
     result.model = setups.front().model;
     std::vector<ImpulseMatrix> matrices;
+    matrices.reserve(channels.size());
     for (const std::string& channel : channels)
         matrices.push_back(BuildImpulseMatrix(channel, link.aggressors, link.channel));
 

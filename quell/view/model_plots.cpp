@@ -420,6 +420,7 @@ std::vector<ModelPlot> ModelPlots(const Mdl& model, const std::string& id,
                                   const std::vector<StateView>& states)
 {
     std::vector<ModelPlot> plots;
+    plots.reserve(states.size());
     for (const StateView& view : states)
         plots.push_back(StatePicture(model, view, loads, id + "-"));
     for (const TableView& view : TableViews(model))
