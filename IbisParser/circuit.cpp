@@ -25,7 +25,7 @@ int CIRCUIT_New(Cmpnt* component, const char* line)
 {
     CMN_ASSERT(component != nullptr && line != nullptr);
     CmpntReading* reading = component->reading;
-    CmnArgs args;
+    CmpntItems args;
     if (!CMPNT_SplitLine(&s_failure, __LINE__, "Circuit Call", line, 2, &args)) return 0;
     Circuit* call = static_cast<Circuit*>(SEC_NewPart(3701, s_Module, __LINE__, sizeof(Circuit)));
     if (call != nullptr) {
@@ -40,7 +40,6 @@ int CIRCUIT_New(Cmpnt* component, const char* line)
         SEC_SetClear(&reading->names);
     }
     reading->openCall = call;
-    CMN_ArgFree(&args);
     return call != nullptr;
 }
 

@@ -1,8 +1,11 @@
 // [Component]: its record, and the way of its lines to its parts.
 #include "IbisParser/cmpnt.h"
 
+#include <iterator>
+
 #include "IbisParser/cmpnt_internal.h"
 #include "IbisParser/errlog.h"
+#include "IbisParser/token_internal.h"
 
 static const char s_Module[] = "IbisParser/cmpnt";
 static const SecFrame s_frame = {s_Module, 500, 501, 502, 503, 504, 505};
@@ -400,9 +403,18 @@ int CMPNT_HasPin(const Cmpnt* component, const char* pin)
 }
 
 int CMPNT_SplitLine(const PartFailure* failure, int line, const char* keyword, const char* text,
-                    int max, CmnArgs* args)
+                    int max, CmpntItems* items)
 {
-    if (CMN_ArgParse(text, max, args)) return 1;
-    ERRLOG_LineBugNew(failure->unparsed, keyword, failure->module, line);
-    return 0;
+    CMN_ASSERT(max <= static_cast<int>(std::size(items->argv)));
+    items->text = CMN_StrMake(text);
+    if (items->text == nullptr) {
+        ERRLOG_LineBugNew(failure->unparsed, keyword, failure->module, line);
+        return 0;
+    }
+    char* rest = items->text;
+    for (const char* item = TOKEN_Next(&rest); item != nullptr; item = TOKEN_Next(&rest)) {
+        ++items->argc;
+        if (items->nStored < max) items->argv[items->nStored++] = item;
+    }
+    return 1;
 }

@@ -62,9 +62,22 @@ struct PartFailure {
     unsigned noMemory;  // bug
 };
 
-// Splits a line of the part into at most max items; 0 after the message.
+// The items of a line: as CmnArgs, but in one block, because the lists of pins are long.
+struct CmpntItems {
+    int argc = 0;  // items of the line
+    int nStored = 0;
+    const char* argv[7] = {};
+    char* text = nullptr;  // owned; the items stand in it
+
+    CmpntItems() = default;
+    ~CmpntItems() { SEC_FreeText(&text); }
+    CmpntItems(const CmpntItems&) = delete;
+    CmpntItems& operator=(const CmpntItems&) = delete;
+};
+
+// Splits a line of the part and keeps at most max items; 0 after the message.
 int CMPNT_SplitLine(const PartFailure* failure, int line, const char* keyword, const char* text,
-                    int max, CmnArgs* args);
+                    int max, CmpntItems* items);
 
 // 1 when the component's list has the pin, or when no [Pin] came before, which is reported once
 // for the keyword instead.

@@ -84,7 +84,7 @@ static void s_copyDomain(char* dest, const char* text)
     if (!SEC_CopyName(dest, text, SIZE_GROUP)) ERRLOG_LineErrorNew(812, text, SIZE_GROUP);
 }
 
-static void s_pinLine(Cmpnt* component, const CmnArgs* args)
+static void s_pinLine(Cmpnt* component, const CmpntItems* args)
 {
     CmpntReading* reading = component->reading;
     EmiPin* pin = static_cast<EmiPin*>(SEC_NewPart(801, s_Module, __LINE__, sizeof(EmiPin)));
@@ -105,7 +105,7 @@ static void s_pinLine(Cmpnt* component, const CmnArgs* args)
     SEC_Append(&component->emi->pins, &reading->emiPinTail, pin);
 }
 
-static void s_domainLine(Cmpnt* component, const CmnArgs* args)
+static void s_domainLine(Cmpnt* component, const CmpntItems* args)
 {
     CmpntReading* reading = component->reading;
     EmiPinDomain* domain =
@@ -134,7 +134,7 @@ int CMPNTEMI_ReceiveLine(Cmpnt* component, int code, const char* line)
     }
     const int isPin = code == KEY_PIN_EMI;
     const int columns = isPin ? PIN_COLUMNS : DOMAIN_COLUMNS;
-    CmnArgs args;
+    CmpntItems args;
     if (!CMPNT_SplitLine(&s_failure, __LINE__, SEC_KeywordName(code), line, PIN_COLUMNS, &args))
         return 0;
     if (args.argc != columns)
@@ -143,7 +143,6 @@ int CMPNTEMI_ReceiveLine(Cmpnt* component, int code, const char* line)
         s_pinLine(component, &args);
     else
         s_domainLine(component, &args);
-    CMN_ArgFree(&args);
     return 1;
 }
 

@@ -43,13 +43,13 @@ const char* CMPNT_TypeName(const Mdl* model)
 
 static void s_testPin(const Cmpnt* component, const Pin* pin, const CmpntNames& names)
 {
-    const int isModel = names.Model(pin->model) != nullptr;
+    const Mdl* model = names.Model(pin->model);
     const int isSelector = names.Selector(pin->model) != nullptr;
-    if (!isModel && !isSelector)
+    if (model == nullptr && !isSelector)
         ERRLOG_ErrorNew(530, component->name, pin->name, pin->model);
-    else if (isModel && isSelector)
+    else if (model != nullptr && isSelector)
         ERRLOG_ErrorNew(531, component->name, pin->model, pin->name);
-    const Mdl* model = names.Resolve(pin->model);
+    if (model == nullptr && isSelector) model = names.Resolve(pin->model);
     const MdlTypeInfo* type = model != nullptr ? MDL_TypeInfo(model->type) : nullptr;
     if (type == nullptr) return;
     if (type->group == MDL_GROUP_SERIES || type->group == MDL_GROUP_SERIES_SWITCH)

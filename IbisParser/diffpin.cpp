@@ -26,30 +26,31 @@ static const struct DiffColumn {
 int DIFFPIN_KeywordLine(Cmpnt* component, const char* line)
 {
     CMN_ASSERT(component != nullptr && line != nullptr);
-    CmnArgs args;
+    CmpntItems args;
     if (!CMPNT_SplitLine(&s_failure, __LINE__, "Diff Pin", line, DIFF_COLUMNS, &args)) return 0;
     for (int i = 0; i < args.nStored; ++i)
         if (i >= DIFF_COLUMNS - 1 || !CMN_StrSameIC(args.argv[i], s_columns[i].name))
             ERRLOG_LineErrorNew(1503, args.argv[i]);
-    CMN_ArgFree(&args);
     return 1;
 }
 
 // Each pin is listed and in no other pair.
-static void s_link(Cmpnt* component, const DiffPin* pair)
+static void s_link(const Cmpnt* component, DiffPin* pair)
 {
-    const char* pins[] = {pair->name, pair->invPin};
-    for (const char* name : pins)
-        if (!CMPNT_HasPin(component, name)) ERRLOG_LineErrorNew(1504, name);
-    if (std::strcmp(pins[0], pins[1]) == 0) {
-        ERRLOG_LineErrorNew(1505, pins[0]);
+    const char* names[] = {pair->name, pair->invPin};
+    for (int i = 0; i < 2; ++i) {
+        pair->pins[i] = CMPNT_FindPin(component, names[i]);
+        if (pair->pins[i] == nullptr && component->pins != nullptr)
+            ERRLOG_LineErrorNew(1504, names[i]);
+    }
+    if (std::strcmp(pair->name, pair->invPin) == 0) {
+        ERRLOG_LineErrorNew(1505, pair->name);
         return;
     }
-    for (const char* name : pins) {
-        Pin* pin = CMPNT_FindPin(component, name);
+    for (Pin* pin : pair->pins) {
         if (pin == nullptr) continue;
         if (pin->pair != nullptr)
-            ERRLOG_LineErrorNew(1506, name);
+            ERRLOG_LineErrorNew(1506, pin->name);
         else
             pin->pair = pair;
     }
@@ -76,7 +77,7 @@ static void s_checkValues(const DiffPin* pair)
 int DIFFPIN_ReceiveLine(Cmpnt* component, const char* line)
 {
     CMN_ASSERT(component != nullptr && line != nullptr);
-    CmnArgs args;
+    CmpntItems args;
     if (!CMPNT_SplitLine(&s_failure, __LINE__, "Diff Pin", line, DIFF_COLUMNS, &args)) return 0;
     if (args.argc != 4 && args.argc != DIFF_COLUMNS) ERRLOG_LineErrorNew(1502, args.argc);
     DiffPin* pair =
@@ -101,7 +102,6 @@ int DIFFPIN_ReceiveLine(Cmpnt* component, const char* line)
         s_link(component, pair);
         SEC_Append(&component->diffPins, &component->reading->diffTail, pair);
     }
-    CMN_ArgFree(&args);
     return pair != nullptr;
 }
 
@@ -113,20 +113,19 @@ DiffPin* DIFFPIN_Find(DiffPin* head, const char* pin)
     return nullptr;
 }
 
-static const Mdl* s_testPin(const Cmpnt* component, const char* name, const CmpntNames& names)
+static const Mdl* s_testPin(const Cmpnt* component, const Pin* pin, const CmpntNames& names)
 {
-    const Pin* pin = CMPNT_FindPin(component, name);
     if (pin == nullptr) return nullptr;
     if (pin->kind == PIN_POWER || pin->kind == PIN_GND || pin->kind == PIN_NC)
-        ERRLOG_ErrorNew(1511, component->name, name, pin->model);
+        ERRLOG_ErrorNew(1511, component->name, pin->name, pin->model);
     return pin->kind == PIN_MODEL ? names.Resolve(pin->model) : nullptr;
 }
 
 void DIFFPIN_Test(const Cmpnt* component, const CmpntNames& names)
 {
     for (const DiffPin* pair = component->diffPins; pair != nullptr; pair = pair->next) {
-        const Mdl* model = s_testPin(component, pair->name, names);
-        const Mdl* inverse = s_testPin(component, pair->invPin, names);
+        const Mdl* model = s_testPin(component, pair->pins[0], names);
+        const Mdl* inverse = s_testPin(component, pair->pins[1], names);
         if (model == nullptr) continue;
         const MdlTypeInfo* type = MDL_TypeInfo(model->type);
         if (type == nullptr) continue;

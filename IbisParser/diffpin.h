@@ -14,6 +14,7 @@ struct DiffPin {
     char name[SIZE_PIN + 1]; /* non-inverting pin */
     unsigned long line;
     char invPin[SIZE_PIN + 1];
+    struct Pin* pins[2]; /* the two of the component's list, or null */
     RngSingle vdiff;     /* volt */
     RngSingle tdelayTyp; /* second, of the inverting pin against the other; either sign */
     RngSingle tdelayMin;

@@ -187,8 +187,7 @@ MdlPairs::MdlPairs(IbisRoot* root)
     };
     for (const Cmpnt* component = root->cmpnts; component; component = component->next)
         for (const DiffPin* pair = component->diffPins; pair; pair = pair->next)
-            for (const char* name : {pair->name, pair->invPin}) {
-                const Pin* pin = CMPNT_FindPin(component, name);
+            for (const Pin* pin : pair->pins) {
                 if (pin == nullptr || pin->kind != PIN_MODEL || !add(pin->model)) continue;
                 const Msel* selector = selectors.Find(pin->model);
                 if (selector == nullptr) continue;

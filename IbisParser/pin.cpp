@@ -32,7 +32,7 @@ static const struct PinWord {
 };
 
 // The value columns that the header names, in its order.
-static void s_readValueColumns(CmpntReading* reading, const CmnArgs* args)
+static void s_readValueColumns(CmpntReading* reading, const CmpntItems* args)
 {
     unsigned named = 0;
     for (int i = 2; i < args->nStored; ++i) {
@@ -55,7 +55,7 @@ int PIN_KeywordLine(Cmpnt* component, const char* line)
 {
     CMN_ASSERT(component != nullptr && line != nullptr);
     CmpntReading* reading = component->reading;
-    CmnArgs args;
+    CmpntItems args;
     if (!CMPNT_SplitLine(&s_failure, __LINE__, "Pin", line, PIN_COLUMNS + 1, &args)) return 0;
     reading->valueColumns = 0;
     if (args.nStored < 2 || !CMN_StrSameIC(args.argv[0], "signal_name") ||
@@ -65,11 +65,10 @@ int PIN_KeywordLine(Cmpnt* component, const char* line)
     if (reading->valueColumns != VALUE_COLUMNS)
         for (int i = 0; i < VALUE_COLUMNS; ++i)
             reading->valueOrder[i] = i;
-    CMN_ArgFree(&args);
     return 1;
 }
 
-static void s_readNames(Pin* pin, const CmnArgs* args)
+static void s_readNames(Pin* pin, const CmpntItems* args)
 {
     const unsigned limit = SEC_Limit(LIMIT_SIGNAL);
     const char* name = args->argv[0];
@@ -98,7 +97,7 @@ static void s_readValue(CmpntReading* reading, Pin* pin, int index, const char* 
         ERRLOG_LineWarnNew(1212, column.name, cell->value, pin->name);
 }
 
-static void s_readValues(CmpntReading* reading, Pin* pin, const CmnArgs* args)
+static void s_readValues(CmpntReading* reading, Pin* pin, const CmpntItems* args)
 {
     if (reading->valueColumns == 0) ERRLOG_LineErrorNew(1213, pin->name);
     int numbers = 0;
@@ -134,7 +133,7 @@ int PIN_ReceiveLine(Cmpnt* component, const char* line)
 {
     CMN_ASSERT(component != nullptr && line != nullptr);
     CmpntReading* reading = component->reading;
-    CmnArgs args;
+    CmpntItems args;
     if (!CMPNT_SplitLine(&s_failure, __LINE__, "Pin", line, PIN_COLUMNS, &args)) return 0;
     if (args.argc != FIRST_VALUE && args.argc != PIN_COLUMNS) ERRLOG_LineErrorNew(1202, args.argc);
     Pin* pin = args.argc < FIRST_VALUE
@@ -147,7 +146,6 @@ int PIN_ReceiveLine(Cmpnt* component, const char* line)
         s_index(component, pin);
         SEC_Append(&component->pins, &reading->pinTail, pin);
     }
-    CMN_ArgFree(&args);
     return pin != nullptr;
 }
 

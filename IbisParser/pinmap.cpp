@@ -14,7 +14,7 @@ static const char* const s_columns[PINMAP_COLUMNS] = {"pulldown_ref", "pullup_re
 int PINMAP_KeywordLine(Cmpnt* component, const char* line)
 {
     CMN_ASSERT(component != nullptr && line != nullptr);
-    CmnArgs args;
+    CmpntItems args;
     if (!CMPNT_SplitLine(&s_failure, __LINE__, "Pin Mapping", line, PINMAP_COLUMNS + 1, &args))
         return 0;
     int drives = 0;
@@ -27,18 +27,16 @@ int PINMAP_KeywordLine(Cmpnt* component, const char* line)
             drives += i <= PINMAP_PULLUP;
     }
     if (drives < 2) ERRLOG_LineErrorNew(1304);
-    CMN_ArgFree(&args);
     return 1;
 }
 
 static void s_link(Cmpnt* component, PinMap* row)
 {
-    if (!CMPNT_HasPin(component, row->name)) {
-        ERRLOG_LineErrorNew(1306, row->name);
+    Pin* pin = CMPNT_FindPin(component, row->name);
+    if (pin == nullptr) {
+        if (component->pins != nullptr) ERRLOG_LineErrorNew(1306, row->name);
         return;
     }
-    Pin* pin = CMPNT_FindPin(component, row->name);
-    if (pin == nullptr) return;
     if (pin->mapping != nullptr)
         ERRLOG_LineErrorNew(1307, row->name);
     else
@@ -48,7 +46,7 @@ static void s_link(Cmpnt* component, PinMap* row)
 int PINMAP_ReceiveLine(Cmpnt* component, const char* line)
 {
     CMN_ASSERT(component != nullptr && line != nullptr);
-    CmnArgs args;
+    CmpntItems args;
     if (!CMPNT_SplitLine(&s_failure, __LINE__, "Pin Mapping", line, PINMAP_COLUMNS + 1, &args))
         return 0;
     const int takesExt = SEC_Version() >= 4;
@@ -66,7 +64,6 @@ int PINMAP_ReceiveLine(Cmpnt* component, const char* line)
         s_link(component, row);
         SEC_Append(&component->pinMap, &component->reading->mapTail, row);
     }
-    CMN_ArgFree(&args);
     return row != nullptr;
 }
 
@@ -158,9 +155,13 @@ static void s_checkBuses(const Cmpnt* component)
         if (pin->mapping != nullptr && (pin->kind == PIN_POWER || pin->kind == PIN_GND))
             for (const auto& bus : pin->mapping->bus)
                 SEC_SetAdd(&fed, bus);
+    const char* previous[PINMAP_COLUMNS] = {"", "", "", "", ""};
     for (const Pin* pin = component->pins; pin != nullptr; pin = pin->next)
         for (int i = 0; pin->mapping != nullptr && i < PINMAP_COLUMNS; ++i) {
             const char* bus = pin->mapping->bus[i];
+            // Neighbours often hang on the same bus.
+            if (std::strcmp(bus, previous[i]) == 0) continue;
+            previous[i] = bus;
             if (s_hasBus(pin->mapping, i) && !SEC_SetHas(&fed, bus) && SEC_SetAdd(&told, bus))
                 ERRLOG_ErrorNew(1310, component->name, bus);
         }

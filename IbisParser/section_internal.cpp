@@ -1,6 +1,8 @@
 // Helpers of the keyword sections.
 #include "IbisParser/section_internal.h"
 
+#include <algorithm>
+
 #include "IbisParser/errlog.h"
 #include "IbisParser/parse.h"
 
@@ -109,8 +111,11 @@ void SEC_IgnoreText(unsigned number, const char* text, const char* keyword)
 
 int SEC_CopyName(char* dest, const char* text, unsigned limit)
 {
-    CMN_strncpy(dest, text, limit);
-    return std::strlen(text) <= limit;
+    const std::size_t length = std::strlen(text);
+    const std::size_t kept = std::min<std::size_t>(length, limit);
+    std::memcpy(dest, text, kept);
+    dest[kept] = '\0';
+    return length <= limit;
 }
 
 int SEC_Version()

@@ -73,11 +73,14 @@ int SEC_Version();
 template <typename Row, std::size_t n>
 const Row* SEC_FindRow(const Row (&rows)[n], const char* word)
 {
-    for (const Row& row : rows)
+    const Row* found = nullptr;
+    for (const Row& row : rows) {
+        // Letters that differ in their low bits are different ones in either case.
+        if (((row.name[0] ^ word[0]) & 0x1F) != 0 || !CMN_StrSameIC(row.name, word)) continue;
         if (std::strcmp(row.name, word) == 0) return &row;
-    for (const Row& row : rows)
-        if (CMN_StrSameIC(row.name, word)) return &row;
-    return nullptr;
+        if (found == nullptr) found = &row;
+    }
+    return found;
 }
 
 // A record of a list by name, exactly; or null.

@@ -17,7 +17,7 @@ enum { MAP_COLUMNS = 4, GROUP_COLUMN = 3 };
 int SERMAP_KeywordLine(Cmpnt* component, const char* line)
 {
     CMN_ASSERT(component != nullptr && line != nullptr);
-    CmnArgs args;
+    CmpntItems args;
     if (!CMPNT_SplitLine(&s_failure, __LINE__, s_mapping, line, MAP_COLUMNS, &args)) return 0;
     component->reading->hasGroupColumn = 0;
     for (int i = 0; i < args.nStored; ++i)
@@ -25,7 +25,6 @@ int SERMAP_KeywordLine(Cmpnt* component, const char* line)
             ERRLOG_LineErrorNew(1703, args.argv[i]);
         else if (i == GROUP_COLUMN - 1)
             component->reading->hasGroupColumn = 1;
-    CMN_ArgFree(&args);
     return 1;
 }
 
@@ -46,7 +45,7 @@ static void s_checkPins(Cmpnt* component, const SerMap* row)
 int SERMAP_ReceiveLine(Cmpnt* component, const char* line)
 {
     CMN_ASSERT(component != nullptr && line != nullptr);
-    CmnArgs args;
+    CmpntItems args;
     if (!CMPNT_SplitLine(&s_failure, __LINE__, s_mapping, line, MAP_COLUMNS, &args)) return 0;
     if (args.argc != 3 && args.argc != MAP_COLUMNS) ERRLOG_LineErrorNew(1702, args.argc);
     SerMap* row = args.argc < 3
@@ -68,7 +67,6 @@ int SERMAP_ReceiveLine(Cmpnt* component, const char* line)
         s_checkPins(component, row);
         SEC_Append(&component->seriesPins, &component->reading->seriesTail, row);
     }
-    CMN_ArgFree(&args);
     return row != nullptr;
 }
 
