@@ -15,6 +15,7 @@
 #include "quell/reader/child.h"
 #include "quell/reader/opening.h"
 #include "quell/reader/private_folder.h"
+#include "quell/reader/version.h"
 #include "quell/view/view_page.h"
 
 namespace quell {
@@ -91,8 +92,8 @@ int RunView(const ViewOptions& options)
     ViewRequest request;
     request.file = options.file;
     request.model = options.model;
-    const std::string version = BeyondVersion(opening);
-    if (!version.empty()) {
+    const std::string version = DeclaredVersion(opening.path);
+    if (BeyondKnown(version)) {
         opening.version = s_LastVersion;
         request.note = "The file declares version " + version + " and is read as version " +
                        s_LastVersion +

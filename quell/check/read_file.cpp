@@ -4,7 +4,6 @@
 #include <algorithm>
 #include <climits>
 #include <cstring>
-#include <memory>
 
 #include "IbisParser/errlog.h"
 #include "IbisParser/parse.h"
@@ -15,7 +14,7 @@ namespace quell {
 
 namespace {
 
-enum FrameKind : uint64_t { FRAME_FINDING, FRAME_BEYOND };
+enum FrameKind : uint64_t { FRAME_FINDING, FRAME_VERSION };
 
 // Each severity of the log with its variant for a line.
 constexpr Severity s_Severities[] = {Severity::Bug,     Severity::Bug,        Severity::Error,
@@ -36,39 +35,27 @@ void Send(FrameWriter& writer, const Finding& finding)
     writer.End();
 }
 
-void SendBeyond(FrameWriter& writer, const std::string& version)
+// Sends the version that the file declares. True when the reader does not know it and was not told
+// another one.
+bool RefusesVersion(const Opening& opening, const std::string& version, FrameWriter* writer)
 {
-    writer.Begin();
-    writer.Number(FRAME_BEYOND);
-    writer.Text(version);
-    writer.End();
-}
-
-// The version that the parameter file just read declares, where the reader does not know it.
-std::string BeyondInParameters()
-{
-    const std::string version = DeclaredAmiVersion();
-    return BeyondKnown(version) ? version : "";
-}
-
-// Tells of a version that the reader does not know, where one was found.
-bool RefusesBeyond(FrameWriter& writer, const std::string& version)
-{
-    if (version.empty()) return false;
-    SendBeyond(writer, version);
-    return true;
+    if (writer == nullptr) return false;
+    const bool refused = opening.version.empty() && BeyondKnown(version);
+    writer->Begin();
+    writer->Number(FRAME_VERSION);
+    writer->Text(version);
+    writer->Number(refused);
+    writer->End();
+    return refused;
 }
 
 int Run(const Opening& opening, FrameWriter* writer)
 {
     const bool parameters = opening.type == FILE_AMI;
-    FrameWriter* const listener = opening.version.empty() ? writer : nullptr;
-    if (listener != nullptr && !parameters && RefusesBeyond(*listener, BeyondVersion(opening)))
-        return 0;
+    if (!parameters && RefusesVersion(opening, DeclaredVersion(opening.path), writer)) return 0;
     if (!INIT()) return 1;
     if (ParseOpened(opening)) {
-        if (listener != nullptr && parameters && RefusesBeyond(*listener, BeyondInParameters()))
-            return 0;
+        if (parameters && RefusesVersion(opening, DeclaredAmiVersion(), writer)) return 0;
         TEST(opening.type, 1);
     }
     FINI();
@@ -109,14 +96,6 @@ void FindingSink::Receive(const ErrRecord* record, void* user)
     sink.m_Take(std::move(finding));
 }
 
-std::string BeyondVersion(const Opening& opening)
-{
-    const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(
-        std::fopen(opening.path.c_str(), "rbe"), std::fclose);
-    const std::optional<VersionPlace> place = file ? FindVersion(file.get()) : std::nullopt;
-    return place && BeyondKnown(place->value) ? place->value : "";
-}
-
 int SendFindings(const Opening& opening, FrameWriter& writer)
 {
     const FindingSink sink(opening, [&writer](const Finding& finding) { Send(writer, finding); });
@@ -130,10 +109,12 @@ int PrintClassic(const Opening& opening)
 
 void ReportReceiver::Receive(FrameFields frame)
 {
-    if (frame.Number() == FRAME_BEYOND) {
-        m_Report.status = FileStatus::Beyond;
+    if (frame.Number() == FRAME_VERSION) {
         m_Report.declared = frame.Text();
-        m_Report.reason = BeyondText(m_Report.declared);
+        if (frame.Number() != 0) {
+            m_Report.status = FileStatus::Beyond;
+            m_Report.reason = BeyondText(m_Report.declared);
+        }
         return;
     }
     Finding finding;

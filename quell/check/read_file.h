@@ -30,9 +30,6 @@ private:
     std::FILE* m_Nowhere;
 };
 
-// The version that an IBIS, package or board file declares, when it is beyond the known ones.
-std::string BeyondVersion(const Opening& opening);
-
 // The whole run of the library over one file, its messages as frames. A file that declares a
 // version beyond the known ones is not checked, unless the opening tells the version.
 int SendFindings(const Opening& opening, FrameWriter& writer);

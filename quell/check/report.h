@@ -48,7 +48,7 @@ struct FileReport {
     std::string reason;            // one line when the status is not Checked
     unsigned long failedLine = 0;  // of a reader that failed
     std::string failedFile;
-    std::string declared;   // version, when it is Beyond
+    std::string declared;   // version; empty when the file tells none
     std::string checkedAs;  // version, when it was told
     std::vector<Finding> findings;
     std::array<size_t, s_SeverityCount> counts = {};

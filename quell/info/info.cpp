@@ -18,7 +18,6 @@ namespace quell {
 namespace {
 
 using Json = nlohmann::ordered_json;
-using File = std::unique_ptr<std::FILE, int (*)(std::FILE*)>;
 
 // A file of a version that the reader does not know is shown as far as the last known one goes.
 constexpr const char* s_LastVersion = "5.0";
@@ -35,7 +34,8 @@ void Send(FrameWriter& writer, Frame kind, const std::string& text)
 
 int SendDescription(const Opening& opening, FrameWriter& writer)
 {
-    const File nowhere(std::fopen("/dev/null", "we"), std::fclose);
+    const std::unique_ptr<std::FILE, int (*)(std::FILE*)> nowhere(std::fopen("/dev/null", "we"),
+                                                                  std::fclose);
     ERRLOG_SetOutputFile(nowhere.get());
     try {
         Send(writer, FRAME_DESCRIPTION, JsonText(DescribeFile(opening)));
@@ -44,15 +44,6 @@ int SendDescription(const Opening& opening, FrameWriter& writer)
         Send(writer, FRAME_PROBLEM, error.what());
         return 1;
     }
-}
-
-// The declared version when the reader does not know it, else empty.
-std::string LaterVersion(const std::string& path)
-{
-    const File file(std::fopen(path.c_str(), "rbe"), std::fclose);
-    if (!file) return "";
-    const std::optional<VersionPlace> place = FindVersion(file.get());
-    return place && BeyondKnown(place->value) ? place->value : "";
 }
 
 Json ReadFile(const std::string& path)
@@ -64,8 +55,9 @@ Json ReadFile(const std::string& path)
     unsigned long long size = 0;
     const std::string reason = WhyNotReadable(path, size);
     if (!reason.empty()) throw InputError(path, 0, reason);
-    const std::string later = opening.type == FILE_AMI ? "" : LaterVersion(path);
-    if (!later.empty()) opening.version = s_LastVersion;
+    const std::string version = opening.type == FILE_AMI ? "" : DeclaredVersion(path);
+    const bool later = BeyondKnown(version);
+    if (later) opening.version = s_LastVersion;
     std::unique_ptr<PrivateFolder> folder;
     if (NeedsOtherName(opening)) {
         folder = std::make_unique<PrivateFolder>();
@@ -83,7 +75,7 @@ Json ReadFile(const std::string& path)
     if (!end.done) throw CommandError(EXIT_READER_FAILED, path + ": " + end.failure);
     if (!problem.empty()) throw InputError(problem);
     Json json = Json::parse(description);
-    if (!later.empty() && json["header"].is_object()) json["header"]["ibis_version"] = later;
+    if (later && json["header"].is_object()) json["header"]["ibis_version"] = version;
     return json;
 }
 

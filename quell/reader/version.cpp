@@ -1,6 +1,8 @@
 // The IBIS version that a file declares.
 #include "quell/reader/version.h"
 
+#include <memory>
+
 #include "quell/lines.h"
 
 namespace quell {
@@ -53,6 +55,14 @@ std::optional<VersionPlace> FindVersion(std::FILE* file)
         return std::nullopt;
     }
     return std::nullopt;
+}
+
+std::string DeclaredVersion(const std::string& path)
+{
+    const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen(path.c_str(), "rbe"),
+                                                               std::fclose);
+    const std::optional<VersionPlace> place = file ? FindVersion(file.get()) : std::nullopt;
+    return place ? place->value : "";
 }
 
 bool BeyondKnown(std::string_view version)

@@ -18,6 +18,9 @@ struct VersionPlace {
 // Empty when the first keyword line is another one or has no value.
 std::optional<VersionPlace> FindVersion(std::FILE* file);
 
+// That value of the file; empty when there is none or the file cannot be read.
+std::string DeclaredVersion(const std::string& path);
+
 // A version after 5.0: 5.1 to 9.9.
 bool BeyondKnown(std::string_view version);
 

@@ -118,6 +118,7 @@ GTEST_TEST(Check, ManyOfOneNumberAreCountedInTheTextAndListedInJson)
     EXPECT_NE(Check(path, 1).find("a.pkg: ... and 10 more of error[0916]\n"), std::string::npos);
     const json result = json::parse(RunQuell("check --format json " + path).out);
     EXPECT_EQ(result["files"][0]["findings"].size(), 30u);
+    EXPECT_EQ(result["files"][0]["declared_version"], "3.2");
     const json finding = result["files"][0]["findings"][29];
     EXPECT_EQ(finding["line"], 33);
     EXPECT_EQ(finding["number"], 916);
