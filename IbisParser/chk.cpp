@@ -49,16 +49,18 @@ static void s_markModel(const Mdl* model, bool* hasCorner)
     CHK_MarkWaveforms(model->falling, hasCorner);
 }
 
-// The combined curves that hold a table were all looked at and none falls.
-static bool s_isSound(const CurveFalls* falls, const bool* holds)
+// How the shape of a table is judged that the combined curves of these states hold.
+static VitblShape s_shapeBy(const CurveFalls* falls, const bool* holds)
 {
     bool any = false;
+    bool beyond = false;
     for (int state = 0; state < CURVE_STATES; ++state) {
         if (!holds[state] || !falls->checked[state]) continue;
-        if (falls->falls[state]) return false;
+        if (falls->falls[state]) return VITBL_OWN_SHAPE;
         any = true;
+        beyond = beyond || falls->beyond[state];
     }
-    return any;
+    return beyond ? VITBL_ANY_SHAPE : any ? VITBL_SOUND : VITBL_OWN_SHAPE;
 }
 
 static void s_checkModelTables(const Mdl* model, const CurveFalls* falls, const bool* hasCorner)
@@ -66,7 +68,6 @@ static void s_checkModelTables(const Mdl* model, const CurveFalls* falls, const 
     static const bool low[CURVE_STATES] = {true, false, false};
     static const bool high[CURVE_STATES] = {false, true, false};
     static const bool all[CURVE_STATES] = {true, true, true};
-    static const bool none[CURVE_STATES] = {false, false, false};
     const MdlTypeInfo* info = MDL_TypeInfo(model->type);
     const CurveSupply drive = CURVE_DriveSupply(model);
     const CurveSupply clamp = CURVE_ClampSupply(model);
@@ -77,26 +78,28 @@ static void s_checkModelTables(const Mdl* model, const CurveFalls* falls, const 
         const Vitbl* table;
         const CurveSupply* supply;
         const bool* holds;
-        bool mustConduct, comparesCorners, mayTurnOver;
+        bool mustConduct, comparesCorners;
     } rows[] = {
-        {model->pulldown, &drive, low, pulldownConducts, true, false},
-        {model->pullup, &drive, high, pullupConducts, true, false},
-        {model->gndClamp, &clamp, all, false, false, false},
-        {model->powerClamp, &clamp, all, false, false, false},
-        {model->issoPD, &drive, none, false, false, true},
-        {model->issoPU, &drive, none, false, false, true},
+        {model->pulldown, &drive, low, pulldownConducts, true},
+        {model->pullup, &drive, high, pullupConducts, true},
+        {model->gndClamp, &clamp, all, false, false},
+        {model->powerClamp, &clamp, all, false, false},
+        {model->issoPD, &drive, nullptr, false, false},
+        {model->issoPU, &drive, nullptr, false, false},
     };
     for (const auto& row : rows) {
         VitblContext context = {
-            *row.supply,     {hasCorner[0], hasCorner[1], hasCorner[2]},
-            row.mustConduct, row.comparesCorners,
-            row.mayTurnOver, s_isSound(falls, row.holds) ? model->name : nullptr,
+            *row.supply,
+            {hasCorner[0], hasCorner[1], hasCorner[2]},
+            row.mustConduct,
+            row.comparesCorners,
+            row.holds != nullptr ? s_shapeBy(falls, row.holds) : VITBL_ANY_SHAPE,
             &soundSaid};
         VITBL_Check(row.table, &context);
     }
-    VitblContext series = {
-        drive,     {hasCorner[0], hasCorner[1], hasCorner[2]}, false, false, false, nullptr,
-        &soundSaid};
+    VitblContext series = {drive,           {hasCorner[0], hasCorner[1], hasCorner[2]},
+                           false,           false,
+                           VITBL_OWN_SHAPE, &soundSaid};
     for (const SerEl* elements : model->series) {
         if (elements == nullptr) continue;
         VITBL_Check(elements->current, &series);
@@ -236,19 +239,19 @@ static const CurveFalls* s_falls(Users* users, const Mdl* model, const CurveSubM
 }
 
 // A clamp that a model adds is judged with that model's own clamps: often it is a difference only.
-static bool s_isSoundClamp(const SubMdl* submodel, const Mdl* user, const AddSub* row,
-                           const CurveSubMdls* submodels, Users* users)
+static VitblShape s_shapeOfClamp(const SubMdl* submodel, const Mdl* user, const AddSub* row,
+                                 const CurveSubMdls* submodels, Users* users)
 {
     if (user == nullptr || row == nullptr || submodel->type != SUBMDL_DYNAMIC_CLAMP ||
         submodel->gndPulse != nullptr || submodel->powerPulse != nullptr)
-        return false;
+        return VITBL_OWN_SHAPE;
     const CurveFalls* falls = s_falls(users, user, submodels);
     const bool driving = (row->mode & ADDSUB_DRIVING) != 0;
     const bool holds[CURVE_STATES] = {driving, driving, (row->mode & ADDSUB_NON_DRIVING) != 0};
-    return falls != nullptr && s_isSound(falls, holds);
+    return falls != nullptr ? s_shapeBy(falls, holds) : VITBL_OWN_SHAPE;
 }
 
-static void s_checkSubMdlTables(const SubMdl* submodel, const Mdl* user, bool sound,
+static void s_checkSubMdlTables(const SubMdl* submodel, const Mdl* user, VitblShape shape,
                                 const bool* hasCorner)
 {
     const CurveSupply none = {};
@@ -256,10 +259,8 @@ static void s_checkSubMdlTables(const SubMdl* submodel, const Mdl* user, bool so
     const CurveSupply clamp = user != nullptr ? CURVE_ClampSupply(user) : none;
     bool soundSaid = false;
     const auto check = [&](const Vitbl* table, const CurveSupply& supply, bool drives) {
-        const VitblContext context = {supply,    {hasCorner[0], hasCorner[1], hasCorner[2]},
-                                      drives,    drives,
-                                      false,     sound ? user->name : nullptr,
-                                      &soundSaid};
+        const VitblContext context = {
+            supply, {hasCorner[0], hasCorner[1], hasCorner[2]}, drives, drives, shape, &soundSaid};
         VITBL_Check(table, &context);
     };
     check(submodel->pulldown, drive, true);
@@ -282,7 +283,7 @@ static void s_checkSubMdl(const SubMdl* submodel, Users* users, const CurveSubMd
         CHK_MarkTable(table, hasCorner);
     CHK_MarkWaveforms(submodel->rising, hasCorner);
     CHK_MarkWaveforms(submodel->falling, hasCorner);
-    s_checkSubMdlTables(submodel, user, s_isSoundClamp(submodel, user, row, submodels, users),
+    s_checkSubMdlTables(submodel, user, s_shapeOfClamp(submodel, user, row, submodels, users),
                         hasCorner);
     s_checkPulse(submodel, submodel->gndPulse);
     s_checkPulse(submodel, submodel->powerPulse);

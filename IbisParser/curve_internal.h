@@ -83,11 +83,15 @@ double CURVE_LargestCurrent(const Curve* curve, double low, double high, double*
 // The loss that a run must exceed.
 double CURVE_RunLimit(const Curve* curve, double low, double high);
 
-// Which combined curves fall between the rails in some corner: the table's own shape is judged by
-// them. checked: the state belongs to the type and was built in some corner.
+// The states that the model's type takes and whose curve has a table of its own to judge.
+bool CURVE_TakesState(const Mdl* model, int state);
+
+// Which combined curves fall in some corner: the table's own shape is judged by them. checked: the
+// state belongs to the type and was built in some corner; beyond: it falls outside the rails only.
 struct CurveFalls {
     bool checked[CURVE_STATES];
     bool falls[CURVE_STATES];
+    bool beyond[CURVE_STATES];
 };
 // The rules of CURVE_Check on curves that are built already.
 void CURVE_CheckShape(const Mdl* model, const CurveSet* set, CurveFalls* falls, bool report);

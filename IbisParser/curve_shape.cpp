@@ -63,8 +63,7 @@ double CURVE_RunLimit(const Curve* curve, double low, double high)
                     CURVE_RUN_SHARE * CURVE_LargestCurrent(curve, low, high, nullptr));
 }
 
-// The states that the model's type takes and whose curve has a table of its own to judge.
-static bool s_takesState(const Mdl* model, int state)
+bool CURVE_TakesState(const Mdl* model, int state)
 {
     const MdlTypeInfo* info = MDL_TypeInfo(model->type);
     if (info == nullptr) return false;
@@ -107,7 +106,7 @@ void CURVE_CheckShape(const Mdl* model, const CurveSet* set, CurveFalls* falls, 
     static const char* const names[CURVE_STATES] = {"low", "high", "receive"};
     *falls = {};
     for (int state = 0; state < CURVE_STATES; ++state) {
-        if (!s_takesState(model, state)) continue;
+        if (!CURVE_TakesState(model, state)) continue;
         Worst inside = {};
         Worst beyond = {};
         for (int corner = 0; corner < CORNER_COUNT; ++corner) {
@@ -125,6 +124,7 @@ void CURVE_CheckShape(const Mdl* model, const CurveSet* set, CurveFalls* falls, 
                 s_keep(&beyond, &run, limit, corner);
         }
         falls->falls[state] = inside.found;
+        falls->beyond[state] = !inside.found && beyond.found;
         if (!report) continue;
         if (inside.found)
             s_reportInside(model, state, &inside);

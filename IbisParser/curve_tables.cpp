@@ -161,8 +161,9 @@ static void s_checkTermination(const Mdl* model, const CurveRails* rails)
         const double larger = std::max(std::fabs(ofGnd), std::fabs(ofPower));
         twins += std::min(std::fabs(ofGnd), std::fabs(ofPower)) > TWIN_FLOOR &&
                  std::fabs(ofGnd - ofPower) <= TWIN_SHARE * larger;
-        if (quarter == 2 && std::fabs(ofGnd) + std::fabs(ofPower) > TERMINATION)
-            ERRLOG_NoteNew(4714, model->name, s_Typ, ofGnd + ofPower);
+        if (quarter == 2 && CURVE_TakesState(model, CURVE_OFF) &&
+            std::fabs(ofGnd) + std::fabs(ofPower) > TERMINATION)
+            ERRLOG_NoteNew(4714, model->name, s_Typ, std::fabs(ofGnd) + std::fabs(ofPower));
     }
     if (twins == 3) ERRLOG_WarnNew(4715, model->name, s_Typ);
     CURVE_Free(&gnd);

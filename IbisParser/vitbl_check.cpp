@@ -55,10 +55,10 @@ static void s_checkMonotonic(const Vitbl* table, const VitblContext* context)
         }
     }
     if (worstCorner == CORNER_COUNT) return;
-    if (context->soundModel == nullptr) {
+    if (context->shape == VITBL_OWN_SHAPE) {
         ERRLOG_WarnNew(3211, table->name, table->owner, TABLE_CornerName(worstCorner), worst.from);
     } else if (!*context->soundSaid) {
-        ERRLOG_NoteNew(4718, context->soundModel, TABLE_CornerShort(worstCorner), table->name);
+        ERRLOG_NoteNew(4718, table->owner, TABLE_CornerShort(worstCorner), table->name);
         *context->soundSaid = true;
     }
 }
@@ -191,7 +191,7 @@ void VITBL_Check(const Vitbl* table, const VitblContext* context)
 {
     CMN_ASSERT(context != nullptr);
     if (table == nullptr) return;
-    if (!context->mayTurnOver) s_checkMonotonic(table, context);
+    if (context->shape != VITBL_ANY_SHAPE) s_checkMonotonic(table, context);
     s_checkSize(table);
     s_checkZero(table, context);
     s_checkSteps(table, context);

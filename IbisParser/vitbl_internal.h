@@ -11,15 +11,19 @@
 #include "IbisParser/curve_internal.h"
 
 // What the rules ask of the table's surroundings.
+enum VitblShape {
+    VITBL_OWN_SHAPE,  // the table's own shape counts
+    VITBL_SOUND,      // the combined curves that hold it do not fall, which is worth a note
+    VITBL_ANY_SHAPE   // ISSO tables, and what a message on the combined curves tells
+};
+
 struct VitblContext {
     CurveSupply supply;            // the span in which currents matter
     bool hasCorner[CORNER_COUNT];  // some table or waveform of the owner has numbers there
     bool mustConduct;              // all zero is worth a word
     bool comparesCorners;          // pulldown and pullup: minimum against maximum
-    bool mayTurnOver;              // ISSO tables
-    // The model whose combined curves hold this table and do not fall; null when there is none.
-    const char* soundModel;
-    bool* soundSaid;  // the note on that is raised once for its model
+    VitblShape shape;
+    bool* soundSaid;  // the note on sound curves is raised once for their model
 };
 
 void VITBL_Check(const Vitbl* table, const VitblContext* context);
