@@ -201,30 +201,5 @@ GTEST_TEST(Channel, NamesThatAreNoChannel)
         EXPECT_EQ(Error(row.name, {}), row.message);
 }
 
-// The real files, where they are: losses that another program computed.
-GTEST_TEST(Channel, RealFiles)
-{
-    const std::filesystem::path folder =
-        std::filesystem::path(QUELL_SOURCE_DIR) / "../../shared/corpus/channels";
-    if (!std::filesystem::exists(folder)) GTEST_SKIP() << "no " << folder;
-    static const struct {
-        const char* name;
-        double loss;
-    } rows[] = {
-        {"300mm-s2000m.s2p", 3.5},
-        {"pcb_stripline_238mm.s2p", 2.8},
-        {"peters_01_0605_B12_thru.s4p", 8.1},
-        {"SerDes_Demo_02_Thru.s4p", 5.5},
-        {"Sparq_demo_16.s4p", 4.2},
-        {"TEC_SMT_IO_42GHz_Thru_B5B6_10in.s4p", 2.6},
-        {"test_channel_4port.s4p", 0.3},
-    };
-    for (const auto& row : rows) {
-        const ImpulseMatrix matrix = BuildImpulseMatrix((folder / row.name).string(), {}, {});
-        EXPECT_NEAR(*matrix.columns[0].loss, row.loss, 0.1) << row.name;
-        EXPECT_NEAR(DcGain(matrix.columns[0].impulse, matrix.grid.Interval()), 1, 0.06) << row.name;
-    }
-}
-
 }  // namespace
 }  // namespace quell
