@@ -169,6 +169,22 @@ static bool s_followedBy(int wanted, FILE* stream)
     return false;
 }
 
+static bool s_isPlain(int c)
+{
+    return c >= 32 && c < 128;
+}
+
+// Stores c and the plain characters after it that fit; gives the first one that is neither.
+static int s_storePlain(LineBuffer* line, int c, FILE* stream)
+{
+    char* text = line->text + line->length;
+    const char* end = line->text + line->room;
+    for (; s_isPlain(c) && text < end; c = getc_unlocked(stream))
+        *text++ = static_cast<char>(c);
+    line->length = static_cast<size_t>(text - line->text);
+    return c;
+}
+
 enum LineEnd { LINE_NONE, LINE_DONE, LINE_NO_MEMORY };
 
 // Reads one physical line, up to and with its end.
@@ -178,8 +194,8 @@ static LineEnd s_readLine(LineBuffer* line, FILE* stream)
     if (c == EOF) return LINE_NONE;
     // The terminator needs room even when the line turns out empty.
     if (!s_makeRoom(line)) return LINE_NO_MEMORY;
-    for (; c != EOF; c = getc_unlocked(stream)) {
-        if (c < 32 || c >= 128) {
+    while ((c = s_storePlain(line, c, stream)) != EOF) {
+        if (!s_isPlain(c)) {
             if (c == '\n' || (c == '\r' && s_followedBy('\n', stream)))
                 return s_store(line, '\n') ? LINE_DONE : LINE_NO_MEMORY;
             if (c == CTRL_Z && s_followedBy(EOF, stream)) break;
@@ -192,6 +208,7 @@ static LineEnd s_readLine(LineBuffer* line, FILE* stream)
             }
         }
         if (!s_store(line, c)) return LINE_NO_MEMORY;
+        c = getc_unlocked(stream);
     }
     return LINE_DONE;
 }
