@@ -100,7 +100,11 @@ public:
 private:
     SecNameIndex<const Mdl> m_Models;
     SecNameIndex<const Msel> m_Selectors;
-    mutable IdxTable m_Defaults;  // models of the selectors, as they are found
+    const Mdl* Find(const char* name) const;
+
+    mutable IdxTable m_Defaults;               // models of the selectors, as they are found
+    mutable const char* m_LastName = nullptr;  // neighbouring pins mostly share a model
+    mutable const Mdl* m_Last = nullptr;
 };
 
 // The type as a file writes it; "unknown" when the model gave none.

@@ -20,6 +20,15 @@ CmpntNames::~CmpntNames()
 
 const Mdl* CmpntNames::Resolve(const char* name) const
 {
+    if (m_LastName == nullptr || std::strcmp(name, m_LastName) != 0) {
+        m_Last = Find(name);
+        m_LastName = name;
+    }
+    return m_Last;
+}
+
+const Mdl* CmpntNames::Find(const char* name) const
+{
     const Mdl* model = m_Models.Find(name);
     const Msel* selector = model == nullptr ? m_Selectors.Find(name) : nullptr;
     if (selector == nullptr) return model;

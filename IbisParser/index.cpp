@@ -6,27 +6,48 @@
 
 static const char s_Module[] = "IbisParser/index";
 
-// FNV-1a.
-static std::uint64_t s_hash(const void* key, std::size_t length)
+namespace {
+
+struct Key {
+    const void* bytes;
+    std::size_t length;
+    std::uint64_t hash;
+};
+
+// FNV-1a over bytes up to the one where ends(i) holds.
+template <typename Ends>
+Key MakeKey(const void* key, Ends ends)
 {
     const unsigned char* bytes = static_cast<const unsigned char*>(key);
     std::uint64_t hash = 14695981039346656037u;
-    for (std::size_t i = 0; i < length; ++i)
+    std::size_t i = 0;
+    for (; !ends(i); ++i)
         hash = (hash ^ bytes[i]) * 1099511628211u;
     // The low bits choose the slot; fold the better mixed high ones into them.
-    return hash ^ (hash >> 32);
+    return {key, i, hash ^ (hash >> 32)};
 }
 
-// The entry of the key, or the free one where it belongs. The table must have a free entry.
-static IdxEntry* s_probe(const IdxTable* table, std::uint64_t hash, const void* key,
-                         std::size_t length)
+Key BytesKey(const void* key, std::size_t length)
 {
-    std::size_t i = hash & (table->capacity - 1);
+    return MakeKey(key, [length](std::size_t i) { return i == length; });
+}
+
+Key NameKey(const char* name)
+{
+    return MakeKey(name, [name](std::size_t i) { return name[i] == '\0'; });
+}
+
+}  // namespace
+
+// The entry of the key, or the free one where it belongs. The table must have a free entry.
+static IdxEntry* s_probe(const IdxTable* table, const Key& key)
+{
+    std::size_t i = key.hash & (table->capacity - 1);
     for (;; i = (i + 1) & (table->capacity - 1)) {
         IdxEntry* entry = &table->entries[i];
         if (entry->key == nullptr) return entry;
-        if (entry->hash == hash && entry->length == length &&
-            std::memcmp(entry->key, key, length) == 0)
+        if (entry->hash == key.hash && entry->length == key.length &&
+            std::memcmp(entry->key, key.bytes, key.length) == 0)
             return entry;
     }
 }
@@ -40,7 +61,7 @@ static int s_grow(IdxTable* table)
     for (std::size_t i = 0; i < table->capacity; ++i) {
         const IdxEntry* entry = &table->entries[i];
         if (entry->key != nullptr)
-            *s_probe(&larger, entry->hash, entry->key, entry->length) = *entry;
+            *s_probe(&larger, {entry->key, entry->length, entry->hash}) = *entry;
     }
     IDX_Clear(table);
     *table = larger;
@@ -50,22 +71,25 @@ static int s_grow(IdxTable* table)
 void* IDX_Find(const IdxTable* table, const void* key, std::size_t length)
 {
     CMN_ASSERT(table != nullptr && key != nullptr);
-    if (table->count == 0) return nullptr;
-    return s_probe(table, s_hash(key, length), key, length)->value;
+    return table->count == 0 ? nullptr : s_probe(table, BytesKey(key, length))->value;
+}
+
+static int s_slot(IdxTable* table, const Key& key, void*** value)
+{
+    if (3 * (table->count + 1) > 2 * table->capacity && !s_grow(table)) return 0;
+    IdxEntry* entry = s_probe(table, key);
+    if (entry->key == nullptr) {
+        *entry = {key.hash, key.bytes, key.length, nullptr};
+        ++table->count;
+    }
+    *value = &entry->value;
+    return 1;
 }
 
 int IDX_Slot(IdxTable* table, const void* key, std::size_t length, void*** value)
 {
     CMN_ASSERT(table != nullptr && key != nullptr && value != nullptr);
-    if (3 * (table->count + 1) > 2 * table->capacity && !s_grow(table)) return 0;
-    const std::uint64_t hash = s_hash(key, length);
-    IdxEntry* entry = s_probe(table, hash, key, length);
-    if (entry->key == nullptr) {
-        *entry = {hash, key, length, nullptr};
-        ++table->count;
-    }
-    *value = &entry->value;
-    return 1;
+    return s_slot(table, BytesKey(key, length), value);
 }
 
 void IDX_Clear(IdxTable* table)
@@ -79,10 +103,12 @@ void IDX_Clear(IdxTable* table)
 
 void* IDX_FindName(const IdxTable* table, const char* name)
 {
-    return IDX_Find(table, name, std::strlen(name));
+    CMN_ASSERT(table != nullptr && name != nullptr);
+    return table->count == 0 ? nullptr : s_probe(table, NameKey(name))->value;
 }
 
 int IDX_SlotName(IdxTable* table, const char* name, void*** value)
 {
-    return IDX_Slot(table, name, std::strlen(name), value);
+    CMN_ASSERT(table != nullptr && name != nullptr && value != nullptr);
+    return s_slot(table, NameKey(name), value);
 }

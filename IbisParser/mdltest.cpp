@@ -185,10 +185,13 @@ MdlPairs::MdlPairs(IbisRoot* root)
         *value = this;
         return isNew;
     };
+    const char* previous = "";
     for (const Cmpnt* component = root->cmpnts; component; component = component->next)
         for (const DiffPin* pair = component->diffPins; pair; pair = pair->next)
             for (const Pin* pin : pair->pins) {
-                if (pin == nullptr || pin->kind != PIN_MODEL || !add(pin->model)) continue;
+                if (pin == nullptr || pin->kind != PIN_MODEL) continue;
+                if (std::strcmp(pin->model, previous) == 0 || !add(pin->model)) continue;
+                previous = pin->model;
                 const Msel* selector = selectors.Find(pin->model);
                 if (selector == nullptr) continue;
                 for (const MselRow* row = selector->rows; row; row = row->next)
