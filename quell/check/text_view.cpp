@@ -99,15 +99,27 @@ std::string SourceText(const std::string& line, const std::string& message, cons
            paint(s_Green, "^" + std::string(width - 1, '~')) + "\n";
 }
 
+// Some messages end with the line that they are about.
+bool QuotesLine(std::string_view message, std::string_view line)
+{
+    const size_t end = message.rfind('\n');
+    const size_t quoted = message.find_first_not_of(" \n", end);
+    if (end == std::string_view::npos || quoted == std::string_view::npos) return false;
+    line.remove_prefix(std::min(line.find_first_not_of(" \t"), line.size()));
+    return line.starts_with(message.substr(quoted));
+}
+
 std::string FindingText(const Finding& finding, const Lines& lines, const Paint& paint)
 {
     std::string place = Printable(finding.file) + ":";
     if (finding.line != 0) place += std::to_string(finding.line) + ":";
     const char* colour = s_Colours[static_cast<size_t>(finding.severity)];
-    std::string text = paint(s_Bold, place) + " " + paint(colour, Heading(finding) + ":") + " " +
-                       MessageText(finding.text) + "\n";
+    const std::string message = MessageText(finding.text);
+    std::string text =
+        paint(s_Bold, place) + " " + paint(colour, Heading(finding) + ":") + " " + message + "\n";
     const auto line = lines.find(finding.line);
-    if (line != lines.end() && !Printable(line->second).empty())
+    if (line != lines.end() && !Printable(line->second).empty() &&
+        !QuotesLine(message, line->second))
         text += SourceText(line->second, finding.text, paint);
     return text;
 }

@@ -63,6 +63,8 @@ GTEST_TEST(CheckReport, TheCaretStandsUnderTheQuotedText)
     collector.Add(At("a.ibs", 3, 1, "in the middle: needle\n"));
     collector.Add(At("a.ibs", 4, 1, "behind a wide character 'q'"));
     collector.Add(At("a.ibs", 5, 1, "nothing quoted"));
+    collector.Add(At("a.ibs", 5, 2, "all of it:\nlas"));
+    collector.Add(At("a.ibs", 5, 2, "a last empty line\n  "));
     collector.Add(At("a.ibs", 6, 1, "no such line"));
     collector.Finish();
     const std::string before(30, 'x');
@@ -84,8 +86,13 @@ GTEST_TEST(CheckReport, TheCaretStandsUnderTheQuotedText)
                   "      ^\n"
                   "a.ibs:5: error[0001]: nothing quoted\n"
                   "    last\n"
+                  "a.ibs:5: error[0002]: all of it:\n"
+                  "    las\n"
+                  "a.ibs:5: error[0002]: a last empty line\n"
+                  "      \n"
+                  "    last\n"
                   "a.ibs:6: error[0001]: no such line\n"
-                  "a.ibs: 6 errors\n");
+                  "a.ibs: 8 errors\n");
 }
 
 GTEST_TEST(CheckReport, ExitCodeOfSeveralFiles)
