@@ -107,6 +107,13 @@ int PrintClassic(const Opening& opening)
     return Run(opening, nullptr);
 }
 
+bool ReportReceiver::IsRepeated(const Finding& finding)
+{
+    const std::string whole = finding.file + '\n' + std::to_string(finding.line) + '\n' +
+                              std::to_string(finding.number) + '\n' + finding.text;
+    return !m_Told.insert(std::hash<std::string>()(whole)).second;
+}
+
 void ReportReceiver::Receive(FrameFields frame)
 {
     if (frame.Number() == FRAME_VERSION) {
@@ -127,6 +134,7 @@ void ReportReceiver::Receive(FrameFields frame)
     finding.file =
         companion.empty() ? m_Report.name : FolderOf(m_Report.name) + std::string(companion);
     finding.text = frame.Text();
+    if (!companion.empty() && IsRepeated(finding)) return;
     if (m_Each) m_Each(finding);
     m_Findings.Add(std::move(finding));
 }

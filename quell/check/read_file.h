@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <functional>
 #include <string>
+#include <unordered_set>
 
 #include "IbisParser/errlog.h"
 #include "quell/check/report.h"
@@ -51,6 +52,10 @@ public:
     void End(const ChildEnd& end);
 
 private:
+    bool IsRepeated(const Finding& finding);
+
+    // Of companions, hashed: the reader reads one again for each line that names it.
+    std::unordered_set<size_t> m_Told;
     FileReport& m_Report;
     FindingCollector m_Findings;
     std::function<void(const Finding&)> m_Each;

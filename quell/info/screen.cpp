@@ -38,10 +38,14 @@ std::string Count(size_t count, const char* one, const char* many)
     return std::to_string(count) + ' ' + (count == 1 ? one : many);
 }
 
+// The first line that holds anything, with a mark where more follow.
 std::string FirstLine(const std::string& text)
 {
     const size_t begin = text.find_first_not_of(" \n");
-    return begin == std::string::npos ? "" : text.substr(begin, text.find('\n', begin) - begin);
+    if (begin == std::string::npos) return "";
+    const size_t end = text.find('\n', begin);
+    const bool more = text.find_first_not_of(" \n", end) != std::string::npos;
+    return text.substr(begin, end - begin) + (more ? " ..." : "");
 }
 
 // Rows below a title, columns aligned; nothing for no rows.

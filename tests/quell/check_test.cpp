@@ -133,6 +133,11 @@ GTEST_TEST(Check, CompanionsAreFoundAndKeepTheirNames)
     const ScratchFolder scratch;
     const std::string kit = QUELL_BINARY_DIR "/kit/";
     std::string ibs = ReadFile(kit + "quell_pcie_gen2_tx.ibs");
+    // Two lines name the parameter file, which is told of once.
+    const size_t executable = ibs.find("Executable ");
+    ASSERT_NE(executable, std::string::npos);
+    ibs.insert(executable,
+               "Executable Linux_other_64 quell_pcie_gen2_tx.so quell_pcie_gen2_tx.ami\n");
     std::filesystem::create_directory(scratch.Path("models"));
     scratch.Write("models/quell_pcie_gen2_tx.ami", "(Tx (Model_Specific (a (Usage Odd))))\n");
     scratch.Write("models/quell_pcie_gen2_tx.so", "");

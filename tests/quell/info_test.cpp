@@ -150,7 +150,7 @@ GTEST_TEST(Info, Screen)
     EXPECT_EQ(result.exitCode, 0);
     static const char* const lines[] = {
         "  IBIS 5.0, file c.ibs, rev 1.0, date today\n",
-        "  source: first line\n",
+        "  source: first line ...\n",
         "Component ZQ100 Demo, Quarzel Labs\n",
         "  package: R 100 mohm, L 3 nH, C 500 fF\n",
         "    tx     Output    2 pins  3 4\n",
