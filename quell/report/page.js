@@ -88,6 +88,7 @@
         function xAt(value) { return area.x + graph.toPercentXCoord(value) * area.w; }
         context.save();
         context.font = '11px sans-serif';
+        var ends = [0, 0, 0, 0];
         plot.bands.forEach(function (band) {
             var left = Math.max(area.x, xAt(band.from));
             var right = Math.min(area.x + area.w, xAt(band.to));
@@ -97,7 +98,11 @@
             context.fillRect(left, area.y, Math.max(right - left, 2), area.h);
             context.globalAlpha = 1;
             context.fillStyle = context.strokeStyle = colourOf('s7');
-            context.fillText(band.label, left + 3, area.y + area.h - 6);
+            // Labels of neighbours stand above each other, as long as there is room.
+            var row = ends.findIndex(function (end) { return end <= left; });
+            if (row < 0) return;
+            ends[row] = left + 4 + context.measureText(band.label).width;
+            context.fillText(band.label, left + 3, area.y + area.h - 6 - 13 * row);
         });
         context.strokeStyle = context.fillStyle = colourOf('markline');
         context.setLineDash([2, 3]);

@@ -2,6 +2,7 @@
 #include "quell/report/plot.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <map>
 
@@ -115,6 +116,8 @@ std::string CurvePath(const SvgFrame& frame, const PlotSeries& series)
 
 void DrawBands(SvgFrame* frame, const LinePlot& plot)
 {
+    // Labels of neighbours stand above each other, as long as there is room.
+    std::array<double, 4> ends = {};
     for (const PlotBand& band : plot.bands) {
         const double left = std::clamp(frame->X(band.from), SvgFrame::Left, frame->Right());
         const double right = std::clamp(frame->X(band.to), SvgFrame::Left, frame->Right());
@@ -126,7 +129,13 @@ void DrawBands(SvgFrame* frame, const LinePlot& plot)
                    "\" width=\"" + Coordinate(width) + "\" height=\"" +
                    Coordinate(frame->Height()) + "\"><title>" + Escaped(band.label) +
                    "</title></rect>\n");
-        frame->Add(SvgText(left + 3, frame->Bottom() - 6, "start", "mark", band.label));
+        const auto row =
+            std::find_if(ends.begin(), ends.end(), [left](double end) { return end <= left; });
+        if (row == ends.end()) continue;
+        *row = left + 6.5 * static_cast<double>(band.label.size());
+        frame->Add(SvgText(left + 3,
+                           frame->Bottom() - 6 - 13 * static_cast<double>(row - ends.begin()),
+                           "start", "mark", band.label));
     }
 }
 

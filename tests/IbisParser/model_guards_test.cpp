@@ -25,10 +25,12 @@ GTEST_TEST(ModelChecks, GuardAgainstRecordsThatNoFileGives)
     model.schedule = &row;
     model.type = MDL_OUTPUT;
     RCVTH_Check(&model);
-    EXPECT_EQ(messages.Take()[0], "2006 Model 'm' (Output) is no receiver but has [Receiver Thresholds].");
+    EXPECT_EQ(messages.Take()[0],
+              "2006 Model 'm' (Output) is no receiver but has [Receiver Thresholds].");
     model.type = MDL_INPUT;
     DRVSH_Test(&model);
-    EXPECT_EQ(messages.Take()[0], "3012 Model 'm' (Input) does not drive but has a [Driver Schedule].");
+    EXPECT_EQ(messages.Take()[0],
+              "3012 Model 'm' (Input) does not drive but has a [Driver Schedule].");
     model.type = 99;
     chk_CheckAllModels(&model);
     EXPECT_EQ(messages.TakeNumbers().substr(0, 3), "701");
