@@ -1,6 +1,7 @@
 // Splitting of sub-parameter lines, and the setters of ranges and single values.
 #include "IbisParser/krng.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstring>
 
@@ -21,8 +22,10 @@ static void s_dropItem(CmnArgs* args, int i)
 int KRNG_Split(const char* line, int max, CmnArgs* args)
 {
     CMN_ASSERT(line != nullptr && args != nullptr && max > 0);
-    // Two more slots than items, for the "=" and one too many.
-    if (!CMN_ArgParsePlus(line, max + 2, '=', args)) return 0;
+    // Every "=" takes a slot until it is dropped.
+    if (!CMN_ArgParsePlus(line, 0, '=', args) ||
+        !CMN_ArgParsePlus(line, std::max(args->argc, 1), '=', args))
+        return 0;
     int equals = 0;
     for (int i = 0; i < args->nStored;) {
         if (std::strcmp(args->argv[i], "=") != 0) {

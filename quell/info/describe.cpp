@@ -6,7 +6,6 @@
 #include <vector>
 
 #include "IbisParser/algmod.h"
-#include "IbisParser/amitree.h"
 #include "IbisParser/cmpnt.h"
 #include "IbisParser/ebdmdl.h"
 #include "IbisParser/errlog.h"
@@ -20,6 +19,7 @@
 #include "IbisParser/testdata.h"
 #include "IbisParser/testload.h"
 #include "quell/errors.h"
+#include "quell/params/ami_tree.h"
 
 namespace quell {
 
@@ -282,28 +282,22 @@ void DescribeDocument(Json& json, const IbisRoot& root)
 // The names below a branch of the root, "Reserved_Parameters" or "Model_Specific".
 void DescribeParameters(Json& json)
 {
-    _tagTreeStruct* tree = nullptr;
     json["root"] = nullptr;
     json["branches"] = Json::object();
-    if (gsBuffer == nullptr || GetParsedTree(gsBuffer, &tree) != TREE_OK) return;
-    if (tree->count > 0 && tree->nodes[0].kind == NODE_BRANCH) {
-        const auto* root = static_cast<const _tagBranchStruct*>(tree->nodes[0].detail);
-        json["root"] = Text(root->name);
-        for (int i = 0; i < root->childCount; ++i) {
-            if (root->children[i].kind != NODE_BRANCH) continue;
-            const auto* branch = static_cast<const _tagBranchStruct*>(root->children[i].detail);
-            Json names = Json::array();
-            for (int k = 0; k < branch->childCount; ++k) {
-                const _tagNodeStruct& child = branch->children[k];
-                const char* name = child.kind == NODE_BRANCH
-                                       ? static_cast<const _tagBranchStruct*>(child.detail)->name
-                                       : static_cast<const _tagLeafStruct*>(child.detail)->name;
-                if (child.kind == NODE_BRANCH) names.push_back(Text(name));
-            }
-            json["branches"][branch->name] = names;
-        }
+    const AmiTree tree;
+    if (tree.Result() != TREE_OK || tree.Root() == nullptr) return;
+    const _tagBranchStruct* root = BranchOf(*tree.Root());
+    if (root == nullptr) return;
+    json["root"] = Text(root->name);
+    for (int i = 0; i < root->childCount; ++i) {
+        const _tagBranchStruct* branch = BranchOf(root->children[i]);
+        if (branch == nullptr) continue;
+        Json names = Json::array();
+        for (int k = 0; k < branch->childCount; ++k)
+            if (const _tagBranchStruct* child = BranchOf(branch->children[k]))
+                names.push_back(Text(child->name));
+        json["branches"][branch->name] = names;
     }
-    FreeParsedTree(&tree);
 }
 
 // The first message, for a file that cannot be read.

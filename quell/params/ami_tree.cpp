@@ -5,11 +5,39 @@
 #include <memory>
 #include <vector>
 
-#include "IbisParser/amitree.h"
 #include "IbisParser/errlog.h"
 #include "IbisParser/parse.h"
 
 namespace quell {
+
+AmiTree::AmiTree()
+{
+    if (gsBuffer == nullptr) return;
+    const int saved = gbAllowAnyLineLength;
+    gbAllowAnyLineLength = 1;  // long runs of blanks are legal here
+    m_Result = GetParsedTree(gsBuffer, &m_Tree);
+    gbAllowAnyLineLength = saved;
+}
+
+AmiTree::~AmiTree()
+{
+    FreeParsedTree(&m_Tree);
+}
+
+const _tagNodeStruct* AmiTree::Root() const
+{
+    return m_Tree != nullptr && m_Tree->count > 0 ? &m_Tree->nodes[0] : nullptr;
+}
+
+const _tagBranchStruct* BranchOf(const _tagNodeStruct& node)
+{
+    return node.kind == NODE_BRANCH ? static_cast<const _tagBranchStruct*>(node.detail) : nullptr;
+}
+
+const _tagLeafStruct* LeafOf(const _tagNodeStruct& node)
+{
+    return node.kind == NODE_LEAF ? static_cast<const _tagLeafStruct*>(node.detail) : nullptr;
+}
 
 namespace {
 
@@ -21,32 +49,6 @@ constexpr const char* s_Specific = "Model_Specific";
 // versions.
 constexpr const char* s_FormatNames[] = {"Value", "Range",    "List",       "Corner", "Increment",
                                          "Steps", "Gaussian", "Dual-Dirac", "DjRj",   "Table"};
-
-class Tree {
-public:
-    // Of the text that the library read last.
-    Tree()
-    {
-        if (gsBuffer == nullptr) return;
-        const int saved = gbAllowAnyLineLength;
-        gbAllowAnyLineLength = 1;  // long runs of blanks are legal here
-        m_Result = GetParsedTree(gsBuffer, &m_Tree);
-        gbAllowAnyLineLength = saved;
-    }
-    ~Tree() { FreeParsedTree(&m_Tree); }
-    Tree(const Tree&) = delete;
-    Tree& operator=(const Tree&) = delete;
-
-    int Result() const { return m_Result; }
-    const _tagNodeStruct* Root() const
-    {
-        return m_Tree != nullptr && m_Tree->count > 0 ? &m_Tree->nodes[0] : nullptr;
-    }
-
-private:
-    _tagTreeStruct* m_Tree = nullptr;
-    int m_Result = TREE_NO_LIST;
-};
 
 const char* ProblemOf(int result)
 {
@@ -63,16 +65,6 @@ const char* ProblemOf(int result)
         default:
             return "its parameter tree cannot be read";
     }
-}
-
-const _tagBranchStruct* BranchOf(const _tagNodeStruct& node)
-{
-    return node.kind == NODE_BRANCH ? static_cast<const _tagBranchStruct*>(node.detail) : nullptr;
-}
-
-const _tagLeafStruct* LeafOf(const _tagNodeStruct& node)
-{
-    return node.kind == NODE_LEAF ? static_cast<const _tagLeafStruct*>(node.detail) : nullptr;
 }
 
 const _tagBranchStruct* FindBranch(const _tagBranchStruct* parent, const char* name)
@@ -201,7 +193,7 @@ int SendParameters(const Opening& opening, FrameWriter& writer)
         Send(writer, AMI_FRAME_PROBLEM, "it cannot be read");
         return 1;
     }
-    const Tree tree;
+    const AmiTree tree;
     if (tree.Result() != TREE_OK || tree.Root() == nullptr) {
         if (gsBuffer != nullptr) Send(writer, AMI_FRAME_ROOT, NameBehindParenthesis(gsBuffer));
         Send(writer, AMI_FRAME_PROBLEM, ProblemOf(tree.Result()));
@@ -222,7 +214,7 @@ std::string DeclaredAmiVersion()
 {
     // Most files have none: no second parse for them.
     if (gsBuffer == nullptr || std::strstr(gsBuffer, "AMI_Version") == nullptr) return "";
-    const Tree tree;
+    const AmiTree tree;
     if (tree.Root() == nullptr) return "";
     const _tagBranchStruct* version =
         FindBranch(FindBranch(BranchOf(*tree.Root()), s_Reserved), "AMI_Version");

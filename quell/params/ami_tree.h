@@ -5,6 +5,7 @@
 
 #include <string>
 
+#include "IbisParser/amitree.h"
 #include "quell/reader/frames.h"
 #include "quell/reader/opening.h"
 
@@ -16,6 +17,26 @@ enum AmiFrameKind : uint64_t {
     AMI_FRAME_PARAMETER,  // number: reserved; texts: name, usage, type, default, description;
                           // number: items of its format; texts: the items
 };
+
+// The tree of the parameter text that the library read last.
+class AmiTree {
+public:
+    AmiTree();
+    ~AmiTree();
+    AmiTree(const AmiTree&) = delete;
+    AmiTree& operator=(const AmiTree&) = delete;
+
+    int Result() const { return m_Result; }
+    const _tagNodeStruct* Root() const;  // null when there is none
+
+private:
+    _tagTreeStruct* m_Tree = nullptr;
+    int m_Result = TREE_NO_LIST;
+};
+
+// The node's branch or leaf; null when it is the other.
+const _tagBranchStruct* BranchOf(const _tagNodeStruct& node);
+const _tagLeafStruct* LeafOf(const _tagNodeStruct& node);
 
 // Reads the file and sends what it holds.
 int SendParameters(const Opening& opening, FrameWriter& writer);

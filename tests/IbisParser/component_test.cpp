@@ -39,6 +39,11 @@ GTEST_TEST(Krng, SplitsTheThreeForms)
         {"Vinl = = 1", 1, "Vinl", 2, "1", "E1918 (line    0) - Unexpected '=' found\n"},
         {"Vinl 1 = 2", 3, "Vinl|1|2", 3, "1 = 2", "E1918 (line    0) - Unexpected '=' found\n"},
         {"= 1", 3, "1", 1, "1", "E1918 (line    0) - Unexpected '=' found\n"},
+        // However many stand there, the items are found.
+        {"====a=1", 2, "a|1", 2, "a=1",
+         "E1918 (line    0) - Unexpected '=' found\nE1918 (line    0) - Unexpected '=' found\n"
+         "E1918 (line    0) - Unexpected '=' found\nE1918 (line    0) - Unexpected '=' found\n"
+         "E1918 (line    0) - Unexpected '=' found\n"},
         {"", 3, "", 0, "", ""},
     };
     for (const auto& c : cases) {

@@ -130,6 +130,10 @@ GTEST_TEST(Info, PackagesBoardsTestsAndParameters)
     const Json parameters = s_info(s_Data + "parameters/legal.ami");
     EXPECT_EQ(parameters["type"], "parameters");
     EXPECT_TRUE(parameters["branches"].contains("Reserved_Parameters"));
+
+    const ScratchFolder scratch;
+    const std::string indented = "(t" + std::string(500, ' ') + "(Model_Specific (p (Usage In))))";
+    EXPECT_EQ(s_info(scratch.Write("t.ami", indented))["branches"]["Model_Specific"][0], "p");
 }
 
 GTEST_TEST(Info, LaterVersionIsReadAsTheLastKnown)
