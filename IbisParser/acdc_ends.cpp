@@ -167,10 +167,14 @@ static void s_compareEdges(const AcdcBuffer* buffer, const AcdcCorner* corner, c
 void ACDC_CheckEnds(const AcdcBuffer* buffer, const AcdcCorner* corner)
 {
     Said said = {};
+    // More waveforms than a model may have are told of; each would walk the tables once more.
     for (int edge = RISING; edge <= FALLING; ++edge) {
-        for (const Wvfrm* waveform = buffer->list[edge]; waveform != nullptr;
-             waveform = waveform->next)
+        int checked = 0;
+        for (const Wvfrm* waveform = buffer->list[edge];
+             waveform != nullptr && checked < WVFRM_MAX_PER_OWNER; waveform = waveform->next) {
             s_checkWaveform(buffer, corner, waveform, edge, &said);
+            ++checked;
+        }
     }
     int pairs = 0;
     for (const Wvfrm* rising = buffer->list[RISING];

@@ -169,16 +169,9 @@ static void s_testPorts(CallUse* use, const Circuit* call, const Ext* circuit)
         else
             ERRLOG_ErrorNew(3716, use->component->name, port->node);
     }
-    // Digital ports, and what their conversions stand between, are not wired to the die.
-    if (circuit != nullptr)
-        for (const ExtConversion* row = circuit->conversions; row != nullptr; row = row->next) {
-            SEC_SetAdd(&mapped, row->digital);
-            SEC_SetAdd(&mapped, row->port1);
-            SEC_SetAdd(&mapped, row->port2);
-        }
-    for (const ExtName* port = circuit != nullptr ? circuit->ports : nullptr; port != nullptr;
-         port = port->next)
-        if (std::strncmp(port->name, "D_", 2) != 0 && !SEC_SetHas(&mapped, port->name))
+    for (const ExtName* port = circuit != nullptr ? circuit->wired : nullptr; port != nullptr;
+         port = port->nextWired)
+        if (!SEC_SetHas(&mapped, port->name))
             ERRLOG_WarnNew(3715, use->component->name, port->name, call->name);
     SEC_SetClear(&mapped);
 }

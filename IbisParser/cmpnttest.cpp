@@ -145,6 +145,8 @@ int CMPNT_TestList(Cmpnt* components, Ext* externals, Mdl* models)
     {
         const CmpntNames names(models, root->msels);
         const SecNameIndex<const Ext> circuits(externals);
+        for (Ext* item = externals; item != nullptr; item = item->next)
+            EXT_FindWired(item);
         for (const Cmpnt* component : SecFileOrder<const Cmpnt>(components)) {
             s_testPins(component, names);
             s_testLocations(component);

@@ -82,14 +82,21 @@ static int s_addClamps(CurveParts* list, const Mdl* model, const Vitbl* gnd, con
            s_addPart(list, model, power, MDL_REF_POWER_CLAMP, true, true, corner);
 }
 
-// The clamps of a dynamic clamp are static when no pulse moves them.
+static bool s_isTooLong(const Vitbl* table)
+{
+    return table != nullptr && table->count > static_cast<int>(SEC_Limit(LIMIT_CURVE_POINTS));
+}
+
+// The clamps of a dynamic clamp are static when no pulse moves them. Tables of more points than
+// are allowed, which is told of, stay out: many models may add them.
 static const SubMdl* s_staticClamp(const CurveSubMdls* submodels, const AddSub* added, int state)
 {
     const int mode = state == CURVE_OFF ? ADDSUB_NON_DRIVING : ADDSUB_DRIVING;
     if ((added->mode & mode) == 0) return nullptr;
     const SubMdl* submodel = submodels->Find(added->submodel);
     if (submodel == nullptr || submodel->type != SUBMDL_DYNAMIC_CLAMP ||
-        submodel->gndPulse != nullptr || submodel->powerPulse != nullptr)
+        submodel->gndPulse != nullptr || submodel->powerPulse != nullptr ||
+        s_isTooLong(submodel->gndClamp) || s_isTooLong(submodel->powerClamp))
         return nullptr;
     return submodel;
 }

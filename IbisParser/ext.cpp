@@ -432,6 +432,23 @@ int EXT_HasPort(const Ext* item, const char* port)
     return item->portIndex != nullptr && IDX_FindName(item->portIndex, port) != nullptr;
 }
 
+void EXT_FindWired(Ext* item)
+{
+    CMN_ASSERT(item != nullptr);
+    SecSet inside = {};
+    for (const ExtConversion* row = item->conversions; row != nullptr; row = row->next)
+        for (const char* name : {row->digital, row->port1, row->port2})
+            SEC_SetAdd(&inside, name);
+    ExtName** link = &item->wired;
+    for (ExtName* port = item->ports; port != nullptr; port = port->next)
+        if (std::strncmp(port->name, "D_", 2) != 0 && !SEC_SetHas(&inside, port->name)) {
+            *link = port;
+            link = &port->nextWired;
+        }
+    *link = nullptr;
+    SEC_SetClear(&inside);
+}
+
 static void s_testFiles(const char* keyword, const Ext* item)
 {
     for (const ExtCornerRow* row = item->corners; row != nullptr; row = row->next) {

@@ -28,7 +28,8 @@ struct ExtCornerRow {
 /* A name under Ports or Parameters. */
 typedef struct ExtName ExtName;
 struct ExtName {
-    ExtName* next; /* file order */
+    ExtName* next;      /* file order */
+    ExtName* nextWired; /* see Ext */
     char name[SIZE_NAME + 1];
 };
 
@@ -57,7 +58,8 @@ struct Ext {
     ExtName* parameters;
     ExtName* ports;
     ExtConversion* conversions;
-    int ended;                  /* its end keyword came */
+    ExtName* wired; /* the ports that a call wires to the die, by nextWired; from EXT_FindWired */
+    int ended;      /* its end keyword came */
     struct IdxTable* portIndex; /* ports by name */
 };
 
@@ -68,6 +70,8 @@ int EXT_AddLink(Ext** head, Ext* item);
 Ext* EXT_FindByName(Ext* head, const char* name);
 /* 1 when the circuit lists the port. */
 int EXT_HasPort(const Ext* item, const char* port);
+/* Finds the ports of a circuit that are neither digital nor behind a conversion. */
+void EXT_FindWired(Ext* item);
 /* 3600, 3408, 3418 and 3718 over the circuits of a file. */
 int EXT_TestList(Ext* externals, const Cmpnt* components);
 

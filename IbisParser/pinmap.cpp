@@ -103,13 +103,9 @@ static void s_checkSupply(const Cmpnt* component, const Pin* pin, int ownColumn,
         ERRLOG_ErrorNew(1312, component->name, pin->name);
 }
 
-// A table that holds a current; zero tables stand for clamps that are not there.
 static int s_carriesCurrent(const Vitbl* table)
 {
-    if (table == nullptr) return 0;
-    for (const RngpLine* line = table->head; line != nullptr; line = line->next)
-        if (line->typState == CELL_NUMBER && line->typ != 0.0) return 1;
-    return 0;
+    return table != nullptr && table->carries;
 }
 
 // The supplies that a model draws on, one for each column.

@@ -121,6 +121,7 @@ static void s_receiveCells(Vitbl* table, const char* text)
     }
     RngpList* list = static_cast<RngpList*>(table->reading);
     if (list->tail != nullptr) s_checkOrder(table, list->tail->x, line->x);
+    if (line->typState == CELL_NUMBER && line->typ != 0.0) table->carries = 1;
     // Lines beyond the limit are an error of their own, and each could repeat all lines before it.
     table->count =
         RNGP_Append(list, line, list->count < static_cast<int>(SEC_Limit(LIMIT_CURVE_POINTS)));

@@ -23,6 +23,7 @@ struct Vitbl {
     RngpLine* head;     /* the lines in file order */
     int count;
     int direction; /* of the voltages: 1 ascending, -1 descending, 0 not known */
+    int carries;   /* some typical current is not 0; zero tables stand for what is not there */
     int mosfet;    /* 1 for [Series MOSFET] */
     RngSingle vds; /* there only; CELL_NA when it was given but is of no use */
     void* reading; /* state of the line linker until VITBL_Fini */
