@@ -17,6 +17,7 @@ struct PkgFile {
     int wasFound;
     int wasRead;
     PkgMdl* packages;
+    IdxTable byName;  // of the packages
 };
 
 // A package model that a file defines, noted before the file is read.
@@ -80,6 +81,16 @@ static int s_path(const char* name, char path[CMN_PATH_MAX + 1])
     return std::filesystem::is_regular_file(path, error);
 }
 
+// Of equal names the first in the list answers.
+static void s_index(IdxTable* index, const PkgMdl* packages)
+{
+    for (; packages != nullptr; packages = packages->next) {
+        void** value = nullptr;
+        if (IDX_SlotName(index, packages->name, &value) && *value == nullptr)
+            *value = const_cast<PkgMdl*>(packages);
+    }
+}
+
 // Reads the file into a document of its own and keeps the package models.
 static void s_readFile(PkgFile* file)
 {
@@ -94,12 +105,14 @@ static void s_readFile(PkgFile* file)
     file->packages = root->pkgMdls;
     root->pkgMdls = nullptr;
     IBIS_Free(root);
+    s_index(&file->byName, file->packages);
     s_restore(&state);
 }
 
 static void s_free(PkgFile* file)
 {
     PKGMDL_FreeList(file->packages);
+    IDX_Clear(&file->byName);
     SEC_FreeText(&file->name);
     SEC_FreeRecord(file);
 }
@@ -232,18 +245,14 @@ static const PkgMdl* s_inFile(PkgFile* file, const char* name)
 {
     if (file == nullptr || !file->wasFound) return nullptr;
     s_readFile(file);
-    return PKGMDL_FindByName(file->packages, name);
+    return static_cast<const PkgMdl*>(IDX_FindName(&file->byName, name));
 }
 
 PkgFinder* PKGFINDER_New(const PkgMdl* packages)
 {
     PkgFinder* finder =
         static_cast<PkgFinder*>(SEC_NewPart(1908, s_Module, __LINE__, sizeof(PkgFinder)));
-    for (; finder != nullptr && packages != nullptr; packages = packages->next) {
-        void** value = nullptr;
-        if (IDX_SlotName(&finder->document, packages->name, &value) && *value == nullptr)
-            *value = const_cast<PkgMdl*>(packages);
-    }
+    if (finder != nullptr) s_index(&finder->document, packages);
     return finder;
 }
 
