@@ -10,6 +10,7 @@
 #include "IbisParser/index_internal.h"
 #include "IbisParser/mdl.h"
 #include "IbisParser/parse_internal.h"
+#include "IbisParser/section_internal.h"
 
 static const char s_Module[] = "IbisParser/algmod";
 
@@ -191,7 +192,7 @@ static std::FILE* s_openBeside(const char* name)
     const std::size_t length = std::strlen(gsFilePath_ibs);
     const char* separator = length > 0 && gsFilePath_ibs[length - 1] != '/' ? "/" : "";
     std::snprintf(path, sizeof path, "%s%s%s", gsFilePath_ibs, separator, name);
-    return CMN_fopen(path, "r");
+    return SEC_OpenFile(path);
 }
 
 static void s_testParameterFile(AlgModExec* exec, const char* model)

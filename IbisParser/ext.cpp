@@ -456,7 +456,7 @@ static void s_testFiles(const char* keyword, const Ext* item)
         char path[2 * CMN_PATH_MAX + 2];
         CMN_GetIbsPath(path);
         CMN_strncpy(path + std::strlen(path), row->file, CMN_PATH_MAX);
-        std::FILE* file = CMN_fopen(path, "r");
+        std::FILE* file = SEC_OpenFile(path);
         if (file == nullptr)
             ERRLOG_WarnNew(3418, keyword, item->name, row->file);
         else

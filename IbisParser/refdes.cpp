@@ -156,7 +156,7 @@ static int s_exists(char* path)
     static void (*const changes[])(char*) = {nullptr, CMN_ConvertToLower, CMN_ConvertToUpper};
     for (void (*change)(char*) : changes) {
         if (change != nullptr) change(path);
-        std::FILE* stream = CMN_fopen(path, "r");
+        std::FILE* stream = SEC_OpenFile(path);
         if (stream == nullptr) continue;
         std::fclose(stream);
         return 1;

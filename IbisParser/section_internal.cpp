@@ -1,6 +1,8 @@
 // Helpers of the keyword sections.
 #include "IbisParser/section_internal.h"
 
+#include <sys/stat.h>
+
 #include <algorithm>
 
 #include "IbisParser/errlog.h"
@@ -87,6 +89,13 @@ void* SEC_NewPart(unsigned number, const char* module, int line, std::size_t siz
     void* record = nullptr;
     if (!CMN_malloc(&record, size)) ERRLOG_BugNew(number, module, line);
     return record;
+}
+
+std::FILE* SEC_OpenFile(const char* path)
+{
+    struct stat status;
+    if (stat(path, &status) != 0 || !S_ISREG(status.st_mode)) return nullptr;
+    return CMN_fopen(path, "r");
 }
 
 const char* SEC_KeywordName(int code)

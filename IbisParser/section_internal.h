@@ -4,6 +4,7 @@
 #define IBISPARSER_SECTION_INTERNAL_H
 
 #include <cstddef>
+#include <cstdio>
 #include <cstring>
 #include <initializer_list>
 #include <type_traits>
@@ -45,6 +46,10 @@ int SEC_MarkFound(Flags* flags, int bit)
     *flags |= mask;
     return isFirst;
 }
+
+// Opens a file that another one names; null when there is none, or no plain file: a pipe that
+// nobody writes to would be waited for, and a device has no end.
+std::FILE* SEC_OpenFile(const char* path);
 
 // A keyword as people write it, without brackets ("Diff Pin"); codes 9 to 117.
 const char* SEC_KeywordName(int code);

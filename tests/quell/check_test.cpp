@@ -164,6 +164,19 @@ GTEST_TEST(Check, CompanionsAreFoundAndKeepTheirNames)
         0u);
 }
 
+// A pipe that nobody writes to would be waited for.
+GTEST_TEST(Check, CompanionsThatAreNoPlainFilesAreNotOpened)
+{
+    const ScratchFolder scratch;
+    const std::string path = scratch.Write(
+        "quell_pcie_gen2_tx.ibs", ReadFile(QUELL_BINARY_DIR "/kit/quell_pcie_gen2_tx.ibs"));
+    for (const char* name : {"quell_pcie_gen2_tx.ami", "quell_pcie_gen2_tx.so"})
+        ASSERT_EQ(mkfifo(scratch.Path(name).c_str(), 0600), 0);
+    const std::string out = Check(path, 1);
+    for (const char* number : {"[4616]", "[4618]", "2 errors"})
+        EXPECT_NE(out.find(number), std::string::npos) << out;
+}
+
 // Every log that the reader is held to, through the command: a folder's files at once, in order.
 GTEST_TEST(Check, ClassicIsTheReadersOwnOutput)
 {
