@@ -280,15 +280,14 @@ void DescribeDocument(Json& json, const IbisRoot& root)
 }
 
 // The names below a branch of the root, "Reserved_Parameters" or "Model_Specific".
-void DescribeParameters(Json& json)
+void DescribeParameters(const std::string& file, Json& json)
 {
-    json["root"] = nullptr;
-    json["branches"] = Json::object();
     const AmiTree tree;
-    if (tree.Result() != TREE_OK || tree.Root() == nullptr) return;
-    const _tagBranchStruct* root = BranchOf(*tree.Root());
-    if (root == nullptr) return;
+    const _tagBranchStruct* root = tree.Root() != nullptr ? BranchOf(*tree.Root()) : nullptr;
+    if (tree.Result() != TREE_OK || root == nullptr)
+        throw InputError(file, 0, "no parameter tree (see quell check)");
     json["root"] = Text(root->name);
+    json["branches"] = Json::object();
     for (int i = 0; i < root->childCount; ++i) {
         const _tagBranchStruct* branch = BranchOf(root->children[i]);
         if (branch == nullptr) continue;
@@ -327,7 +326,7 @@ Json DescribeFile(const Opening& opening)
     if (!opening.version.empty()) json["read_as"] = opening.version;
     IbisRoot* root = nullptr;
     if (opening.type == FILE_AMI)
-        DescribeParameters(json);
+        DescribeParameters(opening.name, json);
     else if (IBIS_GetIBIS(&root))
         DescribeDocument(json, *root);
     ERRLOG_SetSink(nullptr, nullptr);

@@ -302,10 +302,6 @@ void PrintNamed(std::ostream& out, const Json& file, const char* key, const char
 
 void PrintParameters(std::ostream& out, const Json& file)
 {
-    if (!file["root"].is_string()) {
-        out << "  no parameter tree\n";
-        return;
-    }
     out << "  root: " << String(file["root"]) << '\n';
     for (const auto& [branch, names] : file["branches"].items()) {
         std::vector<std::string> list;

@@ -204,6 +204,8 @@ GTEST_TEST(Info, WhatCannotBeReadIsOneLine)
         {"no such file", "/nowhere/c.ibs", 2, "no such file"},
         {"another extension", scratch.Write("c.txt", s_Component), 2, "ends in none of"},
         {"no IBIS file", scratch.Write("e.ibs", "nothing\n"), 2, "Could not determine Version"},
+        {"no parameters", scratch.Write("e.ami", ""), 2, "e.ami: no parameter tree"},
+        {"a cut tree", scratch.Write("cut.ami", "(t (Model_Specific"), 2, "no parameter tree"},
         {"cut before its version", scratch.Write("v.ibs", "[IBIS V"), 2, "Could not determine"},
     };
     for (const auto& row : cases) {
