@@ -3,8 +3,8 @@
 #include <benchmark/benchmark.h>
 
 #include "quell/channel/channel.h"
-#include "quell/eye/pulse.h"
-#include "quell/eye/statistical_eye.h"
+#include "quell/signal/pulse.h"
+#include "quell/signal/statistical_eye.h"
 
 namespace {
 

@@ -10,7 +10,10 @@ install(DIRECTORY model dataflow ami IbisParser
         PATTERN "keywords.inc"
         PATTERN "*_internal.h" EXCLUDE
         PATTERN "kit" EXCLUDE
-        PATTERN "messages" EXCLUDE)
+        PATTERN "IbisParser/base" EXCLUDE
+        PATTERN "IbisParser/store" EXCLUDE
+        PATTERN "IbisParser/read" EXCLUDE
+        PATTERN "IbisParser/check" EXCLUDE)
 install(TARGETS quell_model LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}/quell)
 install(FILES model/kit/quell_pcie_gen2_tx.ami model/kit/quell_pcie_gen2_tx.ibs
     DESTINATION ${CMAKE_INSTALL_LIBDIR}/quell)

@@ -1,6 +1,7 @@
 # The library in its three shapes, all of the same objects: the shared library with every public
 # interface, the archive that quell, tests and benchmarks link, and the slim model file.
-set(layers dataflow_objects parser_objects ami_objects model_objects)
+set(layers dataflow_objects parser_base parser_store parser_read parser_check ami_objects
+    model_objects)
 set(layer_files)
 foreach(layer ${layers})
     if(TARGET ${layer})

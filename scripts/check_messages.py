@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """Compares the numbered messages that the parser library raises with the message table.
 
-Every call ERRLOG_...New(NUMBER, ...) in IbisParser/*.cpp must name a number that the table's search
+Every call ERRLOG_...New(NUMBER, ...) in IbisParser must name a number that the table's search
 finds and whose text is in use, with arguments of the right number and kind. The kinds are checked
 by the compiler: each call is rewritten, in a copy of its file, as a printf-like call with the text of
 its row. A number that is no literal is followed to its source: both branches of a conditional, the
@@ -31,7 +31,8 @@ def read_rows(folder):
     """The table's rows in order: (number, text as C source)."""
     rows = []
     row = re.compile(r'\{\s*(\d+),\s*((?:"(?:\\.|[^"\\])*"\s*)+)\}')
-    for name in re.findall(r'#include "(messages/.*\.inc)"', (folder / 'messages.cpp').read_text()):
+    for name in re.findall(r'#include "IbisParser/(base/messages/.*\.inc)"',
+                           (folder / 'base/messages.cpp').read_text()):
         for number, text in row.findall((folder / name).read_text()):
             rows.append((int(number), ' '.join(text.split('\n'))))
     return rows
@@ -284,7 +285,7 @@ def check_calls(source, rows, resolver, report):
 
 def compile_copy(compiler, root, folder, source, text):
     """The compiler's complaints about the rewritten copy of a file."""
-    copy = Path(folder) / source.path.name
+    copy = Path(folder) / '-'.join(source.path.parts[-3:])
     copy.write_text(PREAMBLE % (CHECKED, source.path) + text)
     done = subprocess.run([compiler, '-std=c++20', f'-I{root}', '-fsyntax-only', '-Werror=format',
                            '-Werror=format-extra-args', str(copy)], capture_output=True, text=True)
@@ -309,7 +310,7 @@ def main():
     folder = options.root / 'IbisParser'
 
     rows = read_rows(folder)
-    paths = sorted(folder.glob('*.cpp')) + sorted(folder.glob('*.h'))
+    paths = sorted(folder.rglob('*.cpp')) + sorted(folder.rglob('*.h'))
     sources = [Source(path) for path in paths if path.stem != 'errlog']
     resolver = Resolver(sources)
     problems, raised, copies = [], set(), []

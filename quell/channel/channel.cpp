@@ -7,11 +7,11 @@
 #include <filesystem>
 #include <numbers>
 
-#include "quell/channel/transform.h"
-#include "quell/errors.h"
-#include "quell/eye/pulse.h"
-#include "quell/lines.h"
-#include "quell/numbers.h"
+#include "quell/base/errors.h"
+#include "quell/base/lines.h"
+#include "quell/base/numbers.h"
+#include "quell/signal/pulse.h"
+#include "quell/signal/transform.h"
 
 namespace quell {
 

@@ -11,7 +11,7 @@
 #include "quell/channel/frequency_response.h"
 #include "quell/channel/loss_line.h"
 #include "quell/channel/through.h"
-#include "quell/channel/time_grid.h"
+#include "quell/signal/time_grid.h"
 
 namespace quell {
 

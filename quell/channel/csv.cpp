@@ -3,9 +3,9 @@
 
 #include <cmath>
 
-#include "quell/errors.h"
-#include "quell/lines.h"
-#include "quell/numbers.h"
+#include "quell/base/errors.h"
+#include "quell/base/lines.h"
+#include "quell/base/numbers.h"
 
 namespace quell {
 

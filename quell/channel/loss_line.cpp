@@ -4,7 +4,7 @@
 #include <cmath>
 #include <numbers>
 
-#include "quell/numbers.h"
+#include "quell/base/numbers.h"
 
 namespace quell {
 

@@ -9,7 +9,7 @@
 #include <cstring>
 #include <filesystem>
 
-#include "quell/errors.h"
+#include "quell/base/errors.h"
 #include "quell/reader/opening.h"
 
 namespace quell {

@@ -7,8 +7,8 @@
 #include <string>
 #include <vector>
 
+#include "quell/process/private_folder.h"
 #include "quell/reader/file_types.h"
-#include "quell/reader/private_folder.h"
 
 namespace quell {
 

@@ -9,7 +9,7 @@
 
 #include "IbisParser/errlog.h"
 #include "quell/check/report.h"
-#include "quell/reader/child.h"
+#include "quell/process/child.h"
 #include "quell/reader/opening.h"
 
 namespace quell {

@@ -3,7 +3,7 @@
 
 #include <algorithm>
 
-#include "quell/errors.h"
+#include "quell/base/errors.h"
 
 namespace quell {
 

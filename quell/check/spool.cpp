@@ -4,7 +4,7 @@
 #include <cerrno>
 #include <cstring>
 
-#include "quell/errors.h"
+#include "quell/base/errors.h"
 
 namespace quell {
 

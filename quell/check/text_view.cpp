@@ -4,8 +4,8 @@
 #include <algorithm>
 #include <cstdio>
 
+#include "quell/base/printable.h"
 #include "quell/check/source_lines.h"
-#include "quell/printable.h"
 
 namespace quell {
 

@@ -18,7 +18,7 @@
 #include "IbisParser/submdl.h"
 #include "IbisParser/testdata.h"
 #include "IbisParser/testload.h"
-#include "quell/errors.h"
+#include "quell/base/errors.h"
 #include "quell/params/ami_tree.h"
 
 namespace quell {

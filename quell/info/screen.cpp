@@ -7,8 +7,8 @@
 #include <sstream>
 #include <vector>
 
-#include "quell/numbers.h"
-#include "quell/printable.h"
+#include "quell/base/numbers.h"
+#include "quell/base/printable.h"
 
 namespace quell {
 

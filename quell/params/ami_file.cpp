@@ -5,13 +5,13 @@
 #include <memory>
 #include <optional>
 
-#include "quell/errors.h"
-#include "quell/lines.h"
-#include "quell/numbers.h"
+#include "quell/base/errors.h"
+#include "quell/base/lines.h"
+#include "quell/base/numbers.h"
 #include "quell/params/ami_tree.h"
 #include "quell/params/nearest.h"
-#include "quell/reader/child.h"
-#include "quell/reader/private_folder.h"
+#include "quell/process/child.h"
+#include "quell/process/private_folder.h"
 
 namespace quell {
 

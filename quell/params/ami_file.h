@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "quell/amihost/parameters.h"
+#include "quell/link/parameters.h"
 
 namespace quell {
 

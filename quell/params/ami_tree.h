@@ -6,7 +6,7 @@
 #include <string>
 
 #include "IbisParser/amitree.h"
-#include "quell/reader/frames.h"
+#include "quell/process/frames.h"
 #include "quell/reader/opening.h"
 
 namespace quell {

@@ -1,7 +1,7 @@
 // The kinds of file that the reader knows, by their extensions.
 #include "quell/reader/file_types.h"
 
-#include "quell/lines.h"
+#include "quell/base/lines.h"
 
 namespace quell {
 

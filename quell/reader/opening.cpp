@@ -9,7 +9,7 @@
 #include <memory>
 
 #include "IbisParser/parse.h"
-#include "quell/errors.h"
+#include "quell/base/errors.h"
 #include "quell/reader/version.h"
 
 namespace quell {

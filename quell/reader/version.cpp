@@ -3,7 +3,7 @@
 
 #include <memory>
 
-#include "quell/lines.h"
+#include "quell/base/lines.h"
 
 namespace quell {
 

@@ -7,7 +7,7 @@
 #include <cmath>
 #include <limits>
 
-#include "quell/numbers.h"
+#include "quell/base/numbers.h"
 
 namespace quell {
 

@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include "quell/numbers.h"
+#include "quell/base/numbers.h"
 #include "quell/report/markup.h"
 #include "quell/report/png.h"
 #include "quell/report/svg.h"

@@ -4,7 +4,7 @@
 
 #include <string>
 
-#include "quell/link_eye.h"
+#include "quell/link/eye.h"
 #include "quell/report/plot.h"
 
 namespace quell {

@@ -4,13 +4,13 @@
 #include <algorithm>
 #include <cmath>
 
-#include "quell/channel/transform.h"
-#include "quell/eye/pulse.h"
-#include "quell/files.h"
-#include "quell/numbers.h"
+#include "quell/base/files.h"
+#include "quell/base/numbers.h"
+#include "quell/link/json.h"
 #include "quell/report/eye_picture.h"
 #include "quell/report/page.h"
-#include "quell/result_json.h"
+#include "quell/signal/pulse.h"
+#include "quell/signal/transform.h"
 
 namespace quell {
 

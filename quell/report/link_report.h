@@ -6,8 +6,8 @@
 #include <string>
 #include <vector>
 
-#include "quell/link_eye.h"
-#include "quell/link_options.h"
+#include "quell/link/eye.h"
+#include "quell/link/options.h"
 
 namespace quell {
 

@@ -6,7 +6,7 @@
 #include <cmath>
 #include <map>
 
-#include "quell/numbers.h"
+#include "quell/base/numbers.h"
 #include "quell/report/markup.h"
 #include "quell/report/svg.h"
 #include "quell/report/thin.h"

@@ -5,10 +5,10 @@
 #include <cmath>
 #include <numeric>
 
-#include "quell/files.h"
-#include "quell/numbers.h"
+#include "quell/base/files.h"
+#include "quell/base/numbers.h"
+#include "quell/link/sweep_text.h"
 #include "quell/report/page.h"
-#include "quell/sweep/sweep_text.h"
 
 namespace quell {
 

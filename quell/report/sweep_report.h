@@ -4,8 +4,8 @@
 
 #include <string>
 
-#include "quell/link_options.h"
-#include "quell/sweep/sweep.h"
+#include "quell/link/options.h"
+#include "quell/link/sweep.h"
 
 namespace quell {
 

@@ -7,7 +7,7 @@
 #include <map>
 
 #include "IbisParser/cmn.h"
-#include "quell/numbers.h"
+#include "quell/base/numbers.h"
 #include "quell/view/findings.h"
 
 namespace quell {

@@ -1,0 +1,125 @@
+// Plausibility of components.
+#include "IbisParser/chkcmpnt.h"
+
+#include <cmath>
+
+#include "IbisParser/errlog.h"
+#include "IbisParser/nml.h"
+#include "IbisParser/read/component/cmpnt.h"
+
+// Impedances sqrt(L/C) of packages lie between these, in ohm.
+static const double s_minImpedance = 1.0;
+static const double s_maxImpedance = 1000.0;
+// A pin's value beyond this factor of the package value is hardly meant.
+static const double s_maxFactor = 100.0;
+
+static int s_isSignal(const Pin* pin)
+{
+    return pin->kind == PIN_MODEL || pin->kind == PIN_CIRCUITCALL;
+}
+
+static void s_checkSignals(const Cmpnt* component)
+{
+    for (const Pin* pin = component->pins; pin != nullptr; pin = pin->next)
+        if (s_isSignal(pin)) return;
+    // A bus switch has series models between pins without a model of their own.
+    if (component->pins != nullptr && component->seriesPins == nullptr)
+        ERRLOG_ErrorNew(716, component->name);
+}
+
+static int s_isPositive(const RngSingle* cell)
+{
+    return cell->state == CELL_NUMBER && cell->value > 0.0;
+}
+
+// 1 when the message was raised.
+static int s_checkImpedance(const char* owner, double L, double C)
+{
+    const double impedance = std::sqrt(L / C);
+    if (impedance >= s_minImpedance && impedance <= s_maxImpedance) return 0;
+    ERRLOG_WarnNew(717, owner, impedance);
+    return 1;
+}
+
+static void s_checkImpedances(const Cmpnt* component)
+{
+    const Pkg* package = component->package;
+    const RngRange* L = package != nullptr ? package->L_pkg : nullptr;
+    const RngRange* C = package != nullptr ? package->C_pkg : nullptr;
+    if (L != nullptr && C != nullptr && L->typState == CELL_NUMBER && C->typState == CELL_NUMBER &&
+        L->typ > 0.0 && C->typ > 0.0)
+        s_checkImpedance(component->name, L->typ, C->typ);
+    for (const Pin* pin = component->pins; pin != nullptr; pin = pin->next)
+        if (s_isPositive(&pin->L) && s_isPositive(&pin->C) &&
+            s_checkImpedance(pin->name, pin->L.value, pin->C.value))
+            return;
+}
+
+static void s_checkSupplyNames(const Cmpnt* component)
+{
+    for (const Pin* pin = component->pins; pin != nullptr; pin = pin->next) {
+        const int isNamedSupply =
+            CMN_StrSameIC(pin->signal, "GND") || CMN_StrSameIC(pin->signal, "POWER");
+        if (isNamedSupply && (pin->kind == PIN_MODEL || pin->kind == PIN_NC))
+            ERRLOG_WarnNew(718, component->name, pin->name, pin->signal, pin->model);
+    }
+}
+
+// A signal whose pins differ in their model; pins without a connection do not count.
+static void s_checkSignalModels(const Cmpnt* component)
+{
+    IdxTable first = {nullptr, 0, 0};
+    SecSet told = {};
+    for (Pin* pin = component->pins; pin != nullptr; pin = pin->next) {
+        void** value = nullptr;
+        if (pin->kind == PIN_NC || pin->kind == PIN_NA) continue;
+        if (!IDX_SlotName(&first, pin->signal, &value)) break;
+        const Pin* other = static_cast<const Pin*>(*value);
+        if (other == nullptr)
+            *value = pin;
+        else if ((pin->kind != other->kind ||
+                  (pin->kind == PIN_MODEL && std::strcmp(pin->model, other->model) != 0)) &&
+                 SEC_SetAdd(&told, pin->signal))
+            ERRLOG_NoteNew(719, component->name, pin->signal, other->model, pin->model);
+    }
+    IDX_Clear(&first);
+    SEC_SetClear(&told);
+}
+
+static void s_checkPinValues(const Cmpnt* component)
+{
+    static const struct {
+        const char* name;
+        RngSingle Pin::*pinValue;
+        RngRange* Pkg::*packageValue;
+    } columns[] = {{"R_pin", &Pin::R, &Pkg::R_pkg},
+                   {"L_pin", &Pin::L, &Pkg::L_pkg},
+                   {"C_pin", &Pin::C, &Pkg::C_pkg}};
+    if (component->package == nullptr) return;
+    for (const auto& column : columns) {
+        const RngRange* range = component->package->*column.packageValue;
+        if (range == nullptr || range->typState != CELL_NUMBER || !(range->typ > 0.0)) continue;
+        for (const Pin* pin = component->pins; pin != nullptr; pin = pin->next) {
+            const RngSingle* cell = &(pin->*column.pinValue);
+            if (!s_isPositive(cell)) continue;
+            if (cell->value <= s_maxFactor * range->typ && range->typ <= s_maxFactor * cell->value)
+                continue;
+            ERRLOG_WarnNew(720, component->name, pin->name, column.name, cell->value, range->typ);
+            break;
+        }
+    }
+}
+
+int chk_CheckAllComponents(Cmpnt* components)
+{
+    CMPNT_Close();
+    NML_CheckUnique(components, offsetof(Cmpnt, name), offsetof(Cmpnt, next), "Component");
+    for (const Cmpnt* component : SecFileOrder<const Cmpnt>(components)) {
+        s_checkSignals(component);
+        s_checkImpedances(component);
+        s_checkSupplyNames(component);
+        s_checkSignalModels(component);
+        s_checkPinValues(component);
+    }
+    return 1;
+}

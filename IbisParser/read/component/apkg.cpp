@@ -1,0 +1,66 @@
+// [Alternate Package Models].
+#include "IbisParser/apkg.h"
+
+#include "IbisParser/errlog.h"
+#include "IbisParser/read/component/cmpnt.h"
+
+static const char s_Module[] = "IbisParser/apkg";
+
+int APKG_Begin(Cmpnt* component, const char* line)
+{
+    CMN_ASSERT(component != nullptr && line != nullptr);
+    if (component->packageModel[0] == '\0') ERRLOG_LineErrorNew(602);
+    if (*line != '\0') ERRLOG_LineWarnNew(608, line);
+    return 1;
+}
+
+// The whole line is one name, since package models may have blanks in theirs.
+int APKG_ReceiveLine(Cmpnt* component, const char* line)
+{
+    CMN_ASSERT(component != nullptr && line != nullptr);
+    Apkg* item = static_cast<Apkg*>(SEC_NewPart(601, s_Module, __LINE__, sizeof(Apkg)));
+    if (item == nullptr) return 0;
+    item->line = PARSE_GetLineNum();
+    if (!SEC_CopyName(item->name, line, SIZE_NAME)) ERRLOG_LineErrorNew(603, line, SIZE_NAME);
+    if (!SEC_SetAdd(&component->reading->alternates, item->name)) {
+        ERRLOG_LineErrorNew(604, item->name);
+        SEC_FreeRecord(item);
+        return 0;
+    }
+    SEC_Append(&component->alternates, &component->reading->alternateTail, item);
+    return 1;
+}
+
+int APKG_End(Cmpnt* component)
+{
+    CMN_ASSERT(component != nullptr);
+    if (component->alternates == nullptr) ERRLOG_LineErrorNew(605);
+    return component->alternates != nullptr;
+}
+
+int APKG_Fini(Cmpnt* component)
+{
+    CMN_ASSERT(component != nullptr);
+    ERRLOG_LineErrorNew(606, component->name);
+    return APKG_End(component);
+}
+
+void APKG_Test(const Cmpnt* component, PkgFinder* finder)
+{
+    const Apkg* first = component->alternates;
+    if (first == nullptr) return;
+    int hasDefault = 0;
+    for (const Apkg* item = first; item != nullptr; item = item->next)
+        hasDefault = hasDefault || std::strcmp(item->name, component->packageModel) == 0;
+    if (!hasDefault && component->packageModel[0] != '\0')
+        ERRLOG_NoteNew(609, component->name, component->packageModel);
+    for (const Apkg* item = first; item != nullptr; item = item->next)
+        if (PKGFINDER_Find(finder, item->name).where != PKG_FOUND)
+            ERRLOG_WarnNew(610, component->name, item->name);
+    if (first->next == nullptr) ERRLOG_NoteNew(611, component->name);
+}
+
+void APKG_FreeList(Apkg* head)
+{
+    SEC_FreeList(head, SEC_FreeRecord<Apkg>);
+}

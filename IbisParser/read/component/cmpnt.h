@@ -1,0 +1,134 @@
+// What the parts of a component share while it is read and tested.
+#ifndef IBISPARSER_READ_COMPONENT_CMPNT_H
+#define IBISPARSER_READ_COMPONENT_CMPNT_H
+
+#include <cmath>
+#include <cstdio>
+#include <cstring>
+
+#include "IbisParser/cmpnt.h"
+#include "IbisParser/mdl.h"
+#include "IbisParser/msel.h"
+#include "IbisParser/parse.h"
+#include "IbisParser/pkgmdl.h"
+#include "IbisParser/store/section.h"
+
+// Rules that raise their message for the first case of a component only: bits of `reported`.
+enum CmpntReported {
+    REPORTED_LONG_NUMBER,     // 1210
+    REPORTED_PARTIAL_VALUES,  // 1215
+    REPORTED_UNUSUAL_VALUE    // 1212, one bit for each of R, L and C
+};
+
+// State of an open component: places where the lists end, headers of its tables, names seen.
+struct CmpntReading {
+    unsigned reported;
+    int current;         // code of the keyword being read
+    int skipsData;       // its data lines belong to nothing
+    int dataLines;       // data lines it had
+    int openBlock;       // code of the block that waits for its end keyword, or 0
+    int valueOrder[3];   // of [Pin]: columns 4 to 6 as indices into R, L, C
+    int valueColumns;    // of [Pin]: columns for R, L and C that the header names
+    int hasGroupColumn;  // of [Series Pin Mapping]
+
+    Pin** pinTail;
+    PinMap** mapTail;
+    DiffPin** diffTail;
+    SerMap** seriesTail;
+    SerState** stateTail;
+    SerGroup** groupTail;
+    SerState* openState;
+    Apkg** alternateTail;
+    Node** nodeTail;
+    Circuit** callTail;
+    Circuit* openCall;
+    CircuitPort** portTail;
+    EmiPin** emiPinTail;
+    EmiPinDomain** emiDomainTail;
+
+    SecSet names;  // of the call or switch state being read: ports, groups
+    SecSet alternates;
+    SecSet nodes;
+    SecSet seriesPairs;  // pin, pin_2 and model
+    SecSet switchStates;
+    SecSet emiPins;
+    SecSet emiDomains;
+};
+
+// Numbers of the two messages every part has for its own failures.
+struct PartFailure {
+    const char* module;
+    unsigned unparsed;  // line bug: a line could not be split
+    unsigned noMemory;  // bug
+};
+
+// The items of a line: as CmnArgs, but in one block, because the lists of pins are long.
+struct CmpntItems {
+    int argc = 0;  // items of the line
+    int nStored = 0;
+    const char* argv[7] = {};
+    char* text = nullptr;  // owned; the items stand in it
+
+    CmpntItems() = default;
+    ~CmpntItems() { SEC_FreeText(&text); }
+    CmpntItems(const CmpntItems&) = delete;
+    CmpntItems& operator=(const CmpntItems&) = delete;
+};
+
+// Splits a line of the part and keeps at most max items; 0 after the message.
+int CMPNT_SplitLine(const PartFailure* failure, int line, const char* keyword, const char* text,
+                    int max, CmpntItems* items);
+
+// 1 when the component's list has the pin, or when no [Pin] came before, which is reported once
+// for the keyword instead.
+int CMPNT_HasPin(const Cmpnt* component, const char* pin);
+
+// Models and selectors of a document by name, for the checks of a whole file. Both lists must
+// outlive it, as must the names that are looked up.
+class CmpntNames {
+public:
+    CmpntNames(const Mdl* models, const Msel* selectors);
+    ~CmpntNames();
+    CmpntNames(const CmpntNames&) = delete;
+    CmpntNames& operator=(const CmpntNames&) = delete;
+
+    const Mdl* Model(const char* name) const { return m_Models.Find(name); }
+    const Msel* Selector(const char* name) const { return m_Selectors.Find(name); }
+    // The model of that name, else the first defined model of that selector, else null.
+    const Mdl* Resolve(const char* name) const;
+
+private:
+    SecNameIndex<const Mdl> m_Models;
+    SecNameIndex<const Msel> m_Selectors;
+    const Mdl* Find(const char* name) const;
+
+    mutable IdxTable m_Defaults;               // models of the selectors, as they are found
+    mutable const char* m_LastName = nullptr;  // neighbouring pins mostly share a model
+    mutable const Mdl* m_Last = nullptr;
+};
+
+// The type as a file writes it; "unknown" when the model gave none.
+const char* CMPNT_TypeName(const Mdl* model);
+
+// Where package models are looked for: the document, then a package file of the model's name. Each
+// file is read once.
+struct PkgFinder;
+enum PkgWhere { PKG_NO_FILE, PKG_NOT_IN_FILE, PKG_FOUND };
+struct PkgPlace {
+    PkgWhere where;
+    const PkgMdl* package;         // when found
+    char fileName[SIZE_NAME + 5];  // of the package file, without its folder
+};
+PkgFinder* PKGFINDER_New(const PkgMdl* packages);
+void PKGFINDER_Free(PkgFinder* finder);
+PkgPlace PKGFINDER_Find(PkgFinder* finder, const char* name);
+
+// The document checks of the parts.
+void PINMAP_Test(const Cmpnt* component, const CmpntNames& names);
+void DIFFPIN_Test(const Cmpnt* component, const CmpntNames& names);
+void SERMAP_Test(const Cmpnt* component, const CmpntNames& names);
+void APKG_Test(const Cmpnt* component, PkgFinder* finder);
+void CIRCUIT_Test(const Cmpnt* component, const SecNameIndex<const Ext>& externals);
+void CMPNTEMI_Test(const Cmpnt* component);
+
+#endif

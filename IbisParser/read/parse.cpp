@@ -1,0 +1,355 @@
+// The reader of IBIS-family files: files and lines. What a line is for, the sender finds out.
+#include "IbisParser/parse.h"
+
+#include <climits>
+#include <cstring>
+
+#include "IbisParser/algmod.h"
+#include "IbisParser/base/textbuf.h"
+#include "IbisParser/errlog.h"
+#include "IbisParser/ibis.h"
+#include "IbisParser/read/parse.h"
+#include "IbisParser/read/sender.h"
+
+static const char s_Module[] = "IbisParser/parse";
+
+enum {
+    LINE_MAX_READ = 1024,      // characters read of a line; the rest is dropped
+    COMMENT_KEYWORD_LEN = 14,  // of "[Comment Char]"
+    DESCRIPTION_MAX = 120      // characters of a description line in a parameter file
+};
+
+static const char s_NoCommentChars[] =
+    "0123456789abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ[]._/=+-";
+
+unsigned long gulLineNum = 0;
+char gsFileName[CMN_PATH_MAX + 1] = "";
+char gpcComment = '|';
+KeywordCode geCurrentKeyword = NOT_KEY;
+FileType geCurrFileType = FILE_IBS;
+int geFileVersion = 0;
+int gbIBIS_VerFound = 0;
+int gbEndFound = 0;
+int gbInSubModel = 0;
+int gbContinue = 0;
+char* gsBuffer = nullptr;
+
+static int bTabFound = 0;
+
+static void s_banner(const char* name, const char* version)
+{
+    if (!gbSuppressBanners)
+        std::printf("\nChecking %s for IBIS %s Compatibility...\n\n", name, version);
+}
+
+static void s_reset(FileType fileType)
+{
+    gbInSubModel = 0;
+    bTabFound = 0;
+    gulLineNum = 0;
+    gpcComment = '|';
+    geCurrentKeyword = NOT_KEY;
+    gbIBIS_VerFound = 0;
+    gbEndFound = 0;
+    geCurrFileType = fileType;
+}
+
+static bool s_isBlank(char c)
+{
+    return CMN_IsWhitespace(static_cast<unsigned char>(c)) != 0;
+}
+
+// Unlike the common scanners without a limit: lines of any length are skipped over.
+static char* s_skipBlanks(char* text)
+{
+    while (s_isBlank(*text))
+        ++text;
+    return text;
+}
+
+// Cuts at the comment character and trims the end.
+static void s_cutComment(char* line)
+{
+    char* comment = std::strchr(line, gpcComment);
+    if (comment != nullptr) *comment = '\0';
+    CMN_TerminateEnd(line);
+}
+
+static void s_testLine(char* line)
+{
+    CMN_ASSERT(line != nullptr);
+    std::size_t length = std::strlen(line);
+    if (length > 0 && line[length - 1] == '\n') line[--length] = '\0';
+    const int lineMax = SENDER_Version(geFileVersion)->lineMax;
+    if (!gbAllowAnyLineLength && length > static_cast<std::size_t>(lineMax))
+        ERRLOG_LineErrorNew(905, lineMax);
+    if (!bTabFound && std::strchr(line, '\t') != nullptr) {
+        bTabFound = 1;
+        ERRLOG_LineWarnNew(921);
+    }
+}
+
+static bool s_isCommentKeyword(const char* line)
+{
+    return CMN_StrSameICn(line, "[COMMENT_CHAR]", COMMENT_KEYWORD_LEN) ||
+           CMN_StrSameICn(line, "[COMMENT CHAR]", COMMENT_KEYWORD_LEN);
+}
+
+static void s_setComment(char* line)
+{
+    static const char suffix[] = "_char";
+    const char* text = s_skipBlanks(line + COMMENT_KEYWORD_LEN);
+    const char character = text[0];
+    if (character == '\0' || std::strncmp(text + 1, suffix, sizeof suffix - 1) != 0) {
+        ERRLOG_LineErrorNew(917);
+        return;
+    }
+    char* rest = line + (text - line) + sizeof suffix;
+    // A comment may follow, begun by the old character or the new one.
+    const auto startsComment = [character](char c) {
+        return c == '\0' || c == gpcComment || c == character;
+    };
+    if (!s_isBlank(*rest) && !startsComment(*rest)) {
+        ERRLOG_LineErrorNew(917);
+        return;
+    }
+    if (std::strchr(s_NoCommentChars, character) != nullptr) {
+        ERRLOG_LineErrorNew(918, character);
+        return;
+    }
+    if (!startsComment(*s_skipBlanks(rest))) ERRLOG_LineErrorNew(919);
+    gpcComment = character;
+}
+
+// Under these keywords an indented bracket is text.
+static bool s_inHeaderText(void)
+{
+    return KEY_SOURCE <= geCurrentKeyword && geCurrentKeyword <= KEY_COPYRIGHT;
+}
+
+static void s_readLine(char* line)
+{
+    s_testLine(line);
+    char* text = s_skipBlanks(line);
+    if (*text == '\0' || *text == gpcComment) return;
+    int kind = LINE_DATA;
+    if (*text == '[' && (text == line || !s_inHeaderText())) {
+        kind = LINE_KEYWORD;
+        if (text != line) ERRLOG_LineErrorNew(906);
+    }
+    if (gbEndFound) {
+        ERRLOG_LineErrorNew(902);
+        return;
+    }
+    if (kind == LINE_KEYWORD && s_isCommentKeyword(text)) {
+        s_setComment(text);
+        return;
+    }
+    s_cutComment(text);
+    SENDER_Send(kind, text);
+}
+
+static int s_readDocument(const char* name, FileType fileType)
+{
+    unsigned long lines = 0;
+    const int version = CMN_getIbisVer(name, &lines, fileType);
+    if (version < VERSION_FIRST || version > VERSION_LAST) {
+        ERRLOG_ErrorNew(900, name);
+        return 0;
+    }
+    geFileVersion = version;
+    s_banner(name, SENDER_Version(version)->name);
+    s_reset(fileType);
+    std::FILE* file = nullptr;
+    if (!CMN_OpenFile(name, fileType, &file, gsFileName)) return 0;
+    if (CMN_AnyUpper(gsFileName)) ERRLOG_WarnNew(901, gsFileName);
+    // The line counts before it is read: what is wrong with its characters is reported then.
+    char line[LINE_MAX_READ + 1];
+    for (++gulLineNum; CMN_GetLine(line, sizeof line, file) != nullptr; ++gulLineNum)
+        s_readLine(line);
+    --gulLineNum;
+    if (!gbEndFound) {
+        char end[] = "[END]";
+        ERRLOG_LineErrorNew(903);
+        SENDER_Send(LINE_KEYWORD, end);
+    }
+    std::fclose(file);
+    return 1;
+}
+
+static bool s_beginsDescription(char* line)
+{
+    static const char word[] = "Description";
+    return line[0] == '(' && std::strncmp(s_skipBlanks(line + 1), word, sizeof word - 1) == 0;
+}
+
+// Appends a line of a parameter file to gsBuffer: 1 done, 0 when memory ran out.
+static int s_appendParameterLine(char* line, TextSize* size)
+{
+    s_testLine(line);
+    s_cutComment(line);
+    if (line[0] == '\0' || TEXTBUF_Append(&gsBuffer, size, line, std::strlen(line))) return 1;
+    ERRLOG_BugNew(922, s_Module, __LINE__);
+    return 0;
+}
+
+static int s_readParameterLines(std::FILE* file)
+{
+    TextSize size = {};
+    bool inDescription = false;
+    int ok = 1;
+    while (ok) {
+        ++gulLineNum;
+        unsigned lineSize = 0;
+        char* line = CMN_GetInfiniteLine(&lineSize, file);
+        if (line == nullptr) {
+            // Neither end nor error of the stream: there was no memory for the line.
+            ok = std::feof(file) || std::ferror(file);
+            --gulLineNum;
+            break;
+        }
+        if (line[0] == '(') inDescription = s_beginsDescription(line);
+        if (inDescription && lineSize > DESCRIPTION_MAX + 1)
+            ERRLOG_ErrorNew(923, static_cast<int>(gulLineNum), DESCRIPTION_MAX);
+        ok = s_appendParameterLine(line, &size);
+        void* block = line;
+        CMN_freeSetNull(&block);
+    }
+    return ok;
+}
+
+static void s_beginParameters(const char* name)
+{
+    s_banner(name, SENDER_Version(VERSION_LAST)->name);
+    s_reset(FILE_AMI);
+    geFileVersion = VERSION_LAST;
+    if (gsBuffer != nullptr) {
+        void* block = gsBuffer;
+        CMN_freeSetNull(&block);
+        gsBuffer = nullptr;
+    }
+}
+
+static int s_readParameters(std::FILE* file)
+{
+    const int saved = gbAllowAnyLineLength;
+    gbAllowAnyLineLength = 1;
+    const int ok = s_readParameterLines(file);
+    gbAllowAnyLineLength = saved;
+    std::fclose(file);
+    return ok;
+}
+
+int INIT(void)
+{
+    if (IBIS_New()) return 1;
+    ERRLOG_ErrorNew(3900, "IBIS", s_Module, __LINE__);
+    return 0;
+}
+
+int PARSE(const char* name, int fileType)
+{
+    CMN_ASSERT(name != nullptr);
+    if (fileType != FILE_AMI) return s_readDocument(name, static_cast<FileType>(fileType));
+    s_beginParameters(name);
+    std::FILE* file = nullptr;
+    return CMN_OpenFile(name, FILE_AMI, &file, gsFileName) && s_readParameters(file);
+}
+
+void TEST(int fileType, int deep)
+{
+    IbisRoot* root = nullptr;
+    if (fileType == FILE_AMI)
+        AMI_Test();
+    else if (!IBIS_GetIBIS(&root))
+        return;
+    else if (fileType == FILE_IBS)
+        IBIS_Test(root);
+    else
+        EBD_Test(root, deep);
+}
+
+int FINI(void)
+{
+    IbisRoot* root = nullptr;
+    if (IBIS_GetIBIS(&root)) IBIS_Free(root);
+    ERRLOG_Totals();
+    return gulError_cnt > INT_MAX ? INT_MAX : static_cast<int>(gulError_cnt);
+}
+
+void PARSE_AllowAnyLineLength(int on)
+{
+    gbAllowAnyLineLength = on != 0;
+}
+
+void PARSE_SuppressBanners(int on)
+{
+    gbSuppressBanners = on != 0;
+}
+
+unsigned long PARSE_GetLineNum(void)
+{
+    return gulLineNum;
+}
+
+char* PARSE_GetFileName(char* buf)
+{
+    CMN_ASSERT(buf != nullptr);
+    return static_cast<char*>(std::memcpy(buf, gsFileName, std::strlen(gsFileName) + 1));
+}
+
+char* PARSE_GetKeywordStr(int code, char* buf)
+{
+    CMN_ASSERT(buf != nullptr);
+    const KeywordEntry* entry = keywords;
+    while (entry->code != code && entry->code != NOT_KEY)
+        ++entry;
+    if (entry->code == code) {
+        CMN_strncpy(buf, entry->name, KEYWORD_MAX);
+    } else {
+        ERRLOG_BugNew(904);
+        CMN_strncpy(buf, "Unknown enumerated keyword code", KEYWORD_MAX);
+    }
+    return buf;
+}
+
+void PARSE_SaveState(ParseState* state)
+{
+    CMN_ASSERT(state != nullptr);
+    state->lineNum = gulLineNum;
+    std::memcpy(state->fileName, gsFileName, sizeof gsFileName);
+    std::memcpy(state->filePath, gsFilePath_ibs, sizeof gsFilePath_ibs);
+    state->comment = gpcComment;
+    state->currentKeyword = geCurrentKeyword;
+    state->fileType = geCurrFileType;
+    state->fileVersion = geFileVersion;
+    state->ibisVerFound = gbIBIS_VerFound;
+    state->endFound = gbEndFound;
+    state->inSubModel = gbInSubModel;
+    state->tabFound = bTabFound;
+    state->continued = gbContinue;
+}
+
+void PARSE_RestoreState(const ParseState* state)
+{
+    CMN_ASSERT(state != nullptr);
+    gulLineNum = state->lineNum;
+    std::memcpy(gsFileName, state->fileName, sizeof gsFileName);
+    std::memcpy(gsFilePath_ibs, state->filePath, sizeof gsFilePath_ibs);
+    gpcComment = state->comment;
+    geCurrentKeyword = state->currentKeyword;
+    geCurrFileType = state->fileType;
+    geFileVersion = state->fileVersion;
+    gbIBIS_VerFound = state->ibisVerFound;
+    gbEndFound = state->endFound;
+    gbInSubModel = state->inSubModel;
+    bTabFound = state->tabFound;
+    gbContinue = state->continued;
+}
+
+int PARSE_ReadParameters(const char* name, std::FILE* file)
+{
+    s_beginParameters(name);
+    CMN_strncpy(gsFileName, name, CMN_PATH_MAX);
+    return s_readParameters(file);
+}

@@ -1,0 +1,279 @@
+// [Test Load]: the elements of the network and the receivers at its end.
+#include "IbisParser/testload.h"
+
+#include <cstddef>
+#include <iterator>
+
+#include "IbisParser/base/token.h"
+#include "IbisParser/cmn.h"
+#include "IbisParser/errlog.h"
+#include "IbisParser/krng.h"
+#include "IbisParser/mdl.h"
+#include "IbisParser/nml.h"
+#include "IbisParser/parse.h"
+#include "IbisParser/store/section.h"
+
+static const char s_Module[] = "IbisParser/testload";
+static const SecFrame s_Frame = {s_Module, 4000, 4001, 4002, 4003, 4004, 4005};
+
+static TestLoad* s_open = nullptr;
+
+// Places in TestKind from 1.
+static const char* const s_KindNames[] = {"Single_ended", "Differential", nullptr};
+
+enum ValueSign { NOT_NEGATIVE, POSITIVE };
+
+// clang-format off
+// The single values, in the order of TestLoadValue. `term`: the termination voltage that the
+// resistor needs.
+static const struct LoadValue {
+    const char* name;
+    ValueSign sign;
+    int term;
+    int differential;
+} s_Values[] = {
+    { "C1_near",     NOT_NEGATIVE, 0, 0 },
+    { "Rs_near",     NOT_NEGATIVE, 0, 0 },
+    { "Ls_near",     NOT_NEGATIVE, 0, 0 },
+    { "C2_near",     NOT_NEGATIVE, 0, 0 },
+    { "Rp1_near",    POSITIVE,     1, 0 },
+    { "Rp2_near",    POSITIVE,     2, 0 },
+    { "Td",          NOT_NEGATIVE, 0, 0 },
+    { "Zo",          POSITIVE,     0, 0 },
+    { "Rp1_far",     POSITIVE,     1, 0 },
+    { "Rp2_far",     POSITIVE,     2, 0 },
+    { "C2_far",      NOT_NEGATIVE, 0, 0 },
+    { "Ls_far",      NOT_NEGATIVE, 0, 0 },
+    { "Rs_far",      NOT_NEGATIVE, 0, 0 },
+    { "C1_far",      NOT_NEGATIVE, 0, 0 },
+    { "R_diff_near", POSITIVE,     0, 1 },
+    { "R_diff_far",  POSITIVE,     0, 1 },
+};
+static_assert(std::size(s_Values) == LOAD_VALUE_COUNT);
+
+static const struct TermVoltage { const char* name; RngRange* TestLoad::* value; } s_Terms[] = {
+    { "V_term1", &TestLoad::V_term1 },
+    { "V_term2", &TestLoad::V_term2 },
+};
+
+static const struct LoadWord {
+    const char* name;
+    char (TestLoad::*value)[SIZE_NAME + 1];  // null: the type
+} s_Words[] = {
+    { "Test_load_type",     nullptr },
+    { "Receiver_model",     &TestLoad::receiver },
+    { "Receiver_model_inv", &TestLoad::receiverInv },
+};
+// clang-format on
+static const char* const s_InverseName = s_Words[2].name;
+
+static void s_setLoadWord(const LoadWord& row, const CmnArgs* args)
+{
+    if (!SEC_MarkFound(&s_open->found, static_cast<int>(&row - s_Words))) {
+        ERRLOG_LineErrorNew(4007, row.name);
+        return;
+    }
+    const int values = args->argc - 1;
+    if (values != 1) ERRLOG_LineErrorNew(4010, row.name, 1, values);
+    if (args->nStored < 2) return;
+    if (row.value != nullptr) {
+        CMN_SetStr(s_open->*row.value, args->argv[1], SIZE_NAME, row.name);
+        return;
+    }
+    s_open->type = KRNG_Word(args->argv[1], s_KindNames);
+    if (s_open->type == TEST_KIND_UNSET) ERRLOG_LineErrorNew(4008, args->argv[1]);
+}
+
+static void s_setValue(const LoadValue& row, const CmnArgs* args)
+{
+    const int values = args->argc - 1;
+    if (values != 1) ERRLOG_LineErrorNew(4010, row.name, 1, values);
+    if (args->nStored > 1) KRNG_SetSingle(&s_open->values[&row - s_Values], args, row.name);
+}
+
+static void s_setTerm(const TermVoltage& row, const CmnArgs* args, const char* line)
+{
+    RngRange** slot = &(s_open->*row.value);
+    if (args->argc < 2) {
+        ERRLOG_LineErrorNew(4010, row.name, 3, 0);
+        return;
+    }
+    KRNG_SetRange(slot, KRNG_Values(line), row.name);
+}
+
+static int s_dataLine(const char* line)
+{
+    CmnArgs args;
+    if (!KRNG_Split(line, 4, &args)) return 0;
+    const char* name = args.nStored > 0 ? args.argv[0] : "";
+    int known = 1;
+    if (const LoadValue* value = SEC_FindRow(s_Values, name))
+        s_setValue(*value, &args);
+    else if (const TermVoltage* term = SEC_FindRow(s_Terms, name))
+        s_setTerm(*term, &args, line);
+    else if (const LoadWord* word = SEC_FindRow(s_Words, name))
+        s_setLoadWord(*word, &args);
+    else
+        known = 0;
+    if (!known) ERRLOG_LineErrorNew(4006, name);
+    CMN_ArgFree(&args);
+    return known;
+}
+
+// The end of the record.
+
+static void s_checkValue(const LoadValue& row, const RngSingle& cell)
+{
+    if (cell.state != CELL_NUMBER) return;
+    if (row.sign == NOT_NEGATIVE && cell.value < 0)
+        ERRLOG_LineErrorNew(4011, s_open->name, row.name);
+    if (row.sign == POSITIVE && cell.value <= 0) ERRLOG_LineErrorNew(4012, s_open->name, row.name);
+    if (row.differential && s_open->type == TEST_SINGLE_ENDED)
+        ERRLOG_LineErrorNew(4014, s_open->name, row.name);
+    if (row.term == 0) return;
+    const TermVoltage& term = s_Terms[row.term - 1];
+    if (s_open->*term.value == nullptr)
+        ERRLOG_LineErrorNew(4015, s_open->name, row.name, term.name);
+}
+
+static void s_checkTerm(const TermVoltage& term)
+{
+    if (s_open->*term.value == nullptr) return;
+    for (const LoadValue& row : s_Values)
+        if (row.term == &term - s_Terms + 1 && s_open->values[&row - s_Values].state == CELL_NUMBER)
+            return;
+    ERRLOG_LineWarnNew(4016, s_open->name, term.name);
+}
+
+static void s_checkRecord()
+{
+    const TestLoad* load = s_open;
+    if ((load->found & 1u) == 0) ERRLOG_LineErrorNew(4009, load->name);
+    bool isEmpty = true;
+    for (const LoadValue& row : s_Values) {
+        const RngSingle& cell = load->values[&row - s_Values];
+        s_checkValue(row, cell);
+        isEmpty = isEmpty && cell.state != CELL_NUMBER;
+    }
+    const bool hasTd = load->values[LOAD_TD].state == CELL_NUMBER;
+    const bool hasZo = load->values[LOAD_ZO].state == CELL_NUMBER;
+    if (hasTd != hasZo) ERRLOG_LineErrorNew(4013, load->name);
+    if (load->type == TEST_SINGLE_ENDED && load->receiverInv[0] != '\0')
+        ERRLOG_LineErrorNew(4014, load->name, s_InverseName);
+    for (const TermVoltage& term : s_Terms)
+        s_checkTerm(term);
+    if (isEmpty) ERRLOG_LineNoteNew(4017, load->name);
+}
+
+void TESTLOAD_Close(void)
+{
+    if (s_open == nullptr) return;
+    s_checkRecord();
+    s_open = nullptr;
+}
+
+int TESTLOAD_Init(void)
+{
+    TESTLOAD_Close();
+    IbisRoot* root = SEC_Root(&s_Frame, __LINE__);
+    if (root == nullptr) return 0;
+    TestLoad* record = static_cast<TestLoad*>(SEC_NewRecord(&s_Frame, sizeof(TestLoad)));
+    if (record == nullptr) return 0;
+    record->line = PARSE_GetLineNum();
+    IBIS_AddTestLoad(root, record);
+    s_open = record;
+    return 1;
+}
+
+int TESTLOAD_ReceiveLine(int kind, int code, char* line)
+{
+    CMN_ASSERT(line != nullptr);
+    if (!SEC_Receives(&s_Frame, __LINE__, kind, s_open)) return 0;
+    if (kind == LINE_DATA) return s_dataLine(line);
+    if (code != KEY_TEST_LOAD) {
+        SEC_UnknownKeyword(&s_Frame, __LINE__);
+        return 0;
+    }
+    char* text = SEC_Argument(line);
+    const char* name = TOKEN_Next(&text);
+    CMN_SetStr(s_open->name, name != nullptr ? name : "", SIZE_NAME, SEC_KeywordName(code));
+    CMN_ReservedWordErr(s_open->name);
+    return 1;
+}
+
+int TESTLOAD_Fini(int nextCode)
+{
+    if (s_open == nullptr || nextCode == NOT_KEY) return 0;
+    TESTLOAD_Close();
+    return 1;
+}
+
+static void s_freeRecord(TestLoad* record)
+{
+    if (record == s_open) s_open = nullptr;
+    RNG_Free(record->V_term1);
+    RNG_Free(record->V_term2);
+    SEC_FreeRecord(record);
+}
+
+void TESTLOAD_FreeList(TestLoad* head)
+{
+    SEC_FreeList(head, s_freeRecord);
+}
+
+int TESTLOAD_AddLink(TestLoad** head, TestLoad* item)
+{
+    CMN_ASSERT(head != nullptr && item != nullptr);
+    return SEC_AddLink(head, item);
+}
+
+TestLoad* TESTLOAD_FindByName(TestLoad* head, const char* name)
+{
+    CMN_ASSERT(name != nullptr);
+    return SEC_FindByName(head, name);
+}
+
+const char* TESTLOAD_ValueName(int value)
+{
+    CMN_ASSERT(value >= 0 && value < LOAD_VALUE_COUNT);
+    return s_Values[value].name;
+}
+
+// The model of that name, after a complaint when it is missing or takes no signal.
+static const Mdl* s_testReceiver(const TestLoad* load, const char* name,
+                                 const SecNameIndex<Mdl>& models)
+{
+    if (name[0] == '\0') return nullptr;
+    const Mdl* model = models.Find(name);
+    if (model == nullptr) {
+        ERRLOG_ErrorNew(4018, load->name, name);
+        return nullptr;
+    }
+    const MdlTypeInfo* type = MDL_TypeInfo(model->type);
+    if (type != nullptr && !type->receives && type->type != MDL_TERMINATOR)
+        ERRLOG_ErrorNew(4019, load->name, name, type->name);
+    return model;
+}
+
+int TESTLOAD_TestList(TestLoad* list)
+{
+    TESTLOAD_Close();
+    NML_CheckUnique(list, offsetof(TestLoad, name), offsetof(TestLoad, next), "Test Load");
+    IbisRoot* root = nullptr;
+    if (!IBIS_GetIBIS(&root)) return 0;
+    const SecNameIndex<Mdl> models(root->mdls);
+    SecSet used = {};
+    for (const TestData* data = root->testData; data != nullptr; data = data->next)
+        SEC_SetAdd(&used, data->load);
+    for (const TestLoad* load : SecFileOrder<TestLoad>(list)) {
+        const Mdl* receiver = s_testReceiver(load, load->receiver, models);
+        const Mdl* inverse = s_testReceiver(load, load->receiverInv, models);
+        if (!SEC_SetHas(&used, load->name)) ERRLOG_WarnNew(4020, load->name);
+        if (receiver != nullptr && inverse != nullptr && receiver->type != inverse->type)
+            ERRLOG_WarnNew(4021, load->name, load->receiver, load->receiverInv);
+        if (load->receiver[0] == '\0' && load->receiverInv[0] != '\0')
+            ERRLOG_WarnNew(4022, load->name);
+    }
+    SEC_SetClear(&used);
+    return 1;
+}

@@ -1,0 +1,217 @@
+// What the keyword sections do alike: frame messages, found flags, keyword arguments, limits that
+// depend on the IBIS version, lists in file order and sets of names.
+#ifndef IBISPARSER_STORE_SECTION_H
+#define IBISPARSER_STORE_SECTION_H
+
+#include <cstddef>
+#include <cstdio>
+#include <cstring>
+#include <initializer_list>
+#include <type_traits>
+
+#include "IbisParser/base/index.h"
+#include "IbisParser/cmn.h"
+#include "IbisParser/ibis.h"
+#include "IbisParser/keyword.h"
+
+// The message numbers of a section's life cycle, the first six of its block.
+struct SecFrame {
+    const char* module;       // "IbisParser/cmpnt"
+    unsigned noRoot;          // bug: _Init finds no document
+    unsigned noRecord;        // bug: no memory for the record
+    unsigned orphanKeyword;   // error: keyword line without a record
+    unsigned orphanData;      // error: data line without a record
+    unsigned unknownKeyword;  // line bug: code of another section
+    unsigned unknownKind;     // line bug: neither a keyword nor a data line
+};
+
+// The front document, or null after the message. line is __LINE__, for the message.
+IbisRoot* SEC_Root(const SecFrame* frame, int line);
+// A zeroed record, or null after the message.
+void* SEC_NewRecord(const SecFrame* frame, std::size_t size);
+// The first test of every _ReceiveLine: 1 when the line kind is legal and a record is open, else 0
+// after the message.
+int SEC_Receives(const SecFrame* frame, int line, int kind, const void* open);
+// The message for a code that the section does not know.
+void SEC_UnknownKeyword(const SecFrame* frame, int line);
+// The same as SEC_NewRecord for the parts of a section: bug `number` with module and line.
+void* SEC_NewPart(unsigned number, const char* module, int line, std::size_t size);
+
+// Sets a bit of the found flags; 1 when it was not set before.
+template <typename Flags>
+int SEC_MarkFound(Flags* flags, int bit)
+{
+    const Flags mask = static_cast<Flags>(1) << bit;
+    const int isFirst = (*flags & mask) == 0;
+    *flags |= mask;
+    return isFirst;
+}
+
+// Opens a file that another one names; null when there is none, or no plain file: a pipe that
+// nobody writes to would be waited for, and a device has no end.
+std::FILE* SEC_OpenFile(const char* path);
+
+// A keyword as people write it, without brackets ("Diff Pin"); codes 9 to 117.
+const char* SEC_KeywordName(int code);
+// The text after the keyword of a keyword line, or its end. Unlike CMN_EatKeyword it takes any
+// number of blanks, which a file may hold.
+char* SEC_Argument(char* line);
+// Raises the line warning `number` with the text and the keyword ("Pin") when text is not empty.
+void SEC_IgnoreText(unsigned number, const char* text, const char* keyword);
+
+// Copies at most limit characters; 0 when the text is longer. dest holds limit + 1.
+int SEC_CopyName(char* dest, const char* text, unsigned limit);
+
+// Names whose length depends on the version class of the file being read.
+enum SecLimit {
+    LIMIT_SIGNAL,  // signals, models and model selectors
+    LIMIT_SUBMODEL,
+    LIMIT_CURVE_POINTS,
+    LIMIT_WAVE_POINTS,
+    LIMIT_COUNT
+};
+unsigned SEC_Limit(SecLimit limit);
+// The version class of the file being read, 2 to 5.
+int SEC_Version();
+
+// The row whose first member `name` is the word: exactly, failing that ignoring case; else null.
+template <typename Row, std::size_t n>
+const Row* SEC_FindRow(const Row (&rows)[n], const char* word)
+{
+    const Row* found = nullptr;
+    for (const Row& row : rows) {
+        // Letters that differ in their low bits are different ones in either case.
+        if (((row.name[0] ^ word[0]) & 0x1F) != 0 || !CMN_StrSameIC(row.name, word)) continue;
+        if (std::strcmp(row.name, word) == 0) return &row;
+        if (found == nullptr) found = &row;
+    }
+    return found;
+}
+
+// A record of a list by name, exactly; or null.
+template <typename Record>
+Record* SEC_FindByName(Record* head, const char* name)
+{
+    for (Record* item = head; item != nullptr; item = item->next)
+        if (std::strcmp(item->name, name) == 0) return item;
+    return nullptr;
+}
+
+// Puts item in front of the list.
+template <typename Record>
+int SEC_AddLink(Record** head, Record* item)
+{
+    item->next = *head;
+    *head = item;
+    return 1;
+}
+
+// Puts item at the end of a list in file order. tail points at the link that ends the list, or is
+// null before the first item; it must be reset with the list.
+template <typename Record>
+void SEC_Append(Record** head, Record*** tail, Record* item)
+{
+    Record** link = *tail != nullptr ? *tail : head;
+    *link = item;
+    *tail = &item->next;
+}
+
+// Frees every record of a list with release(record), which frees the record itself too.
+template <typename Record, typename Release>
+void SEC_FreeList(Record* head, Release release)
+{
+    while (head != nullptr) {
+        Record* next = head->next;
+        release(head);
+        head = next;
+    }
+}
+
+// Frees a record without owned parts.
+template <typename Record>
+void SEC_FreeRecord(Record* record)
+{
+    void* block = record;
+    CMN_freeSetNull(&block);
+}
+
+// Frees an owned text and clears its owner's pointer; null is ignored.
+inline void SEC_FreeText(char** text)
+{
+    void* block = *text;
+    if (block != nullptr) CMN_freeSetNull(&block);
+    *text = nullptr;
+}
+
+// The records of a list that is newest first, oldest first: for (Mdl* model : order).
+template <typename Record>
+class SecFileOrder {
+public:
+    explicit SecFileOrder(Record* head)
+    {
+        for (const Record* item = head; item != nullptr; item = item->next)
+            ++m_Count;
+        void* block = nullptr;
+        if (m_Count == 0 || !CMN_malloc(&block, m_Count * sizeof(Record*))) {
+            m_Count = 0;
+            return;
+        }
+        m_Items = static_cast<Record**>(block);
+        std::size_t place = m_Count;
+        for (Record* item = head; item != nullptr; item = item->next)
+            m_Items[--place] = item;
+    }
+    ~SecFileOrder()
+    {
+        void* block = m_Items;
+        if (block != nullptr) CMN_freeSetNull(&block);
+    }
+    SecFileOrder(const SecFileOrder&) = delete;
+    SecFileOrder& operator=(const SecFileOrder&) = delete;
+
+    Record** begin() const { return m_Items; }
+    Record** end() const { return m_Items + m_Count; }
+    std::size_t Count() const { return m_Count; }
+
+private:
+    Record** m_Items = nullptr;
+    std::size_t m_Count = 0;
+};
+
+// Records of a list by name, for many look-ups; of equal names the first in the list answers. The
+// list must outlive the index.
+template <typename Record>
+class SecNameIndex {
+public:
+    explicit SecNameIndex(Record* head)
+    {
+        for (Record* item = head; item != nullptr; item = item->next) {
+            void** value = nullptr;
+            if (!IDX_SlotName(&m_Table, item->name, &value)) return;
+            if (*value == nullptr) *value = const_cast<std::remove_const_t<Record>*>(item);
+        }
+    }
+    ~SecNameIndex() { IDX_Clear(&m_Table); }
+    SecNameIndex(const SecNameIndex&) = delete;
+    SecNameIndex& operator=(const SecNameIndex&) = delete;
+
+    Record* Find(const char* name) const
+    {
+        return static_cast<Record*>(IDX_FindName(&m_Table, name));
+    }
+
+private:
+    IdxTable m_Table = {nullptr, 0, 0};
+};
+
+// A set of strings that owns its members. All zero is an empty set.
+struct SecSet {
+    IdxTable table;
+};
+
+// 1 when the string is new in the set, 0 when it is known (or memory ran out).
+int SEC_SetAdd(SecSet* set, const char* text);
+int SEC_SetHas(const SecSet* set, const char* text);
+void SEC_SetClear(SecSet* set);
+
+#endif

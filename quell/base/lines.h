@@ -1,0 +1,38 @@
+// Whole text files and their lines.
+#ifndef QUELL_BASE_LINES_H
+#define QUELL_BASE_LINES_H
+
+#include <string>
+#include <string_view>
+
+namespace quell {
+
+// The bytes of a regular file. Throws InputError for anything else: a folder, a device, a file
+// that cannot be read or is larger than 1 GB.
+std::string ReadTextFile(const std::string& path);
+
+// Walks the lines of a text; LF, CR LF and CR alone end a line. A byte order mark is skipped.
+class LineWalker {
+public:
+    explicit LineWalker(std::string_view text);
+    bool Next(std::string_view& line);
+    size_t Number() const { return m_Number; }  // of the line read last, 1 for the first
+
+private:
+    std::string_view m_Rest;
+    size_t m_Number = 0;
+};
+
+// Takes the next token from the front of a line: separators are blanks, tabs and the characters
+// given. Empty when there is none.
+std::string_view NextToken(std::string_view& line, std::string_view separators = " \t\v\f");
+
+// A token as it may stand in a message: what is not printable ASCII replaced, cut to a readable
+// length.
+std::string Quoted(std::string_view token);
+
+std::string Lower(std::string_view text);
+
+}  // namespace quell
+
+#endif

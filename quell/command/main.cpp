@@ -1,0 +1,60 @@
+// The command: finds the subcommand, and turns what it throws into one line and an exit code.
+#include <cstdio>
+#include <iostream>
+
+#include "quell/base/errors.h"
+#include "quell/command/commands.h"
+
+namespace {
+
+constexpr quell::AddCommand s_Commands[] = {
+    quell::AddInfo, quell::AddRun,   quell::AddSweep,
+    quell::AddView, quell::AddCheck, quell::AddParams,
+};
+
+int ReportError(const char* text, int code)
+{
+    std::string line = text;
+    for (char& c : line)
+        if (c == '\n' || c == '\r') c = ' ';
+    std::cerr << "quell: " << line << '\n';
+    return code;
+}
+
+int ParseAndRun(int argc, char** argv)
+{
+    CLI::App app("Runs AMI models over real channels and checks IBIS files.", "quell");
+    app.set_version_flag("--version", "quell " QUELL_VERSION);
+    app.require_subcommand(1);
+    app.get_formatter()->column_width(34);
+    int exitCode = quell::EXIT_DONE;
+    for (const quell::AddCommand add : s_Commands)
+        add(app, exitCode);
+    try {
+        app.parse(argc, argv);
+    } catch (const CLI::ParseError& error) {
+        // --help and --version come this way, too.
+        if (error.get_exit_code() != 0)
+            throw quell::InputError(std::string(error.what()) + " (see quell --help)");
+        exitCode = app.exit(error);
+    }
+    std::cout.flush();
+    if (!std::cout || std::fflush(stdout) != 0)
+        throw quell::InputError("standard output cannot be written");
+    return exitCode;
+}
+
+}  // namespace
+
+int main(int argc, char** argv)
+{
+    try {
+        return ParseAndRun(argc, argv);
+    } catch (const quell::CommandError& error) {
+        return ReportError(error.what(), error.Code());
+    } catch (const std::bad_alloc&) {
+        return ReportError("out of memory", quell::EXIT_BAD_INPUT);
+    } catch (const std::exception& error) {
+        return ReportError(error.what(), quell::EXIT_BAD_INPUT);
+    }
+}

@@ -1,0 +1,100 @@
+// The statistical eye of a link behind its model.
+#include "quell/link/eye.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "quell/signal/pulse.h"
+
+namespace quell {
+
+namespace {
+
+// The eye wants a whole number of samples in a unit interval.
+std::vector<double> OnWholeSamples(const std::vector<double>& pulse, double samplesPerBit,
+                                   size_t samplesPerUi)
+{
+    const double ratio = samplesPerBit / static_cast<double>(samplesPerUi);
+    if (ratio == 1) return pulse;
+    std::vector<double> resampled;
+    const double last = static_cast<double>(pulse.size() - 1);
+    for (size_t n = 0; static_cast<double>(n) * ratio <= last; ++n)
+        resampled.push_back(ValueAt(pulse, static_cast<double>(n) * ratio));
+    return resampled;
+}
+
+// What the eye is made of.
+struct EyeInput {
+    std::vector<double> victim;  // upright
+    std::vector<std::vector<double>> aggressors;
+};
+
+std::optional<EyeInput> MakeEyeInput(const LinkResult& link, size_t samplesPerUi)
+{
+    std::vector<std::vector<double>> pulses;
+    for (const LinkColumn& column : link.columns) {
+        if (!column.after) return std::nullopt;
+        const std::vector<double>& pulse = column.after->pulse;
+        const bool finite =
+            std::all_of(pulse.begin(), pulse.end(), [](double v) { return std::isfinite(v); });
+        if (!finite) return std::nullopt;
+        pulses.push_back(OnWholeSamples(pulse, link.grid.samplesPerBit, samplesPerUi));
+    }
+    EyeInput input;
+    input.victim = std::move(pulses.front());
+    pulses.erase(pulses.begin());
+    input.aggressors = std::move(pulses);
+
+    // An inverting link has an eye like any other.
+    const auto [least, greatest] = std::minmax_element(input.victim.begin(), input.victim.end());
+    if (*least == 0 && *greatest == 0) return std::nullopt;
+    if (-*least > *greatest)
+        for (double& v : input.victim)
+            v = -v;
+    return input;
+}
+
+size_t WholeSamples(const TimeGrid& grid)
+{
+    return static_cast<size_t>(std::ceil(grid.samplesPerBit));
+}
+
+StatisticalEye ComputeLinkEye(const EyeInput& input, const TimeGrid& grid, size_t samplesPerUi,
+                              const EyeOptions& options)
+{
+    return ComputeEye(input.victim, input.aggressors, samplesPerUi,
+                      grid.BitTime() / static_cast<double>(samplesPerUi), options);
+}
+
+}  // namespace
+
+std::optional<LinkEye> MeasureLinkEye(const LinkResult& link, const LinkEyeOptions& options)
+{
+    const size_t samplesPerUi = WholeSamples(link.grid);
+    const std::optional<EyeInput> input = MakeEyeInput(link, samplesPerUi);
+    if (!input) return std::nullopt;
+
+    LinkEye result;
+    result.errorRate = options.errorRate;
+    result.eye = ComputeLinkEye(*input, link.grid, samplesPerUi, options.eye);
+    const size_t best = BestPhase(result.eye, options.errorRate);
+    result.height = EyeHeight(result.eye, best, options.errorRate);
+    result.width = EyeWidth(result.eye, options.errorRate);
+    result.phase = (static_cast<double>(best) - static_cast<double>(result.eye.centre)) *
+                   result.eye.phaseStep / result.eye.unitInterval;
+    for (const double errorRate : s_EyeErrorRates)
+        result.heights.push_back(EyeHeight(result.eye, best, errorRate));
+    return result;
+}
+
+StatisticalEye FinerLinkEye(const LinkResult& link, const LinkEye& eye, const EyeOptions& options,
+                            size_t phases, double voltageStep)
+{
+    const size_t samplesPerUi = phases * WholeSamples(link.grid);
+    const std::optional<EyeInput> input = MakeEyeInput(link, samplesPerUi);
+    EyeOptions coarse = options;
+    coarse.voltageStep = voltageStep;
+    return input ? ComputeLinkEye(*input, link.grid, samplesPerUi, coarse) : eye.eye;
+}
+
+}  // namespace quell

@@ -1,0 +1,20 @@
+// The result of a link as JSON.
+#ifndef QUELL_LINK_JSON_H
+#define QUELL_LINK_JSON_H
+
+#include <nlohmann/json.hpp>
+
+#include "quell/link/eye.h"
+
+namespace quell {
+
+// Numbers read back bit for bit; what is not finite or not there is null. Responses themselves are
+// not part of it.
+nlohmann::ordered_json ResultJson(const LinkResult& result, const std::optional<LinkEye>& eye);
+
+// Indented text with a line end. Bytes of a model's message that are no UTF-8 are replaced.
+std::string JsonText(const nlohmann::ordered_json& json);
+
+}  // namespace quell
+
+#endif

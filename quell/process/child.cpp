@@ -1,0 +1,256 @@
+// A process of its own for the parser library. The child leaves a note in shared memory: its
+// result, or where it was when a signal ended it.
+#include "quell/process/child.h"
+
+#include <fcntl.h>
+#include <poll.h>
+#include <signal.h>
+#include <sys/mman.h>
+#include <sys/prctl.h>
+#include <sys/resource.h>
+#include <sys/time.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <atomic>
+#include <cerrno>
+#include <cmath>
+#include <cstdio>
+#include <cstring>
+#include <iostream>
+#include <new>
+
+#include "IbisParser/parse.h"
+#include "quell/base/errors.h"
+#include "quell/base/numbers.h"
+#include "quell/process/signal_name.h"
+
+namespace quell {
+
+namespace {
+
+constexpr double s_LeastTime = 30;       // s
+constexpr double s_TimePerByte = 2e-6;   // s, some hundred times what reading takes
+constexpr double s_Grace = 5;            // s between the child's own clock and ours
+constexpr size_t s_TailSize = 4096;      // bytes
+constexpr size_t s_StackSize = 1 << 16;  // for the handler when the stack itself is the fault
+
+struct ChildNote {
+    std::atomic<bool> done = false;
+    int result = 0;
+    unsigned long line = 0;
+    char file[CMN_PATH_MAX + 1] = "";
+};
+
+// Of the child's process.
+ChildNote* s_Note = nullptr;
+FrameWriter* s_Writer = nullptr;
+alignas(16) char s_Stack[s_StackSize];
+
+extern "C" void QuellNoteDeath(int number)
+{
+    s_Note->line = gulLineNum;
+    std::memcpy(s_Note->file, gsFileName, sizeof gsFileName);
+    s_Writer->FlushDying();
+    raise(number);  // the handler is reset: this one ends the process
+}
+
+void WatchSignals()
+{
+    stack_t stack = {};
+    stack.ss_sp = s_Stack;
+    stack.ss_size = sizeof s_Stack;
+    sigaltstack(&stack, nullptr);
+    for (const int number : {SIGINT, SIGTERM, SIGHUP, SIGPIPE})
+        signal(number, SIG_DFL);
+    struct sigaction action = {};
+    action.sa_handler = QuellNoteDeath;
+    action.sa_flags = static_cast<int>(SA_ONSTACK | SA_RESETHAND);
+    for (const int number : {SIGABRT, SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGTRAP, SIGALRM})
+        sigaction(number, &action, nullptr);
+    sigset_t none;
+    sigemptyset(&none);
+    sigprocmask(SIG_SETMASK, &none, nullptr);
+}
+
+void StartClock(double limit)
+{
+    const double whole = std::floor(std::min(limit, 1e8));
+    itimerval timer = {};
+    timer.it_value.tv_sec = static_cast<time_t>(whole);
+    timer.it_value.tv_usec =
+        std::max<suseconds_t>(1, static_cast<suseconds_t>((std::min(limit, 1e8) - whole) * 1e6));
+    setitimer(ITIMER_REAL, &timer, nullptr);
+}
+
+[[noreturn]] void RunWork(const Child::Work& work, ChildNote* note, int printed, int output,
+                          double limit, pid_t parent)
+{
+    prctl(PR_SET_PDEATHSIG, SIGKILL);
+    if (getppid() != parent) _exit(1);
+    const int null = open("/dev/null", O_RDONLY | O_CLOEXEC);
+    dup2(null, STDIN_FILENO);
+    dup2(printed, STDOUT_FILENO);
+    const rlimit noCore = {0, 0};
+    setrlimit(RLIMIT_CORE, &noCore);
+    // Line by line, so that a crash loses nothing that was printed.
+    std::setvbuf(stdout, nullptr, _IOLBF, BUFSIZ);
+
+    FrameWriter writer(output);
+    s_Note = note;
+    s_Writer = &writer;
+    WatchSignals();
+    StartClock(limit);
+    try {
+        note->result = work(writer);
+        writer.Flush();
+        std::fflush(nullptr);
+        note->done = true;
+    } catch (const std::exception& error) {
+        // Ends like a failed assertion: with its reason in the last line.
+        writer.Flush();
+        std::printf("\n%s\n", error.what());
+        std::fflush(nullptr);
+        _exit(1);
+    }
+    _exit(0);
+}
+
+std::string LastLine(std::string_view text)
+{
+    while (!text.empty() && text.back() == '\n')
+        text.remove_suffix(1);
+    const size_t end = text.rfind('\n');
+    return std::string(end == std::string_view::npos ? text : text.substr(end + 1));
+}
+
+// The last bytes of a file.
+std::string FileTail(int descriptor)
+{
+    const off_t size = lseek(descriptor, 0, SEEK_END);
+    const off_t start = std::max<off_t>(0, size - static_cast<off_t>(s_TailSize));
+    std::string tail(s_TailSize, '\0');
+    const ssize_t count = pread(descriptor, tail.data(), tail.size(), start);
+    tail.resize(count > 0 ? static_cast<size_t>(count) : 0);
+    return tail;
+}
+
+[[noreturn]] void NoProcess(const char* what)
+{
+    throw CommandError(EXIT_BAD_INPUT, std::string(what) + ": " + std::strerror(errno));
+}
+
+}  // namespace
+
+double ReadingTime(unsigned long long bytes)
+{
+    return s_LeastTime + s_TimePerByte * static_cast<double>(bytes);
+}
+
+Child::Child(const Work& work, ChildStream stream, double limit)
+    : m_NoteBlock(sizeof(ChildNote)), m_Limit(limit)
+{
+    ChildNote* note = new (m_NoteBlock.Data()) ChildNote;
+    int ends[2];
+    if (pipe2(ends, O_CLOEXEC) != 0) NoProcess("no pipe");
+    m_Output = ends[0];
+    if (stream == ChildStream::Frames) m_Printed = memfd_create("printed", MFD_CLOEXEC);
+    // The child would write a second time what lies in our buffers.
+    std::cout.flush();
+    std::fflush(nullptr);
+    const pid_t parent = getpid();
+    m_Process = fork();
+    if (m_Process == 0)
+        RunWork(work, note, stream == ChildStream::Frames ? m_Printed : ends[1], ends[1], limit,
+                parent);
+    close(ends[1]);
+    if (m_Process < 0) {
+        const int reason = errno;
+        close(m_Output);
+        if (m_Printed >= 0) close(m_Printed);
+        errno = reason;
+        NoProcess("no process");
+    }
+    m_Deadline = Clock::now() + std::chrono::duration_cast<Clock::duration>(
+                                    std::chrono::duration<double>(std::min(limit, 1e8) + s_Grace));
+}
+
+Child::~Child()
+{
+    if (m_Process > 0) {
+        Kill();
+        while (waitpid(m_Process, nullptr, 0) < 0 && errno == EINTR) {
+        }
+    }
+    close(m_Output);
+    if (m_Printed >= 0) close(m_Printed);
+}
+
+ssize_t Child::Read(char* buffer, size_t size)
+{
+    const ssize_t count = read(m_Output, buffer, size);
+    if (count > 0 && m_Printed < 0) {
+        m_Tail.append(buffer, static_cast<size_t>(count));
+        if (m_Tail.size() > s_TailSize) m_Tail.erase(0, m_Tail.size() - s_TailSize);
+    }
+    return count;
+}
+
+void Child::Kill()
+{
+    m_Killed = true;
+    kill(m_Process, SIGKILL);
+}
+
+std::string Child::Reason(int status) const
+{
+    if (m_Killed || (WIFSIGNALED(status) && WTERMSIG(status) == SIGALRM))
+        return "it did not come to an end within " + ShortText(m_Limit) + " s";
+    const std::string said = LastLine(m_Printed >= 0 ? FileTail(m_Printed) : m_Tail);
+    if (WIFSIGNALED(status)) {
+        const bool asserted = WTERMSIG(status) == SIGABRT && said.ends_with("assertion failed.");
+        return asserted ? said : SignalName(WTERMSIG(status));
+    }
+    return said.empty() ? "exit(" + std::to_string(WEXITSTATUS(status)) + ")" : said;
+}
+
+ChildEnd Child::Wait()
+{
+    int status = 0;
+    while (waitpid(m_Process, &status, 0) < 0 && errno == EINTR) {
+    }
+    m_Process = -1;
+    const ChildNote& note = *static_cast<const ChildNote*>(m_NoteBlock.Data());
+    ChildEnd end;
+    end.done = note.done && WIFEXITED(status) && WEXITSTATUS(status) == 0;
+    end.result = note.result;
+    if (end.done) return end;
+    end.line = note.line;
+    end.file.assign(note.file, strnlen(note.file, sizeof note.file));
+    end.failure = "the reader stopped" +
+                  (end.line == 0 ? "" : " at line " + std::to_string(end.line)) + ": " +
+                  Reason(status);
+    return end;
+}
+
+ChildEnd RunChild(const Child::Work& work, double limit,
+                  const std::function<void(FrameFields)>& take)
+{
+    Child child(work, ChildStream::Frames, limit);
+    FrameReader frames;
+    char buffer[1 << 16];
+    for (;;) {
+        pollfd polled = {child.Output(), POLLIN, 0};
+        poll(&polled, 1, 100);
+        if (polled.revents == 0) {
+            if (Child::Clock::now() > child.Deadline()) child.Kill();
+            continue;
+        }
+        const ssize_t size = child.Read(buffer, sizeof buffer);
+        if (size == 0) return child.Wait();
+        if (size > 0) frames.Receive(std::string_view(buffer, static_cast<size_t>(size)), take);
+    }
+}
+
+}  // namespace quell

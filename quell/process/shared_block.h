@@ -1,0 +1,29 @@
+// Memory that a process shares with the one that started it, its end guarded.
+#ifndef QUELL_PROCESS_SHARED_BLOCK_H
+#define QUELL_PROCESS_SHARED_BLOCK_H
+
+#include <cstddef>
+
+namespace quell {
+
+// An anonymous shared mapping between two pages that nobody may touch. The block ends where the
+// second one begins, so that a write behind it is a fault of the writer and not of a neighbour.
+class SharedBlock {
+public:
+    // Throws CommandError when the system gives no memory.
+    explicit SharedBlock(size_t size);
+    ~SharedBlock();
+    SharedBlock(const SharedBlock&) = delete;
+    SharedBlock& operator=(const SharedBlock&) = delete;
+
+    void* Data() const { return m_Data; }
+
+private:
+    void* m_Mapping;
+    size_t m_Length;
+    void* m_Data;
+};
+
+}  // namespace quell
+
+#endif
