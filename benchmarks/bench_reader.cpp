@@ -40,8 +40,8 @@ static const int Parameters = 8500;         // about 1 MB
 static const double TimesOfTheFloor = 2.0;  // at most
 static const double TreeSpeed = 100.0;      // MB/s, at least
 
-static std::string s_ParameterFile;
-static std::string s_ParameterText;
+static std::string s_parameterFile;
+static std::string s_parameterText;
 
 // Cells of tables, whatever their order.
 struct Cells {
@@ -205,7 +205,7 @@ struct Document {
     std::size_t size;
 };
 
-static std::vector<Document> s_Documents;
+static std::vector<Document> s_documents;
 
 static std::string MakeParameters()
 {
@@ -266,8 +266,8 @@ static Seconds Time(Action action)
     return ProcessorTime() - start;
 }
 
-static Cells s_Read;
-static Cells s_Found;
+static Cells s_read;
+static Cells s_found;
 
 static Seconds ReadDocument(const Document& document)
 {
@@ -276,7 +276,7 @@ static Seconds ReadDocument(const Document& document)
         PARSE(document.path.c_str(), document.kind.type);
         TEST(document.kind.type, 0);
     });
-    s_Read = StoredCells();
+    s_read = StoredCells();
     IbisRoot* root = nullptr;
     IBIS_GetIBIS(&root);
     IBIS_Free(root);
@@ -310,18 +310,18 @@ static Seconds ReadNumbers(const Document& document)
         }
     });
     std::fclose(file);
-    s_Found = cells;
+    s_found = cells;
     return time;
 }
 
 static Seconds ReadParameters()
 {
-    return Time([] { PARSE(s_ParameterFile.c_str(), FILE_AMI); });
+    return Time([] { PARSE(s_parameterFile.c_str(), FILE_AMI); });
 }
 
 static Seconds ReadParameterLines()
 {
-    std::FILE* file = std::fopen(s_ParameterFile.c_str(), "r");
+    std::FILE* file = std::fopen(s_parameterFile.c_str(), "r");
     const Seconds time = Time([&] {
         unsigned size = 0;
         while (char* line = CMN_GetInfiniteLine(&size, file))
@@ -334,7 +334,7 @@ static Seconds ReadParameterLines()
 static Seconds ParseTree()
 {
     _tagTreeStruct* tree = nullptr;
-    const Seconds time = Time([&] { GetParsedTree(s_ParameterText.data(), &tree); });
+    const Seconds time = Time([&] { GetParsedTree(s_parameterText.data(), &tree); });
     FreeParsedTree(&tree);
     return time;
 }
@@ -355,7 +355,7 @@ static std::string FloorName(const Document& document)
 static std::vector<Run> MakeRuns()
 {
     std::vector<Run> runs;
-    for (const Document& document : s_Documents) {
+    for (const Document& document : s_documents) {
         runs.push_back({document.kind.fileName,
                         [&] { return ReadDocument(document); },
                         document.size,
@@ -364,7 +364,7 @@ static std::vector<Run> MakeRuns()
         runs.push_back(
             {FloorName(document), [&] { return ReadNumbers(document); }, document.size, 15, {}});
     }
-    const std::size_t size = s_ParameterText.size();
+    const std::size_t size = s_parameterText.size();
     runs.push_back({"parameter file", ReadParameters, size, 40, {}});
     runs.push_back({"parameter file, lines alone", ReadParameterLines, size, 40, {}});
     runs.push_back({"parameter tree", ParseTree, size, 40, {}});
@@ -399,7 +399,7 @@ static void PrintResults(const std::vector<Run>& runs)
                         speeds[speeds.size() / 2]);
     }
     std::printf("\nRead and checked, times of fgets and strtod, at most %.2f:\n", TimesOfTheFloor);
-    for (const Document& document : s_Documents) {
+    for (const Document& document : s_documents) {
         const double ratio =
             Fastest(runs, FloorName(document)) / Fastest(runs, document.kind.fileName);
         std::printf("%-34s %7.2f%s\n", document.kind.fileName, ratio,
@@ -423,10 +423,10 @@ int main(int argc, char** argv)
     const TempDir dir;
     for (const Kind& kind : kinds) {
         const std::string text = kind.make(kind.fileName);
-        s_Documents.push_back({kind, dir.Write(kind.fileName, text), text.size()});
+        s_documents.push_back({kind, dir.Write(kind.fileName, text), text.size()});
     }
-    s_ParameterText = MakeParameters();
-    s_ParameterFile = dir.Write("bench.ami", s_ParameterText);
+    s_parameterText = MakeParameters();
+    s_parameterFile = dir.Write("bench.ami", s_parameterText);
     PARSE_SuppressBanners(1);
     const std::unique_ptr<std::FILE, int (*)(std::FILE*)> nowhere(std::fopen("/dev/null", "w"),
                                                                   std::fclose);
@@ -445,12 +445,12 @@ int main(int argc, char** argv)
     benchmark::Shutdown();
     PrintResults(runs);
 
-    const Document& models = s_Documents.front();
+    const Document& models = s_documents.front();
     ReadDocument(models);
     ReadNumbers(models);
-    const bool same = s_Read == s_Found && gulError_cnt == 0;
-    std::printf("%zu cells, checksum %016llx, %s\n", s_Read.count,
-                static_cast<unsigned long long>(s_Read.bits),
+    const bool same = s_read == s_found && gulError_cnt == 0;
+    std::printf("%zu cells, checksum %016llx, %s\n", s_read.count,
+                static_cast<unsigned long long>(s_read.bits),
                 same ? "equal bit for bit" : "DIFFERENT");
     return same ? 0 : 1;
 }

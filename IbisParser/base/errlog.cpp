@@ -132,13 +132,13 @@ static int s_format(ErrSeverity severity, unsigned asked, const ErrorRow* row, c
 }
 
 IBIS_PRINTF_LIKE(2, 0)
-static int s_ErrLog(ErrSeverity severity, const char* format, va_list args)
+static int s_errLog(ErrSeverity severity, const char* format, va_list args)
 {
     if (s_isSuppressed(severity)) return 1;
     return s_format(severity, 0, nullptr, format, args);
 }
 
-static void s_ErrLogNew(unsigned number, ErrSeverity severity, va_list args)
+static void s_errLogNew(unsigned number, ErrSeverity severity, va_list args)
 {
     const int found = BSearchErrorLogTable(static_cast<int>(number));
     if (found < 0) {
@@ -155,7 +155,7 @@ static void s_ErrLogNew(unsigned number, ErrSeverity severity, va_list args)
     {                                                        \
         va_list args;                                        \
         va_start(args, format);                              \
-        const int result = s_ErrLog(severity, format, args); \
+        const int result = s_errLog(severity, format, args); \
         va_end(args);                                        \
         return result;                                       \
     }
@@ -165,7 +165,7 @@ static void s_ErrLogNew(unsigned number, ErrSeverity severity, va_list args)
     {                                        \
         va_list args;                        \
         va_start(args, number);              \
-        s_ErrLogNew(number, severity, args); \
+        s_errLogNew(number, severity, args); \
         va_end(args);                        \
     }
 

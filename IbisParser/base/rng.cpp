@@ -8,7 +8,7 @@ static const char s_Module[] = "IbisParser/rng";
 
 enum { CELLS = 3 };
 
-static const char* const s_Corners[CELLS] = {"", "minimum", "maximum"};
+static const char* const s_corners[CELLS] = {"", "minimum", "maximum"};
 
 static void s_checkCount(int found, const char* keyword)
 {
@@ -17,7 +17,7 @@ static void s_checkCount(int found, const char* keyword)
         return;
     }
     for (int i = found; i < CELLS; ++i)
-        ERRLOG_LineErrorNew(3901, s_Corners[i], keyword);
+        ERRLOG_LineErrorNew(3901, s_corners[i], keyword);
 }
 
 // min above max is not looked at: which corner is the larger depends on the quantity.

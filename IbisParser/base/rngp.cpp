@@ -9,7 +9,7 @@ static const char s_Module[] = "IbisParser/rngp";
 
 enum { COLUMNS = 4 };
 
-static const char* const s_Corners[COLUMNS] = {"", "typical", "minimum", "maximum"};
+static const char* const s_corners[COLUMNS] = {"", "typical", "minimum", "maximum"};
 
 static void s_checkCount(int found, const char* keyword)
 {
@@ -18,7 +18,7 @@ static void s_checkCount(int found, const char* keyword)
         return;
     }
     for (int i = found; i < COLUMNS; ++i)
-        ERRLOG_LineErrorNew(1401, s_Corners[i], keyword);
+        ERRLOG_LineErrorNew(1401, s_corners[i], keyword);
 }
 
 static void s_reportRepeated(double x)

@@ -17,7 +17,7 @@ const AcdcNumbers acdcSubMdlNumbers = {
 
 enum Edge { RISING, FALLING };
 
-static const char* const s_StateNames[ACDC_DRIVEN] = {"low", "high"};
+static const char* const s_stateNames[ACDC_DRIVEN] = {"low", "high"};
 
 // The state at the start (0) and end (1) of an edge.
 static int s_stateAt(int edge, int end)
@@ -69,17 +69,17 @@ static bool s_level(const AcdcBuffer* buffer, const AcdcCorner* corner, const Fi
     AcdcPoint point;
     if (!ACDC_SolveState(corner->state[state], fixture->total, fixture->vf, near, &point)) {
         if (said != nullptr && !said->none[state])
-            ERRLOG_WarnNew(buffer->numbers->none, buffer->name, name, s_StateNames[state],
+            ERRLOG_WarnNew(buffer->numbers->none, buffer->name, name, s_stateNames[state],
                            fixture->r, fixture->vf);
         if (said != nullptr) said->none[state] = true;
         return false;
     }
     if (said != nullptr && point.count > 1 && !said->several[state]) {
-        ERRLOG_WarnNew(buffer->numbers->several, buffer->name, name, s_StateNames[state]);
+        ERRLOG_WarnNew(buffer->numbers->several, buffer->name, name, s_stateNames[state]);
         said->several[state] = true;
     }
     if (said != nullptr && point.outside && !said->outside[state]) {
-        ERRLOG_CautionNew(buffer->numbers->outside, buffer->name, name, s_StateNames[state],
+        ERRLOG_CautionNew(buffer->numbers->outside, buffer->name, name, s_stateNames[state],
                           point.v);
         said->outside[state] = true;
     }
@@ -160,7 +160,7 @@ static void s_compareEdges(const AcdcBuffer* buffer, const AcdcCorner* corner, c
         if (std::fabs(a - b) > ACDC_WARN * swing)
             ERRLOG_WarnNew(buffer->numbers->disagree, buffer->name,
                            TABLE_CornerShort(corner->corner), fixture.r, fixture.vf,
-                           s_StateNames[state], a, b);
+                           s_stateNames[state], a, b);
     }
 }
 

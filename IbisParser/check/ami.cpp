@@ -53,7 +53,7 @@ struct ReservedRow {
 };
 
 // clang-format off
-static const ReservedRow s_Reserved[] = {
+static const ReservedRow s_reserved[] = {
     { "Init_Returns_Impulse",    true,  USE_INFO,     TYPE_BOOLEAN,  WORDS_NONE,    DEFAULT_ANY,     HAS_SAME | HAS_DEFAULT },
     { "GetWave_Exists",          true,  USE_INFO,     TYPE_BOOLEAN,  WORDS_NONE,    DEFAULT_ANY,     HAS_SAME | HAS_DEFAULT },
     { "Max_Init_Aggressors",     false, USE_INFO,     TYPE_INTEGER,  WORDS_NONE,    DEFAULT_INTEGER, HAS_SAME | HAS_DEFAULT },
@@ -64,7 +64,7 @@ static const ReservedRow s_Reserved[] = {
     { "Rx_Receiver_Sensitivity", false, USE_OUT_INFO, TYPE_FLOAT,    FORMAT_VALUE,  DEFAULT_NUMBER,  HAS_SAME | HAS_FORMAT },
     { "Use_Init_Output",         false, USE_INFO,     TYPE_BOOLEAN,  WORDS_NONE,    DEFAULT_BOOLEAN, HAS_SAME | HAS_DEFAULT },
 };
-enum { RESERVED = sizeof s_Reserved / sizeof s_Reserved[0] };
+enum { RESERVED = sizeof s_reserved / sizeof s_reserved[0] };
 
 // Items after the word of a Format leaf.
 struct FormatRow {
@@ -74,7 +74,7 @@ struct FormatRow {
     bool numbers;  // exactly count numbers; else at least count items of any kind
 };
 
-static const FormatRow s_Formats[] = {
+static const FormatRow s_formats[] = {
     { WORD_VALUE,      "Value",      1, true },
     { WORD_RANGE,      "Range",      3, true },
     { WORD_CORNER,     "Corner",     3, true },
@@ -87,7 +87,7 @@ static const FormatRow s_Formats[] = {
     { WORD_TABLE,      "Table",      0, false },
 };
 
-static const char* const s_LeafNames[] = { "", "Usage", "Type", "Format", "Default", "Description" };
+static const char* const s_leafNames[] = { "", "Usage", "Type", "Format", "Default", "Description" };
 // clang-format on
 
 static const _tagBranchStruct* s_branch(const _tagNodeStruct& node)
@@ -112,14 +112,14 @@ static bool s_isIn(WordSet words, const _tagValueStruct& value)
 
 static const FormatRow* s_findFormat(const _tagValueStruct& value)
 {
-    for (const FormatRow& row : s_Formats)
+    for (const FormatRow& row : s_formats)
         if (row.word == value.wordType) return &row;
     return nullptr;
 }
 
 static void s_reportIllegal(const _tagLeafStruct* leaf, const char* owner)
 {
-    ERRLOG_ErrorNew(4627, s_LeafNames[leaf->nameKind], leaf->values[0].text, owner);
+    ERRLOG_ErrorNew(4627, s_leafNames[leaf->nameKind], leaf->values[0].text, owner);
 }
 
 // The items after the word of a format. A single value of an integer parameter must be an integer.
@@ -245,7 +245,7 @@ static void s_checkReservedLeaf(const ReservedRow& row, const _tagLeafStruct* le
 static void s_checkReservedParameter(const ReservedRow& row, const _tagBranchStruct* branch)
 {
     if (branch->childCount == 0) {
-        ERRLOG_ErrorNew(4630, s_LeafNames[LEAF_USAGE], row.name);
+        ERRLOG_ErrorNew(4630, s_leafNames[LEAF_USAGE], row.name);
         return;
     }
     unsigned found = 0;
@@ -260,13 +260,13 @@ static void s_checkReservedParameter(const ReservedRow& row, const _tagBranchStr
     }
     for (int kind = LEAF_USAGE; kind <= LEAF_DESCRIPTION; ++kind)
         if ((row.required & ~found & (1u << kind)) != 0)
-            ERRLOG_ErrorNew(4630, s_LeafNames[kind], row.name);
+            ERRLOG_ErrorNew(4630, s_leafNames[kind], row.name);
 }
 
 static int s_findReserved(const char* name)
 {
     for (int row = 0; row < RESERVED; ++row)
-        if (std::strcmp(s_Reserved[row].name, name) == 0) return row;
+        if (std::strcmp(s_reserved[row].name, name) == 0) return row;
     return -1;
 }
 
@@ -288,10 +288,10 @@ static void s_checkReservedBranch(const _tagBranchStruct* reserved)
             continue;
         }
         found[row] = true;
-        s_checkReservedParameter(s_Reserved[row], branch);
+        s_checkReservedParameter(s_reserved[row], branch);
     }
     for (int row = 0; row < RESERVED; ++row)
-        if (s_Reserved[row].mandatory && !found[row]) ERRLOG_ErrorNew(4625, s_Reserved[row].name);
+        if (s_reserved[row].mandatory && !found[row]) ERRLOG_ErrorNew(4625, s_reserved[row].name);
 }
 
 void AMICHECK_Tree(const _tagTreeStruct* tree)

@@ -26,7 +26,7 @@
 #define ECL_SPAN 2.2         // volt
 #define SPAN_TOLERANCE 0.05  // of the supply
 
-static const char s_Typ[] = "typ";
+static const char s_typ[] = "typ";
 
 // What a table must cover, in parts of its supply.
 enum SupplyKind { DRIVE_SUPPLY, CLAMP_SUPPLY, RANGE_SUPPLY };
@@ -36,13 +36,13 @@ static const struct Coverage {
     SupplyKind supply;
     double fullLow, fullHigh;
     double mustLow, mustHigh;
-} s_Pulldown = {"Pulldown", DRIVE_SUPPLY, -1, 2, 0, 1},
-  s_Pullup = {"Pullup", DRIVE_SUPPLY, -1, 2, 0, 1},
-  s_GndClamp = {"GND Clamp", CLAMP_SUPPLY, -1, 1, -1, 0},
-  s_PowerClamp = {"POWER Clamp", CLAMP_SUPPLY, -1, 0, -1, 0},
-  s_Ecl = {nullptr, RANGE_SUPPLY, 0, 1, 0, 1},
-  s_SeriesCurrent = {"Series Current", RANGE_SUPPLY, -1, 1, 0, 1},
-  s_SeriesMosfet = {"Series MOSFET", RANGE_SUPPLY, 0, 1, 0, 1};
+} s_pulldown = {"Pulldown", DRIVE_SUPPLY, -1, 2, 0, 1},
+  s_pullup = {"Pullup", DRIVE_SUPPLY, -1, 2, 0, 1},
+  s_gndClamp = {"GND Clamp", CLAMP_SUPPLY, -1, 1, -1, 0},
+  s_powerClamp = {"POWER Clamp", CLAMP_SUPPLY, -1, 0, -1, 0},
+  s_ecl = {nullptr, RANGE_SUPPLY, 0, 1, 0, 1},
+  s_seriesCurrent = {"Series Current", RANGE_SUPPLY, -1, 1, 0, 1},
+  s_seriesMosfet = {"Series MOSFET", RANGE_SUPPLY, 0, 1, 0, 1};
 
 // One typical table over its own voltage.
 class TypTable {
@@ -83,10 +83,10 @@ static void s_checkSpan(const Mdl* model, const TypTable* table, const Coverage*
         return low <= from * supply + slack && high >= to * supply - slack;
     };
     if (!covers(coverage->mustLow, coverage->mustHigh))
-        ERRLOG_CautionNew(4706, model->name, s_Typ, table->Name(), low, high,
+        ERRLOG_CautionNew(4706, model->name, s_typ, table->Name(), low, high,
                           coverage->mustLow * supply, coverage->mustHigh * supply);
     else if (!covers(coverage->fullLow, coverage->fullHigh))
-        ERRLOG_NoteNew(4705, model->name, s_Typ, table->Name(), low, high,
+        ERRLOG_NoteNew(4705, model->name, s_typ, table->Name(), low, high,
                        coverage->fullLow * supply, coverage->fullHigh * supply);
 }
 
@@ -99,14 +99,14 @@ static void s_checkDrive(const Mdl* model, const TypTable* table, double supply,
     const double most = CURVE_LargestCurrent(&table->curve, 0.0, supply, nullptr);
     if (table->Covers(0.0) && std::fabs(atZero) > std::max(ZERO_FLOOR, ZERO_SHARE * most)) {
         if (pulldown)
-            ERRLOG_CautionNew(4707, model->name, s_Typ, atZero);
+            ERRLOG_CautionNew(4707, model->name, s_typ, atZero);
         else
-            ERRLOG_CautionNew(4708, model->name, s_Typ, atZero);
+            ERRLOG_CautionNew(4708, model->name, s_typ, atZero);
     }
     const double atSupply = table->At(supply);
     if (!table->Covers(supply)) return;
-    if (pulldown && !(atSupply > 0.0)) ERRLOG_CautionNew(4709, model->name, s_Typ, atSupply);
-    if (!pulldown && !(atSupply < 0.0)) ERRLOG_CautionNew(4710, model->name, s_Typ, atSupply);
+    if (pulldown && !(atSupply > 0.0)) ERRLOG_CautionNew(4709, model->name, s_typ, atSupply);
+    if (!pulldown && !(atSupply < 0.0)) ERRLOG_CautionNew(4710, model->name, s_typ, atSupply);
 }
 
 static void s_checkFlat(const Mdl* model, const TypTable* table)
@@ -114,7 +114,7 @@ static void s_checkFlat(const Mdl* model, const TypTable* table)
     if (!table->Carries()) return;
     for (int k = 1; k < table->curve.count; ++k)
         if (table->curve.points[k].i != table->curve.points[0].i) return;
-    ERRLOG_WarnNew(4721, model->name, s_Typ, table->Name());
+    ERRLOG_WarnNew(4721, model->name, s_typ, table->Name());
 }
 
 // The table's voltage where both begin: a drive table that still holds the clamp equals it there.
@@ -135,13 +135,13 @@ static void s_checkClamps(const Mdl* model, const CurveRails* rails, const TypTa
         const double current = gnd->At(gnd->Low());
         if (current > WRONG_SIGN &&
             CURVE_At(receive, rails->gndClamp + gnd->Low(), nullptr) > WRONG_SIGN)
-            ERRLOG_WarnNew(4711, model->name, s_Typ, current);
+            ERRLOG_WarnNew(4711, model->name, s_typ, current);
     }
     if (power->Carries() && power->Low() < 0.0) {
         const double current = power->At(power->Low());
         if (current < -WRONG_SIGN &&
             CURVE_At(receive, rails->powerClamp - power->Low(), nullptr) < -WRONG_SIGN)
-            ERRLOG_WarnNew(4712, model->name, s_Typ, current);
+            ERRLOG_WarnNew(4712, model->name, s_typ, current);
     }
 }
 
@@ -163,9 +163,9 @@ static void s_checkTermination(const Mdl* model, const CurveRails* rails)
                  std::fabs(ofGnd - ofPower) <= TWIN_SHARE * larger;
         if (quarter == 2 && CURVE_TakesState(model, CURVE_OFF) &&
             std::fabs(ofGnd) + std::fabs(ofPower) > TERMINATION)
-            ERRLOG_NoteNew(4714, model->name, s_Typ, std::fabs(ofGnd) + std::fabs(ofPower));
+            ERRLOG_NoteNew(4714, model->name, s_typ, std::fabs(ofGnd) + std::fabs(ofPower));
     }
-    if (twins == 3) ERRLOG_WarnNew(4715, model->name, s_Typ);
+    if (twins == 3) ERRLOG_WarnNew(4715, model->name, s_typ);
     CURVE_Free(&gnd);
     CURVE_Free(&power);
 }
@@ -188,7 +188,7 @@ static void s_checkLift(const Mdl* model, const CurveSet* set, const CurveRails*
         !ACDC_Solve(&low->held, HUGE_VAL, rails->pulldown, rails->pulldown, &down) ||
         !ACDC_Solve(&high->held, HUGE_VAL, rails->pullup, rails->pullup, &up))
         return;
-    if (up.v <= down.v) ERRLOG_CautionNew(4719, model->name, s_Typ, up.v, down.v);
+    if (up.v <= down.v) ERRLOG_CautionNew(4719, model->name, s_typ, up.v, down.v);
 }
 
 static void s_checkSize(const Mdl* model, const CurveSet* set, const CurveRails* rails)
@@ -199,7 +199,7 @@ static void s_checkSize(const Mdl* model, const CurveSet* set, const CurveRails*
         if (typ->result == CURVE_BUILT &&
             CURVE_LargestCurrent(&typ->held, std::min(rails->pulldown, rails->pullup),
                                  std::max(rails->pulldown, rails->pullup), &at) > TOO_MUCH) {
-            ERRLOG_CautionNew(4722, model->name, s_Typ, at);
+            ERRLOG_CautionNew(4722, model->name, s_typ, at);
             return;
         }
     }
@@ -243,10 +243,10 @@ static void s_checkSeries(const Mdl* model)
     for (const SerEl* elements : model->series) {
         if (elements == nullptr) continue;
         const TypTable current(elements->current);
-        s_checkSpan(model, &current, &s_SeriesCurrent, supply);
+        s_checkSpan(model, &current, &s_seriesCurrent, supply);
         for (const Vitbl* mosfet = elements->mosfets; mosfet != nullptr; mosfet = mosfet->next) {
             const TypTable table(mosfet);
-            s_checkSpan(model, &table, &s_SeriesMosfet, supply);
+            s_checkSpan(model, &table, &s_seriesMosfet, supply);
         }
     }
 }
@@ -259,11 +259,11 @@ static void s_checkSpans(const Mdl* model, const CurveRails* rails, const TypTab
     const double drive = ecl ? ECL_SPAN : rails->pullup - rails->pulldown;
     const double clamp = rails->powerClamp - rails->gndClamp;
     if (info == nullptr || info->pulldown != MDL_ZERO)
-        s_checkSpan(model, pulldown, ecl ? &s_Ecl : &s_Pulldown, drive);
+        s_checkSpan(model, pulldown, ecl ? &s_ecl : &s_pulldown, drive);
     if (info == nullptr || info->pullup != MDL_ZERO)
-        s_checkSpan(model, pullup, ecl ? &s_Ecl : &s_Pullup, drive);
-    s_checkSpan(model, gnd, &s_GndClamp, clamp);
-    s_checkSpan(model, power, &s_PowerClamp, clamp);
+        s_checkSpan(model, pullup, ecl ? &s_ecl : &s_pullup, drive);
+    s_checkSpan(model, gnd, &s_gndClamp, clamp);
+    s_checkSpan(model, power, &s_powerClamp, clamp);
 }
 
 void CURVE_CheckTables(const Mdl* model, const CurveSet* set)
@@ -284,8 +284,8 @@ void CURVE_CheckTables(const Mdl* model, const CurveSet* set)
     }
     s_checkClamps(model, &rails, &gnd, &power, &set->cases[CURVE_OFF][CORNER_TYP].held);
     s_checkTermination(model, &rails);
-    if (s_contains(&pulldown, &gnd)) ERRLOG_WarnNew(4716, model->name, s_Typ);
-    if (s_contains(&pullup, &power)) ERRLOG_WarnNew(4717, model->name, s_Typ);
+    if (s_contains(&pulldown, &gnd)) ERRLOG_WarnNew(4716, model->name, s_typ);
+    if (s_contains(&pullup, &power)) ERRLOG_WarnNew(4717, model->name, s_typ);
     s_checkSize(model, set, &rails);
     if (!s_isDriver(model)) return;
     s_checkLift(model, set, &rails);

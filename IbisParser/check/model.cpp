@@ -28,7 +28,7 @@ public:
     {
         void** value = nullptr;
         if (*name == '\0' || !IDX_SlotName(&m_Names, name, &value)) return;
-        *value = s_bits + (Of(*value) | use);
+        *value = bits + (Of(*value) | use);
         m_All |= use;
     }
     int Of(const char* name) const { return Of(IDX_FindName(&m_Names, name)); }
@@ -37,15 +37,15 @@ public:
 private:
     static int Of(const void* value)
     {
-        return value == nullptr ? 0 : static_cast<int>(static_cast<const char*>(value) - s_bits);
+        return value == nullptr ? 0 : static_cast<int>(static_cast<const char*>(value) - bits);
     }
 
-    inline static char s_bits[8] = {};
+    inline static char bits[8] = {};
     IdxTable m_Names = {nullptr, 0, 0};
     int m_All = 0;
 };
 
-void s_addComponents(const IbisRoot* root, Uses* uses)
+void addComponents(const IbisRoot* root, Uses* uses)
 {
     for (const Cmpnt* component = root->cmpnts; component; component = component->next) {
         for (const Pin* pin = component->pins; pin; pin = pin->next)
@@ -55,9 +55,9 @@ void s_addComponents(const IbisRoot* root, Uses* uses)
     }
 }
 
-void s_addUses(const IbisRoot* root, const Mdl* models, Uses* uses)
+void addUses(const IbisRoot* root, const Mdl* models, Uses* uses)
 {
-    s_addComponents(root, uses);
+    addComponents(root, uses);
     for (const Msel* selector = root->msels; selector; selector = selector->next)
         for (const MselRow* row = selector->rows; row; row = row->next)
             uses->Add(row->model, USE_OTHER);
@@ -76,7 +76,7 @@ void s_addUses(const IbisRoot* root, const Mdl* models, Uses* uses)
 
 // A buffer without capacitance. Of a model that others only schedule it is not used at all, and
 // with an algorithmic model it is often in the channel.
-void s_testCapacitance(const Mdl* model, int use)
+void testCapacitance(const Mdl* model, int use)
 {
     const RngSingle typ = MDL_Cell(model->C_comp, CORNER_TYP);
     if (MDL_IsNumber(typ) && typ.value == 0.0 && !MDL_HasPartCapacitance(model) &&
@@ -84,13 +84,13 @@ void s_testCapacitance(const Mdl* model, int use)
         ERRLOG_WarnNew(129, model->name);
 }
 
-void s_testUses(const IbisRoot* root, const Mdl* models)
+void testUses(const IbisRoot* root, const Mdl* models)
 {
     Uses uses;
-    s_addUses(root, models, &uses);
+    addUses(root, models, &uses);
     const SecFileOrder<const Mdl> order(models);
     for (const Mdl* model : order)
-        s_testCapacitance(model, uses.Of(model->name));
+        testCapacitance(model, uses.Of(model->name));
     unsigned used = 0;
     for (const Mdl* model : order)
         used += uses.Of(model->name) != 0;
@@ -106,7 +106,7 @@ void s_testUses(const IbisRoot* root, const Mdl* models)
 }
 
 // The load across a pair of pins.
-void s_testDifferentialLoad(const Mdl* model, const MdlPairs& pairs)
+void testDifferentialLoad(const Mdl* model, const MdlPairs& pairs)
 {
     const struct {
         const char* name;
@@ -125,7 +125,7 @@ void s_testDifferentialLoad(const Mdl* model, const MdlPairs& pairs)
 
 // The mode that a model cannot be in, or 0. An output that is always on, or an open one, is never
 // off; what does not drive is never driving.
-int s_impossibleMode(const MdlTypeInfo* info)
+int impossibleMode(const MdlTypeInfo* info)
 {
     const bool isOpen = info->pullup == MDL_ZERO || info->pulldown == MDL_ZERO;
     switch (info->group) {
@@ -139,7 +139,7 @@ int s_impossibleMode(const MdlTypeInfo* info)
     }
 }
 
-void s_testAdded(const Mdl* model, const AddSub* row, const SubMdl* submodel)
+void testAdded(const Mdl* model, const AddSub* row, const SubMdl* submodel)
 {
     const MdlTypeInfo* info = MDL_TypeInfo(model->type);
     const char* mode = ADDSUB_ModeName(row->mode);
@@ -149,7 +149,7 @@ void s_testAdded(const Mdl* model, const AddSub* row, const SubMdl* submodel)
         return;
     }
     if (mode == nullptr) return;
-    if (info != nullptr && row->mode == s_impossibleMode(info))
+    if (info != nullptr && row->mode == impossibleMode(info))
         ERRLOG_ErrorNew(202, model->name, info->name, mode, row->submodel);
     if (submodel != nullptr && submodel->type == SUBMDL_FALL_BACK &&
         row->mode == ADDSUB_NON_DRIVING)
@@ -157,7 +157,7 @@ void s_testAdded(const Mdl* model, const AddSub* row, const SubMdl* submodel)
 }
 
 // Different bus holders that are active at the same time.
-void s_testHolders(const Mdl* model, const SecNameIndex<const SubMdl>& submodels)
+void testHolders(const Mdl* model, const SecNameIndex<const SubMdl>& submodels)
 {
     int driving = 0;
     int nonDriving = 0;
@@ -234,8 +234,8 @@ int MDL_TestSubMdls(const Mdl* models, const SubMdl* submodels)
         if (model->addSubs == nullptr) continue;
         if (submodels == nullptr) ERRLOG_ErrorNew(205, model->name);
         for (const AddSub* row : SecFileOrder<const AddSub>(model->addSubs))
-            s_testAdded(model, row, byName.Find(row->submodel));
-        s_testHolders(model, byName);
+            testAdded(model, row, byName.Find(row->submodel));
+        testHolders(model, byName);
     }
     return 1;
 }
@@ -246,7 +246,7 @@ int MDL_TestMdlReference(const Mdl* models)
     if (!IBIS_GetIBIS(&root)) return 0;
     const MdlPairs pairs(root);
     for (const Mdl* model : SecFileOrder<const Mdl>(models))
-        s_testDifferentialLoad(model, pairs);
-    s_testUses(root, models);
+        testDifferentialLoad(model, pairs);
+    testUses(root, models);
     return 1;
 }

@@ -21,13 +21,13 @@ struct TreeRow {
     int result;
     unsigned number;
 };
-static const TreeRow s_TreeResults[] = {
+static const TreeRow s_treeResults[] = {
     {TREE_UNBALANCED, 4619},       {TREE_NO_LIST, 4620},   {TREE_NO_RECORD, 4635},
     {TREE_CLOSED_TOO_EARLY, 4635}, {TREE_BAD_TOKEN, 4634},
 };
 
 // Line of the current [Algorithmic Model].
-static int s_KeywordLine = 0;
+static int s_keywordLine = 0;
 
 static void s_setName(char* field, const char* text, unsigned tooLong)
 {
@@ -141,10 +141,10 @@ static void s_checkExec(const ExecKey* key)
 {
     const AlgModExec* exec = key->exec;
     if (exec->bits != 32 && exec->bits != 64)
-        ERRLOG_ErrorNew(4606, exec->platform, exec->compiler, s_KeywordLine);
+        ERRLOG_ErrorNew(4606, exec->platform, exec->compiler, s_keywordLine);
     for (const ExecKey* same = key->nextSame; same != nullptr; same = same->nextSame)
         ERRLOG_ErrorNew(4607, same->exec->platform, same->exec->compiler, same->exec->bits,
-                        s_KeywordLine);
+                        s_keywordLine);
 }
 
 static void s_freeBuffer(void)
@@ -157,7 +157,7 @@ static void s_freeBuffer(void)
 
 static void s_reportTree(int result)
 {
-    for (const TreeRow& row : s_TreeResults) {
+    for (const TreeRow& row : s_treeResults) {
         if (row.result == result) {
             ERRLOG_ErrorNew(row.number);
             return;
@@ -240,7 +240,7 @@ int ALGMOD_New(char* line, AlgMod** slot)
         return 0;
     }
     *slot = static_cast<AlgMod*>(block);
-    s_KeywordLine = static_cast<int>(PARSE_GetLineNum());
+    s_keywordLine = static_cast<int>(PARSE_GetLineNum());
     if (!CMN_EatKeyword(&line)) {
         ERRLOG_BugNew(4603, s_Module, __LINE__);
         return 0;

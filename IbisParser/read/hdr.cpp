@@ -9,14 +9,14 @@
 
 static const char s_Module[] = "IbisParser/hdr";
 
-static const char* const s_LegalVersions[] = {"2.0", "2.1", "3.0", "3.1", "3.2",
+static const char* const s_legalVersions[] = {"2.0", "2.1", "3.0", "3.1", "3.2",
                                               "4.0", "4.1", "4.2", "5.0"};
 
 // The longest [File Name] by version class.
-static const unsigned s_FileNameMax[] = {12, 12, 12, 24, 44, 44};
+static const unsigned s_fileNameMax[] = {12, 12, 12, 24, 44, 44};
 
 // Letters and digits apart, the characters of a DOS file name.
-static const char s_DosCharacters[] = "!#$%&'()-@^_`{}~";
+static const char s_dosCharacters[] = "!#$%&'()-@^_`{}~";
 
 // The keywords whose data lines are text, with the message for a second one; 0 for none:
 // a disclaimer may come in several pieces.
@@ -25,7 +25,7 @@ struct TextKeyword {
     unsigned duplicate;
     char* Hdr::*text;
 };
-static const TextKeyword s_TextKeywords[] = {
+static const TextKeyword s_textKeywords[] = {
     {KEY_SOURCE, 1017, &Hdr::source},
     {KEY_NOTES, 1018, &Hdr::notes},
     {KEY_DISCLAIMER, 0, &Hdr::disclaimer},
@@ -33,19 +33,19 @@ static const TextKeyword s_TextKeywords[] = {
 };
 enum { TEXT_KEYWORDS = 4 };
 
-static bool s_AllowAnyFileName = false;
-static bool s_Allow1xVersions = false;
-static bool s_AllowAnyVersion = false;
+static bool s_allowAnyFileName = false;
+static bool s_allow1xVersions = false;
+static bool s_allowAnyVersion = false;
 
 // The header being read.
-static Hdr* s_Open = nullptr;
-static int s_CurrentKeyword = NOT_KEY;
-static bool s_Found[KEY_COPYRIGHT + 1];
-static TextSize s_TextSizes[TEXT_KEYWORDS];
+static Hdr* s_open = nullptr;
+static int s_currentKeyword = NOT_KEY;
+static bool s_found[KEY_COPYRIGHT + 1];
+static TextSize s_textSizes[TEXT_KEYWORDS];
 
 static bool s_anyFound(void)
 {
-    for (bool found : s_Found)
+    for (bool found : s_found)
         if (found) return true;
     return false;
 }
@@ -53,7 +53,7 @@ static bool s_anyFound(void)
 // 1 when the keyword came before in this header.
 static bool s_checkDuplicate(int code, unsigned message)
 {
-    if (!s_Found[code]) return false;
+    if (!s_found[code]) return false;
     if (message != 0) ERRLOG_LineErrorNew(message);
     return true;
 }
@@ -61,9 +61,9 @@ static bool s_checkDuplicate(int code, unsigned message)
 // The version class of a legal version, else 0.
 static int s_versionClass(const char* version)
 {
-    if (s_AllowAnyVersion) return 5;
-    bool legal = s_Allow1xVersions && std::strncmp(version, "1.", 2) == 0;
-    for (const char* known : s_LegalVersions)
+    if (s_allowAnyVersion) return 5;
+    bool legal = s_allow1xVersions && std::strncmp(version, "1.", 2) == 0;
+    for (const char* known : s_legalVersions)
         legal = legal || std::strcmp(version, known) == 0;
     return legal ? version[0] - '0' : 0;
 }
@@ -72,10 +72,10 @@ static void s_receiveVersion(char* text)
 {
     if (s_checkDuplicate(KEY_IBIS_VER, 1005)) return;
     if (s_anyFound()) ERRLOG_LineErrorNew(1007);
-    CMN_SetKeywordStr(s_Open->ibisVer, text, HDR_VERSION_MAX, "IBIS_Version");
-    const int versionClass = s_versionClass(s_Open->ibisVer);
+    CMN_SetKeywordStr(s_open->ibisVer, text, HDR_VERSION_MAX, "IBIS_Version");
+    const int versionClass = s_versionClass(s_open->ibisVer);
     if (versionClass == 0)
-        ERRLOG_LineErrorNew(1008, s_Open->ibisVer);
+        ERRLOG_LineErrorNew(1008, s_open->ibisVer);
     else
         geFileVersion = versionClass;
 }
@@ -88,7 +88,7 @@ static bool s_isUpper(char c)
 static bool s_isDosCharacter(char c)
 {
     return (c >= 'a' && c <= 'z') || s_isUpper(c) || (c >= '0' && c <= '9') || c == '.' ||
-           std::strchr(s_DosCharacters, c) != nullptr;
+           std::strchr(s_dosCharacters, c) != nullptr;
 }
 
 static void s_checkFileName(const char* name)
@@ -106,11 +106,11 @@ static void s_checkFileName(const char* name)
 static void s_receiveFileName(char* text)
 {
     if (s_checkDuplicate(KEY_FILE_NAME, 1009)) return;
-    const int limits = static_cast<int>(sizeof s_FileNameMax / sizeof s_FileNameMax[0]);
+    const int limits = static_cast<int>(sizeof s_fileNameMax / sizeof s_fileNameMax[0]);
     const int row = geFileVersion < 0 ? 0 : geFileVersion < limits ? geFileVersion : limits - 1;
-    CMN_SetFilenameStr(s_Open->fileName, text, s_FileNameMax[row], "File_name");
-    if (!s_AllowAnyFileName) s_checkFileName(s_Open->fileName);
-    CMN_ReservedWordErr(s_Open->fileName);
+    CMN_SetFilenameStr(s_open->fileName, text, s_fileNameMax[row], "File_name");
+    if (!s_allowAnyFileName) s_checkFileName(s_open->fileName);
+    CMN_ReservedWordErr(s_open->fileName);
 }
 
 static void s_receiveShortText(int code, unsigned duplicate, char* field, unsigned maxLen,
@@ -123,8 +123,8 @@ static void s_receiveShortText(int code, unsigned duplicate, char* field, unsign
 
 static void s_appendText(int row, const char* line)
 {
-    char** text = &(s_Open->*s_TextKeywords[row].text);
-    TextSize* size = &s_TextSizes[row];
+    char** text = &(s_open->*s_textKeywords[row].text);
+    TextSize* size = &s_textSizes[row];
     if ((*text != nullptr && !TEXTBUF_Append(text, size, "\n", 1)) ||
         !TEXTBUF_Append(text, size, line, std::strlen(line)))
         ERRLOG_LineErrorNew(1020);
@@ -134,37 +134,37 @@ static void s_appendText(int row, const char* line)
 static int s_textRow(int code)
 {
     for (int row = 0; row < TEXT_KEYWORDS; ++row)
-        if (s_TextKeywords[row].code == code) return row;
+        if (s_textKeywords[row].code == code) return row;
     return -1;
 }
 
 static int s_receiveKeyword(int code, char* line)
 {
     const int row = s_textRow(code);
-    s_CurrentKeyword = code;
+    s_currentKeyword = code;
     CMN_EatKeyword(&line);
     if (row >= 0) {
-        s_checkDuplicate(code, s_TextKeywords[row].duplicate);
+        s_checkDuplicate(code, s_textKeywords[row].duplicate);
         if (*line != '\0') s_appendText(row, line);
     } else if (code == KEY_IBIS_VER) {
         s_receiveVersion(line);
     } else if (code == KEY_FILE_NAME) {
         s_receiveFileName(line);
     } else if (code == KEY_FILE_REV) {
-        s_receiveShortText(code, 1015, s_Open->fileRev, HDR_FILE_REV_MAX, "File_Rev", line);
+        s_receiveShortText(code, 1015, s_open->fileRev, HDR_FILE_REV_MAX, "File_Rev", line);
     } else if (code == KEY_DATE) {
-        s_receiveShortText(code, 1016, s_Open->date, HDR_DATE_MAX, "Date", line);
+        s_receiveShortText(code, 1016, s_open->date, HDR_DATE_MAX, "Date", line);
     } else {
         ERRLOG_BugNew(1003);
         return 0;
     }
-    s_Found[code] = true;
+    s_found[code] = true;
     return 1;
 }
 
 static int s_receiveData(const char* line)
 {
-    const int row = s_textRow(s_CurrentKeyword);
+    const int row = s_textRow(s_currentKeyword);
     if (row < 0) {
         ERRLOG_LineErrorNew(1002);
         return 0;
@@ -187,7 +187,7 @@ static int s_getField(char* field, char** out)
 int HDR_Init(void)
 {
     IbisRoot* root = nullptr;
-    s_Open = nullptr;
+    s_open = nullptr;
     if (!IBIS_GetIBIS(&root)) {
         ERRLOG_BugNew(1000);
         return 0;
@@ -197,11 +197,11 @@ int HDR_Init(void)
         ERRLOG_LineErrorNew(1006);
         return 0;
     }
-    s_Open = static_cast<Hdr*>(block);
-    s_CurrentKeyword = NOT_KEY;
-    std::memset(s_Found, 0, sizeof s_Found);
-    std::memset(s_TextSizes, 0, sizeof s_TextSizes);
-    return IBIS_AddHdr(root, s_Open);
+    s_open = static_cast<Hdr*>(block);
+    s_currentKeyword = NOT_KEY;
+    std::memset(s_found, 0, sizeof s_found);
+    std::memset(s_textSizes, 0, sizeof s_textSizes);
+    return IBIS_AddHdr(root, s_open);
 }
 
 int HDR_ReceiveLine(int kind, int code, char* line)
@@ -211,7 +211,7 @@ int HDR_ReceiveLine(int kind, int code, char* line)
         ERRLOG_BugNew(1004);
         return 0;
     }
-    if (s_Open == nullptr) {
+    if (s_open == nullptr) {
         ERRLOG_LineErrorNew(kind == LINE_KEYWORD ? 1001 : 1002);
         return 0;
     }
@@ -220,16 +220,16 @@ int HDR_ReceiveLine(int kind, int code, char* line)
 
 int HDR_Fini(int nextCode)
 {
-    if (s_Open == nullptr) return 1;
+    if (s_open == nullptr) return 1;
     if (nextCode == KEY_IBIS_VER) {
         ERRLOG_LineErrorNew(1005);
         return 1;
     }
     if (KEY_FILE_NAME <= nextCode && nextCode <= KEY_COPYRIGHT) return 1;
-    CMN_TestRequiredKeyword("IBIS_Version", s_Found[KEY_IBIS_VER]);
-    CMN_TestRequiredKeyword("File_name", s_Found[KEY_FILE_NAME]);
-    CMN_TestRequiredKeyword("File_Rev", s_Found[KEY_FILE_REV]);
-    s_Open = nullptr;
+    CMN_TestRequiredKeyword("IBIS_Version", s_found[KEY_IBIS_VER]);
+    CMN_TestRequiredKeyword("File_name", s_found[KEY_FILE_NAME]);
+    CMN_TestRequiredKeyword("File_Rev", s_found[KEY_FILE_REV]);
+    s_open = nullptr;
     return 1;
 }
 
@@ -244,8 +244,8 @@ int HDR_AddLink(Hdr** head, Hdr* item)
 void HDR_FreeList(Hdr* head)
 {
     while (head != nullptr) {
-        if (head == s_Open) s_Open = nullptr;
-        for (const TextKeyword& keyword : s_TextKeywords) {
+        if (head == s_open) s_open = nullptr;
+        for (const TextKeyword& keyword : s_textKeywords) {
             void* text = head->*keyword.text;
             if (text != nullptr) CMN_freeSetNull(&text);
         }
@@ -275,15 +275,15 @@ GETTER(HDR_GetCopyright,  s_getText,  copyright)
 
 void HDR_AllowAnyFile_name(int on)
 {
-    s_AllowAnyFileName = on != 0;
+    s_allowAnyFileName = on != 0;
 }
 
 void HDR_Allow1xVersions(int on)
 {
-    s_Allow1xVersions = on != 0;
+    s_allow1xVersions = on != 0;
 }
 
 void HDR_AllowAnyVersion(int on)
 {
-    s_AllowAnyVersion = on != 0;
+    s_allowAnyVersion = on != 0;
 }

@@ -19,7 +19,7 @@ enum {
     DESCRIPTION_MAX = 120      // characters of a description line in a parameter file
 };
 
-static const char s_NoCommentChars[] =
+static const char s_noCommentChars[] =
     "0123456789abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ[]._/=+-";
 
 unsigned long gulLineNum = 0;
@@ -113,7 +113,7 @@ static void s_setComment(char* line)
         ERRLOG_LineErrorNew(917);
         return;
     }
-    if (std::strchr(s_NoCommentChars, character) != nullptr) {
+    if (std::strchr(s_noCommentChars, character) != nullptr) {
         ERRLOG_LineErrorNew(918, character);
         return;
     }

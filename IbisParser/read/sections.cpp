@@ -12,7 +12,7 @@
 #include "IbisParser/testload.h"
 
 // clang-format off
-static const Section s_Sections[] = {
+static const Section s_sections[] = {
 //    first                     last                          opener                        .ibs .pkg .ebd
     { KEY_IBIS_VER,             KEY_IBIS_VER,                 KEY_IBIS_VER,                 {  0,   0,   0}, HDR_Init, HDR_ReceiveLine, HDR_Fini },
     { KEY_FILE_NAME,            KEY_COPYRIGHT,                NOT_KEY,                      {  0,   0,   0}, HDR_Init, HDR_ReceiveLine, HDR_Fini },
@@ -33,7 +33,7 @@ static const Section s_Sections[] = {
 
 const Section* SECTIONS_Find(int code)
 {
-    for (const Section& section : s_Sections)
+    for (const Section& section : s_sections)
         if (section.first <= code && code <= section.last) return &section;
     return nullptr;
 }

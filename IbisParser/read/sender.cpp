@@ -11,7 +11,7 @@
 // The sender is a part of the reader.
 static const char s_Module[] = "IbisParser/parse";
 
-static const VersionRow s_Versions[] = {
+static const VersionRow s_versions[] = {
     {keywords, 80, "2.1"},  // classes below 2 are read as class 2
     {keywords_Ver3, 80, "3.2"},
     {keywords_Ver4, 120, "4.2"},
@@ -31,7 +31,7 @@ static bool s_inBoard(void)        { return geCurrentKeyword == KEY_BEGIN_BOARD_
 static bool s_inBoardFile(void)    { return geCurrFileType == FILE_EBD; }
 static bool s_inSubModel(void)     { return gbInSubModel != 0; }
 
-static const ContextRow s_Contexts[] = {
+static const ContextRow s_contexts[] = {
     { KEY_MANUFACTURER,     KEY_PKGMDL_MANUFACTURER,     s_inPackageModel },
     { KEY_MANUFACTURER,     KEY_EBDMDL_MANUFACTURER,     s_inBoard },
     { KEY_NUMBER_OF_PINS,   KEY_EBDMDL_NUMBER_OF_PINS,   s_inBoardFile },
@@ -47,7 +47,7 @@ static const ContextRow s_Contexts[] = {
 
 static KeywordCode s_inContext(KeywordCode code)
 {
-    for (const ContextRow& row : s_Contexts)
+    for (const ContextRow& row : s_contexts)
         if (row.read == code && row.holds()) return row.meant;
     return code;
 }
@@ -173,7 +173,7 @@ static void s_deliver(int kind, char* line)
 
 const VersionRow* SENDER_Version(int versionClass)
 {
-    return &s_Versions[std::clamp<int>(versionClass, VERSION_FIRST, VERSION_LAST) - VERSION_FIRST];
+    return &s_versions[std::clamp<int>(versionClass, VERSION_FIRST, VERSION_LAST) - VERSION_FIRST];
 }
 
 // The length of the line was judged before. What is left of a line that is too long must not stop

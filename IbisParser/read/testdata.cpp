@@ -17,21 +17,21 @@
 #include "IbisParser/wvfrm.h"
 
 static const char s_Module[] = "IbisParser/testdata";
-static const SecFrame s_Frame = {s_Module, 3800, 3801, 3802, 3803, 3804, 3805};
+static const SecFrame s_frame = {s_Module, 3800, 3801, 3802, 3803, 3804, 3805};
 
 static TestData* s_open = nullptr;
 static int s_keyword = NOT_KEY;      // the open record's current one
 static Wvfrm* s_waveform = nullptr;  // being read
 
 // Places in TestKind from 1.
-static const char* const s_KindNames[] = {"Single_ended", "Differential", nullptr};
+static const char* const s_kindNames[] = {"Single_ended", "Differential", nullptr};
 
 // clang-format off
 static const struct SubParameter {
     const char* name;
     char (TestData::*value)[SIZE_NAME + 1];  // null: the type
     int required;
-} s_SubParameters[] = {
+} s_subParameters[] = {
     { "Test_data_type",   nullptr,              1 },
     { "Driver_model",     &TestData::driver,    1 },
     { "Driver_model_inv", &TestData::driverInv, 0 },
@@ -41,7 +41,7 @@ static const struct SubParameter {
 
 static const char* s_inverseName()
 {
-    return s_SubParameters[2].name;
+    return s_subParameters[2].name;
 }
 
 static void s_setSubParameter(const SubParameter& row, const char* value)
@@ -50,7 +50,7 @@ static void s_setSubParameter(const SubParameter& row, const char* value)
         CMN_SetStr(s_open->*row.value, value, SIZE_NAME, row.name);
         return;
     }
-    s_open->type = KRNG_Word(value, s_KindNames);
+    s_open->type = KRNG_Word(value, s_kindNames);
     if (s_open->type == TEST_KIND_UNSET) ERRLOG_LineErrorNew(3808, value);
 }
 
@@ -59,11 +59,11 @@ static int s_subParameterLine(const char* line)
     CmnArgs args;
     if (!KRNG_Split(line, 2, &args)) return 0;
     const char* name = args.nStored > 0 ? args.argv[0] : "";
-    const SubParameter* row = SEC_FindRow(s_SubParameters, name);
+    const SubParameter* row = SEC_FindRow(s_subParameters, name);
     const int values = args.argc - 1;
     if (row == nullptr) {
         ERRLOG_LineErrorNew(3806, name);
-    } else if (!SEC_MarkFound(&s_open->found, static_cast<int>(row - s_SubParameters))) {
+    } else if (!SEC_MarkFound(&s_open->found, static_cast<int>(row - s_subParameters))) {
         ERRLOG_LineErrorNew(3807, row->name);
     } else {
         if (values != 1) ERRLOG_LineErrorNew(3812, row->name, values);
@@ -106,8 +106,8 @@ void TESTDATA_Close(void)
 {
     if (s_open == nullptr) return;
     s_finishKeyword();
-    for (const SubParameter& row : s_SubParameters) {
-        const bool given = (s_open->found >> (&row - s_SubParameters) & 1u) != 0;
+    for (const SubParameter& row : s_subParameters) {
+        const bool given = (s_open->found >> (&row - s_subParameters) & 1u) != 0;
         if (row.required && !given) ERRLOG_LineErrorNew(3809, s_open->name, row.name);
     }
     if (!s_hasWaveform(s_open, [](int) { return true; })) ERRLOG_LineErrorNew(3811, s_open->name);
@@ -117,7 +117,7 @@ void TESTDATA_Close(void)
 static int s_keywordLine(int code, char* line)
 {
     if (code < KEY_TEST_DATA || code > KEY_DIFF_FALLING_WAVEFORM_FAR) {
-        SEC_UnknownKeyword(&s_Frame, __LINE__);
+        SEC_UnknownKeyword(&s_frame, __LINE__);
         return 0;
     }
     s_finishKeyword();
@@ -144,9 +144,9 @@ static int s_dataLine(char* line)
 int TESTDATA_Init(void)
 {
     TESTDATA_Close();
-    IbisRoot* root = SEC_Root(&s_Frame, __LINE__);
+    IbisRoot* root = SEC_Root(&s_frame, __LINE__);
     if (root == nullptr) return 0;
-    TestData* record = static_cast<TestData*>(SEC_NewRecord(&s_Frame, sizeof(TestData)));
+    TestData* record = static_cast<TestData*>(SEC_NewRecord(&s_frame, sizeof(TestData)));
     if (record == nullptr) return 0;
     record->line = PARSE_GetLineNum();
     IBIS_AddTestData(root, record);
@@ -158,7 +158,7 @@ int TESTDATA_Init(void)
 int TESTDATA_ReceiveLine(int kind, int code, char* line)
 {
     CMN_ASSERT(line != nullptr);
-    if (!SEC_Receives(&s_Frame, __LINE__, kind, s_open)) return 0;
+    if (!SEC_Receives(&s_frame, __LINE__, kind, s_open)) return 0;
     return kind == LINE_KEYWORD ? s_keywordLine(code, line) : s_dataLine(line);
 }
 
@@ -204,7 +204,7 @@ TestData* TESTDATA_FindByName(TestData* head, const char* name)
 
 const char* TESTDATA_KindName(int kind)
 {
-    return kind == TEST_SINGLE_ENDED || kind == TEST_DIFFERENTIAL ? s_KindNames[kind - 1] : nullptr;
+    return kind == TEST_SINGLE_ENDED || kind == TEST_DIFFERENTIAL ? s_kindNames[kind - 1] : nullptr;
 }
 
 static bool s_isFar(int code)

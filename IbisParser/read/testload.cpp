@@ -14,12 +14,12 @@
 #include "IbisParser/store/section.h"
 
 static const char s_Module[] = "IbisParser/testload";
-static const SecFrame s_Frame = {s_Module, 4000, 4001, 4002, 4003, 4004, 4005};
+static const SecFrame s_frame = {s_Module, 4000, 4001, 4002, 4003, 4004, 4005};
 
 static TestLoad* s_open = nullptr;
 
 // Places in TestKind from 1.
-static const char* const s_KindNames[] = {"Single_ended", "Differential", nullptr};
+static const char* const s_kindNames[] = {"Single_ended", "Differential", nullptr};
 
 enum ValueSign { NOT_NEGATIVE, POSITIVE };
 
@@ -31,7 +31,7 @@ static const struct LoadValue {
     ValueSign sign;
     int term;
     int differential;
-} s_Values[] = {
+} s_values[] = {
     { "C1_near",     NOT_NEGATIVE, 0, 0 },
     { "Rs_near",     NOT_NEGATIVE, 0, 0 },
     { "Ls_near",     NOT_NEGATIVE, 0, 0 },
@@ -49,9 +49,9 @@ static const struct LoadValue {
     { "R_diff_near", POSITIVE,     0, 1 },
     { "R_diff_far",  POSITIVE,     0, 1 },
 };
-static_assert(std::size(s_Values) == LOAD_VALUE_COUNT);
+static_assert(std::size(s_values) == LOAD_VALUE_COUNT);
 
-static const struct TermVoltage { const char* name; RngRange* TestLoad::* value; } s_Terms[] = {
+static const struct TermVoltage { const char* name; RngRange* TestLoad::* value; } s_terms[] = {
     { "V_term1", &TestLoad::V_term1 },
     { "V_term2", &TestLoad::V_term2 },
 };
@@ -59,17 +59,17 @@ static const struct TermVoltage { const char* name; RngRange* TestLoad::* value;
 static const struct LoadWord {
     const char* name;
     char (TestLoad::*value)[SIZE_NAME + 1];  // null: the type
-} s_Words[] = {
+} s_words[] = {
     { "Test_load_type",     nullptr },
     { "Receiver_model",     &TestLoad::receiver },
     { "Receiver_model_inv", &TestLoad::receiverInv },
 };
 // clang-format on
-static const char* const s_InverseName = s_Words[2].name;
+static const char* const s_inverseName = s_words[2].name;
 
 static void s_setLoadWord(const LoadWord& row, const CmnArgs* args)
 {
-    if (!SEC_MarkFound(&s_open->found, static_cast<int>(&row - s_Words))) {
+    if (!SEC_MarkFound(&s_open->found, static_cast<int>(&row - s_words))) {
         ERRLOG_LineErrorNew(4007, row.name);
         return;
     }
@@ -80,7 +80,7 @@ static void s_setLoadWord(const LoadWord& row, const CmnArgs* args)
         CMN_SetStr(s_open->*row.value, args->argv[1], SIZE_NAME, row.name);
         return;
     }
-    s_open->type = KRNG_Word(args->argv[1], s_KindNames);
+    s_open->type = KRNG_Word(args->argv[1], s_kindNames);
     if (s_open->type == TEST_KIND_UNSET) ERRLOG_LineErrorNew(4008, args->argv[1]);
 }
 
@@ -88,7 +88,7 @@ static void s_setValue(const LoadValue& row, const CmnArgs* args)
 {
     const int values = args->argc - 1;
     if (values != 1) ERRLOG_LineErrorNew(4010, row.name, 1, values);
-    if (args->nStored > 1) KRNG_SetSingle(&s_open->values[&row - s_Values], args, row.name);
+    if (args->nStored > 1) KRNG_SetSingle(&s_open->values[&row - s_values], args, row.name);
 }
 
 static void s_setTerm(const TermVoltage& row, const CmnArgs* args, const char* line)
@@ -107,11 +107,11 @@ static int s_dataLine(const char* line)
     if (!KRNG_Split(line, 4, &args)) return 0;
     const char* name = args.nStored > 0 ? args.argv[0] : "";
     int known = 1;
-    if (const LoadValue* value = SEC_FindRow(s_Values, name))
+    if (const LoadValue* value = SEC_FindRow(s_values, name))
         s_setValue(*value, &args);
-    else if (const TermVoltage* term = SEC_FindRow(s_Terms, name))
+    else if (const TermVoltage* term = SEC_FindRow(s_terms, name))
         s_setTerm(*term, &args, line);
-    else if (const LoadWord* word = SEC_FindRow(s_Words, name))
+    else if (const LoadWord* word = SEC_FindRow(s_words, name))
         s_setLoadWord(*word, &args);
     else
         known = 0;
@@ -131,7 +131,7 @@ static void s_checkValue(const LoadValue& row, const RngSingle& cell)
     if (row.differential && s_open->type == TEST_SINGLE_ENDED)
         ERRLOG_LineErrorNew(4014, s_open->name, row.name);
     if (row.term == 0) return;
-    const TermVoltage& term = s_Terms[row.term - 1];
+    const TermVoltage& term = s_terms[row.term - 1];
     if (s_open->*term.value == nullptr)
         ERRLOG_LineErrorNew(4015, s_open->name, row.name, term.name);
 }
@@ -139,8 +139,8 @@ static void s_checkValue(const LoadValue& row, const RngSingle& cell)
 static void s_checkTerm(const TermVoltage& term)
 {
     if (s_open->*term.value == nullptr) return;
-    for (const LoadValue& row : s_Values)
-        if (row.term == &term - s_Terms + 1 && s_open->values[&row - s_Values].state == CELL_NUMBER)
+    for (const LoadValue& row : s_values)
+        if (row.term == &term - s_terms + 1 && s_open->values[&row - s_values].state == CELL_NUMBER)
             return;
     ERRLOG_LineWarnNew(4016, s_open->name, term.name);
 }
@@ -150,8 +150,8 @@ static void s_checkRecord()
     const TestLoad* load = s_open;
     if ((load->found & 1u) == 0) ERRLOG_LineErrorNew(4009, load->name);
     bool isEmpty = true;
-    for (const LoadValue& row : s_Values) {
-        const RngSingle& cell = load->values[&row - s_Values];
+    for (const LoadValue& row : s_values) {
+        const RngSingle& cell = load->values[&row - s_values];
         s_checkValue(row, cell);
         isEmpty = isEmpty && cell.state != CELL_NUMBER;
     }
@@ -159,8 +159,8 @@ static void s_checkRecord()
     const bool hasZo = load->values[LOAD_ZO].state == CELL_NUMBER;
     if (hasTd != hasZo) ERRLOG_LineErrorNew(4013, load->name);
     if (load->type == TEST_SINGLE_ENDED && load->receiverInv[0] != '\0')
-        ERRLOG_LineErrorNew(4014, load->name, s_InverseName);
-    for (const TermVoltage& term : s_Terms)
+        ERRLOG_LineErrorNew(4014, load->name, s_inverseName);
+    for (const TermVoltage& term : s_terms)
         s_checkTerm(term);
     if (isEmpty) ERRLOG_LineNoteNew(4017, load->name);
 }
@@ -175,9 +175,9 @@ void TESTLOAD_Close(void)
 int TESTLOAD_Init(void)
 {
     TESTLOAD_Close();
-    IbisRoot* root = SEC_Root(&s_Frame, __LINE__);
+    IbisRoot* root = SEC_Root(&s_frame, __LINE__);
     if (root == nullptr) return 0;
-    TestLoad* record = static_cast<TestLoad*>(SEC_NewRecord(&s_Frame, sizeof(TestLoad)));
+    TestLoad* record = static_cast<TestLoad*>(SEC_NewRecord(&s_frame, sizeof(TestLoad)));
     if (record == nullptr) return 0;
     record->line = PARSE_GetLineNum();
     IBIS_AddTestLoad(root, record);
@@ -188,10 +188,10 @@ int TESTLOAD_Init(void)
 int TESTLOAD_ReceiveLine(int kind, int code, char* line)
 {
     CMN_ASSERT(line != nullptr);
-    if (!SEC_Receives(&s_Frame, __LINE__, kind, s_open)) return 0;
+    if (!SEC_Receives(&s_frame, __LINE__, kind, s_open)) return 0;
     if (kind == LINE_DATA) return s_dataLine(line);
     if (code != KEY_TEST_LOAD) {
-        SEC_UnknownKeyword(&s_Frame, __LINE__);
+        SEC_UnknownKeyword(&s_frame, __LINE__);
         return 0;
     }
     char* text = SEC_Argument(line);
@@ -236,7 +236,7 @@ TestLoad* TESTLOAD_FindByName(TestLoad* head, const char* name)
 const char* TESTLOAD_ValueName(int value)
 {
     CMN_ASSERT(value >= 0 && value < LOAD_VALUE_COUNT);
-    return s_Values[value].name;
+    return s_values[value].name;
 }
 
 // The model of that name, after a complaint when it is missing or takes no signal.

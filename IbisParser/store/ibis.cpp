@@ -22,7 +22,7 @@
 static const char s_Module[] = "IbisParser/ibis";
 
 // Newest first.
-static IbisRoot* s_Roots = nullptr;
+static IbisRoot* s_roots = nullptr;
 
 typedef void RootStep(IbisRoot* root);
 
@@ -53,7 +53,7 @@ static void s_testAddedSubModels(IbisRoot* root)
     MDL_TestSubMdls(root->mdls, root->subMdls);
 }
 
-static RootStep* const s_TestSteps[] = {
+static RootStep* const s_testSteps[] = {
     s_with<&IbisRoot::mdls, RCVTH_Check>,
     s_with<&IbisRoot::mdls, acdc_CheckAllModels>,
     s_with<&IbisRoot::mdls, chk_CheckAllModels>,
@@ -73,7 +73,7 @@ static RootStep* const s_TestSteps[] = {
 
 // External circuits have no place of their own in the order; nothing that is released before them
 // points at them.
-static RootStep* const s_FreeSteps[] = {
+static RootStep* const s_freeSteps[] = {
     s_with<&IbisRoot::hdrs, HDR_FreeList>,           s_with<&IbisRoot::cmpnts, CMPNT_FreeList>,
     s_with<&IbisRoot::mdls, MDL_FreeList>,           s_with<&IbisRoot::pkgMdls, PKGMDL_FreeList>,
     s_with<&IbisRoot::msels, MSEL_FreeList>,         s_with<&IbisRoot::ebdMdls, EBDMDL_FreeList>,
@@ -83,7 +83,7 @@ static RootStep* const s_FreeSteps[] = {
 
 static void s_unlink(IbisRoot* root)
 {
-    IbisRoot** link = &s_Roots;
+    IbisRoot** link = &s_roots;
     while (*link != nullptr && *link != root)
         link = &(*link)->next;
     if (*link == root) *link = root->next;
@@ -110,23 +110,23 @@ int IBIS_New(void)
     void* block = nullptr;
     if (!CMN_malloc(&block, sizeof(IbisRoot))) return 0;
     IbisRoot* root = static_cast<IbisRoot*>(block);
-    root->next = s_Roots;
-    s_Roots = root;
+    root->next = s_roots;
+    s_roots = root;
     return 1;
 }
 
 int IBIS_GetIBIS(IbisRoot** root)
 {
     CMN_ASSERT(root != nullptr);
-    *root = s_Roots;
-    return s_Roots != nullptr;
+    *root = s_roots;
+    return s_roots != nullptr;
 }
 
 void IBIS_Free(IbisRoot* root)
 {
     CMN_ASSERT(root != nullptr);
     s_unlink(root);
-    for (RootStep* step : s_FreeSteps)
+    for (RootStep* step : s_freeSteps)
         step(root);
     void* block = root;
     CMN_freeSetNull(&block);
@@ -159,7 +159,7 @@ int IBIS_GetTestLoad(IbisRoot* root, TestLoad** head) { return s_get(root, &Ibis
 void IBIS_Test(IbisRoot* root)
 {
     CMN_ASSERT(root != nullptr);
-    for (RootStep* step : s_TestSteps)
+    for (RootStep* step : s_testSteps)
         step(root);
 }
 

@@ -13,7 +13,7 @@ namespace quell {
 
 namespace {
 
-constexpr std::uintmax_t s_LargestFile = 1'000'000'000;
+constexpr std::uintmax_t LargestFile = 1'000'000'000;
 
 }  // namespace
 
@@ -27,7 +27,7 @@ std::string ReadTextFile(const std::string& path)
     if (!std::filesystem::is_regular_file(status)) throw InputError(path, 0, "not a regular file");
     const std::uintmax_t size = std::filesystem::file_size(path, error);
     if (error) throw InputError(path, 0, error.message());
-    if (size > s_LargestFile) throw InputError(path, 0, "larger than 1 GB");
+    if (size > LargestFile) throw InputError(path, 0, "larger than 1 GB");
 
     const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen(path.c_str(), "rb"),
                                                                std::fclose);

@@ -14,7 +14,7 @@ struct Prefix {
     int exponent;
 };
 
-constexpr Prefix s_Prefixes[] = {
+constexpr Prefix Prefixes[] = {
     {'f', -15}, {'p', -12}, {'n', -9}, {'u', -6}, {'m', -3},
     {'k', 3},   {'M', 6},   {'G', 9},  {'T', 12},
 };
@@ -64,7 +64,7 @@ std::optional<double> ParseQuantity(std::string_view text, std::string_view unit
     while (!text.empty() && text.front() == ' ')
         text.remove_prefix(1);
     if (text.empty() || text == unit) return value;
-    for (const Prefix& prefix : s_Prefixes) {
+    for (const Prefix& prefix : Prefixes) {
         if (text.front() != prefix.letter) continue;
         const std::string_view rest = text.substr(1);
         if (!rest.empty() && rest != unit) return std::nullopt;
@@ -101,7 +101,7 @@ std::string UnitText(double value, std::string_view unit, int digits)
         exponent = 3 * static_cast<int>(std::floor(std::log10(rounded) / 3));
     }
     std::string scale;
-    for (const Prefix& prefix : s_Prefixes)
+    for (const Prefix& prefix : Prefixes)
         if (prefix.exponent == exponent) scale = prefix.letter;
     if (scale.empty()) exponent = 0;
     const std::string number = ShortText(value / std::pow(10.0, exponent), digits);

@@ -7,7 +7,7 @@ namespace quell {
 
 namespace {
 
-constexpr const char* s_KitFolders[] = {"../kit", QUELL_INSTALLED_KIT};
+constexpr const char* KitFolders[] = {"../kit", QUELL_INSTALLED_KIT};
 
 }  // namespace
 
@@ -17,7 +17,7 @@ std::string KitFile(const std::string& name)
     const std::filesystem::path folder =
         std::filesystem::read_symlink("/proc/self/exe", error).parent_path();
     std::filesystem::path first;
-    for (const char* kit : s_KitFolders) {
+    for (const char* kit : KitFolders) {
         const std::filesystem::path file = (folder / kit / name).lexically_normal();
         if (std::filesystem::exists(file, error)) return file.string();
         if (first.empty()) first = file;

@@ -10,7 +10,7 @@ namespace {
 constexpr struct {
     uint32_t first;
     uint32_t last;
-} s_Unsafe[] = {
+} Unsafe[] = {
     {0x0000, 0x001F},    // control
     {0x007F, 0x009F},    // control
     {0x200B, 0x200F},    // without width, marks of direction
@@ -24,7 +24,7 @@ constexpr struct {
 
 bool Safe(uint32_t character)
 {
-    for (const auto& range : s_Unsafe)
+    for (const auto& range : Unsafe)
         if (range.first <= character && character <= range.last) return false;
     return true;
 }

@@ -9,23 +9,23 @@ namespace quell {
 
 namespace {
 
-constexpr size_t s_Many = 20;
-constexpr size_t s_Width = 40;  // columns of the bar
-constexpr auto s_Between = std::chrono::milliseconds(100);
+constexpr size_t Many = 20;
+constexpr size_t Width = 40;  // columns of the bar
+constexpr auto Between = std::chrono::milliseconds(100);
 
 }  // namespace
 
 std::string ProgressText(size_t done, size_t total, const std::string& what)
 {
-    const size_t full = total == 0 ? s_Width : s_Width * done / total;
-    return "[" + std::string(full, '=') + std::string(s_Width - full, ' ') + "] " +
+    const size_t full = total == 0 ? Width : Width * done / total;
+    return "[" + std::string(full, '=') + std::string(Width - full, ' ') + "] " +
            std::to_string(done) + " of " + std::to_string(total) + " " + what;
 }
 
 Progress::Progress(size_t total, std::string what)
     : m_Total(total),
       m_What(std::move(what)),
-      m_Enabled(total >= s_Many && isatty(STDERR_FILENO) == 1)
+      m_Enabled(total >= Many && isatty(STDERR_FILENO) == 1)
 {
 }
 
@@ -33,7 +33,7 @@ void Progress::Show(size_t done)
 {
     if (!m_Enabled) return;
     const auto now = std::chrono::steady_clock::now();
-    if (m_Drawn && now - m_Last < s_Between) return;
+    if (m_Drawn && now - m_Last < Between) return;
     m_Last = now;
     m_Drawn = true;
     std::cerr << '\r' << ProgressText(done, m_Total, m_What) << std::flush;

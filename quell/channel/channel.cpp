@@ -17,26 +17,26 @@ namespace quell {
 
 namespace {
 
-constexpr double s_DefaultSamplesPerBit = 16;
-constexpr double s_MostSamplesPerBit = 4096;
-constexpr size_t s_ShortestRecord = 2048;        // samples, of a channel given over frequency
-constexpr size_t s_LongestTransform = 1U << 19;  // samples
-constexpr size_t s_LongestColumn = 1U << 24;     // samples
-constexpr size_t s_LargestMatrix = 1U << 27;     // samples of all columns, 1 GB
+constexpr double DefaultSamplesPerBit = 16;
+constexpr double MostSamplesPerBit = 4096;
+constexpr size_t ShortestRecord = 2048;        // samples, of a channel given over frequency
+constexpr size_t LongestTransform = 1U << 19;  // samples
+constexpr size_t LongestColumn = 1U << 24;     // samples
+constexpr size_t LargestMatrix = 1U << 27;     // samples of all columns, 1 GB
 // A column has settled when the last tenth of its pulse response stays below this part of its peak.
-constexpr double s_SettledPart = 0.01;
+constexpr double SettledPart = 0.01;
 // The part of a response's energy outside its record that is worth a warning.
-constexpr double s_OutsidePart = 0.001;
+constexpr double OutsidePart = 0.001;
 // The lowest point of a through response is a stray one from this phase error on.
-constexpr double s_StrayPhase = 0.5;  // rad
-constexpr double s_StrayGain = 0.5;
+constexpr double StrayPhase = 0.5;  // rad
+constexpr double StrayGain = 0.5;
 // A V/s response has about the DC gain of its channel; one in V/sample is smaller by the sample
 // interval, a ten-billionth or so. Sums of magnitudes, so that a coupling capacitor does not count.
-constexpr double s_LeastGain = 1e-6;
-constexpr double s_MostGain = 1e3;
+constexpr double LeastGain = 1e-6;
+constexpr double MostGain = 1e3;
 
-constexpr std::string_view s_LossPrefix = "loss:";
-constexpr std::string_view s_TableExtensions[] = {".csv", ".tsv", ".txt", ".dat"};
+constexpr std::string_view LossPrefix = "loss:";
+constexpr std::string_view TableExtensions[] = {".csv", ".tsv", ".txt", ".dat"};
 
 ThroughChannel ReadTouchstone(const std::string& path, std::optional<PortOrder> order,
                               const PortOrder* victim)
@@ -88,7 +88,7 @@ FrequencyResponse WithoutStrayPoint(const FrequencyResponse& response, const std
 {
     const double error = LowestPhaseError(response);
     const double first = std::abs(response.gain[0]);
-    if (response.frequency.front() == 0 || std::abs(error) < s_StrayPhase || first < s_StrayGain ||
+    if (response.frequency.front() == 0 || std::abs(error) < StrayPhase || first < StrayGain ||
         first < std::abs(response.gain[1]))
         return response;
     warnings.push_back(column + ": the phase at " + UnitText(response.frequency.front(), "Hz") +
@@ -113,8 +113,8 @@ void TransformThrough(const ThroughChannel& channel, const TimeGrid& grid, Colum
     for (size_t k = 2; k < response.frequency.size(); ++k)
         step = std::min(step, response.frequency[k] - response.frequency[k - 1]);
 
-    const double resolved = std::clamp(1 / (step * interval), double{s_ShortestRecord},
-                                       static_cast<double>(s_LongestTransform) / 2);
+    const double resolved = std::clamp(1 / (step * interval), double{ShortestRecord},
+                                       static_cast<double>(LongestTransform) / 2);
     const size_t size = std::bit_ceil(static_cast<size_t>(2 * resolved));
     std::vector<double> impulse =
         ImpulseResponse([&](double f) { return curve.At(f); }, size, interval);
@@ -126,7 +126,7 @@ void TransformThrough(const ThroughChannel& channel, const TimeGrid& grid, Colum
     double outside = 0;
     for (size_t n = 0; n < size; ++n)
         (n < kept ? inside : outside) += impulse[n] * impulse[n];
-    if (outside > s_OutsidePart * (inside + outside))
+    if (outside > OutsidePart * (inside + outside))
         warnings.push_back(
             column.name + ": " + ShortText(100 * outside / (inside + outside), 2) +
             " % of the response's energy lies before time zero or behind its record of " +
@@ -147,9 +147,9 @@ void TransformThrough(const ThroughChannel& channel, const TimeGrid& grid, Colum
 
 void TransformLossLine(const LossLine& line, const TimeGrid& grid, Column& column)
 {
-    column.impulse = ImpulseResponse([&](double f) { return line.Gain(f); }, LossLine::s_Samples,
-                                     grid.Interval());
-    column.delay = LossLine::s_Delay;
+    column.impulse =
+        ImpulseResponse([&](double f) { return line.Gain(f); }, LossLine::Samples, grid.Interval());
+    column.delay = LossLine::Delay;
     column.loss = line.LossAt(grid.Nyquist());
 }
 
@@ -169,7 +169,7 @@ void ConvertSamples(const SampledResponses& table, size_t index, const ChannelOp
     if (!SameInterval(table.interval, grid.Interval())) {
         const double samples =
             static_cast<double>(column.impulse.size()) * table.interval / grid.Interval();
-        if (samples > static_cast<double>(s_LongestColumn))
+        if (samples > static_cast<double>(LongestColumn))
             throw InputError(column.source, 0,
                              "too long for the time grid of " + UnitText(grid.Interval(), "s"));
         column.impulse = Resample(column.impulse, table.interval, grid.Interval());
@@ -183,20 +183,20 @@ TimeGrid ChooseGrid(const ChannelSource& victim, const ChannelOptions& options)
 {
     TimeGrid grid;
     grid.bitRate = options.bitRate;
-    grid.samplesPerBit = options.samplesPerBit.value_or(s_DefaultSamplesPerBit);
+    grid.samplesPerBit = options.samplesPerBit.value_or(DefaultSamplesPerBit);
     const auto* table = std::get_if<SampledResponses>(&victim.content);
     if (table != nullptr && !options.samplesPerBit) {
         grid.samplesPerBit = 1 / (options.bitRate * table->interval);
         const double whole = std::round(grid.samplesPerBit);
         if (SameInterval(grid.samplesPerBit, whole)) grid.samplesPerBit = whole;
-        if (!(grid.samplesPerBit >= 1 && grid.samplesPerBit <= s_MostSamplesPerBit))
+        if (!(grid.samplesPerBit >= 1 && grid.samplesPerBit <= MostSamplesPerBit))
             throw InputError(victim.name, 0,
                              "its sample interval of " + UnitText(table->interval, "s") +
                                  " gives " + ShortText(grid.samplesPerBit) +
                                  " samples per bit at " + UnitText(options.bitRate, "bit/s"));
     }
-    if (!(grid.samplesPerBit >= 1 && grid.samplesPerBit <= s_MostSamplesPerBit))
-        throw InputError("samples per bit must be from 1 to " + ShortText(s_MostSamplesPerBit));
+    if (!(grid.samplesPerBit >= 1 && grid.samplesPerBit <= MostSamplesPerBit))
+        throw InputError("samples per bit must be from 1 to " + ShortText(MostSamplesPerBit));
     if (!std::isfinite(grid.Interval()) || !(grid.Interval() > 0))
         throw InputError("no sample interval at " + UnitText(grid.bitRate, "bit/s"));
     return grid;
@@ -221,7 +221,7 @@ void AddColumns(const ChannelSource& source, const ChannelOptions& options, Impu
             TransformThrough(std::get<ThroughChannel>(source.content), matrix.grid, column,
                              matrix.warnings);
         }
-        if (column.impulse.size() > s_LongestColumn)
+        if (column.impulse.size() > LongestColumn)
             throw InputError(source.name, 0, "more than 16 million samples");
         matrix.columns.push_back(std::move(column));
     }
@@ -243,7 +243,7 @@ void CheckColumn(const Column& column, const TimeGrid& grid, std::vector<std::st
     for (const double h : column.impulse)
         magnitude += std::abs(h) * interval;
     const double dcGain = DcGain(column.impulse, interval);
-    if (magnitude < s_LeastGain || magnitude > s_MostGain) {
+    if (magnitude < LeastGain || magnitude > MostGain) {
         warnings.push_back(column.name + ": the DC gain of this channel is " +
                            ShortText(dcGain, 3) + "; expected about 1: is the unit " +
                            (magnitude < 1 ? "V/sample?" : "V/s?"));
@@ -264,7 +264,7 @@ void CheckColumn(const Column& column, const TimeGrid& grid, std::vector<std::st
         warnings.push_back(column.name +
                            ": the response is still rising at the end of its record; " +
                            UnitText(length, "s") + " may be shorter than the channel's delay");
-    } else if (tail > s_SettledPart * peak) {
+    } else if (tail > SettledPart * peak) {
         warnings.push_back(column.name + ": not settled: the last tenth of its " +
                            UnitText(length, "s") + " still holds " +
                            ShortText(100 * tail / peak, 2) + " % of the pulse response's peak");
@@ -278,9 +278,9 @@ ChannelSource ReadChannel(const std::string& name, const ChannelOptions& options
 {
     ChannelSource source;
     source.name = name;
-    if (name.starts_with(s_LossPrefix)) {
+    if (name.starts_with(LossPrefix)) {
         const std::optional<LossLine> line =
-            ParseLossLine(std::string_view(name).substr(s_LossPrefix.size()));
+            ParseLossLine(std::string_view(name).substr(LossPrefix.size()));
         if (!line) throw InputError("'" + name + "' is not of the form loss:8dB@2.5GHz");
         source.content = *line;
         return source;
@@ -293,8 +293,8 @@ ChannelSource ReadChannel(const std::string& name, const ChannelOptions& options
         return source;
     }
     const std::string extension = Lower(std::filesystem::path(path).extension().string());
-    if (std::find(std::begin(s_TableExtensions), std::end(s_TableExtensions), extension) ==
-        std::end(s_TableExtensions))
+    if (std::find(std::begin(TableExtensions), std::end(TableExtensions), extension) ==
+        std::end(TableExtensions))
         throw InputError("'" + name +
                          "' is no channel: expected a .s2p, .s4p or .csv file or loss:8dB@2.5GHz");
     if (order) throw InputError(path, 0, "a table has no ports");
@@ -328,7 +328,7 @@ ImpulseMatrix BuildImpulseMatrix(const std::string& victim,
     }
     // The next column begins with what a model's delay line holds: it must hold zeros.
     rows += static_cast<size_t>(std::ceil(2 * samplesPerBit));
-    if (rows * matrix.columns.size() > s_LargestMatrix)
+    if (rows * matrix.columns.size() > LargestMatrix)
         throw InputError("the impulse matrix would take more than 1 GB");
     for (Column& column : matrix.columns)
         column.impulse.resize(rows);

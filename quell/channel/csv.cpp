@@ -11,13 +11,13 @@ namespace quell {
 
 namespace {
 
-constexpr std::string_view s_Blanks = " \t\v\f";
+constexpr std::string_view Blanks = " \t\v\f";
 
 std::string_view Trimmed(std::string_view field)
 {
-    const size_t first = field.find_first_not_of(s_Blanks);
+    const size_t first = field.find_first_not_of(Blanks);
     if (first == std::string_view::npos) return {};
-    return field.substr(first, field.find_last_not_of(s_Blanks) - first + 1);
+    return field.substr(first, field.find_last_not_of(Blanks) - first + 1);
 }
 
 char FindSeparator(std::string_view line)

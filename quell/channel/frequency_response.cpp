@@ -9,7 +9,7 @@ namespace quell {
 
 namespace {
 
-constexpr double s_TwoPi = 2 * std::numbers::pi;
+constexpr double TwoPi = 2 * std::numbers::pi;
 
 double Decibel(std::complex<double> gain)
 {
@@ -19,7 +19,7 @@ double Decibel(std::complex<double> gain)
 // The angle brought into -pi to pi.
 double Wrapped(double angle)
 {
-    return std::remainder(angle, s_TwoPi);
+    return std::remainder(angle, TwoPi);
 }
 
 std::complex<double> Turned(std::complex<double> gain, double angle)
@@ -75,8 +75,8 @@ double GroupDelay(const FrequencyResponse& response)
         const double step = f[k] - f[k - 1];
         // What is left of the phase step once the delay found so far is taken out is small, so
         // that a coarse step after fine ones is unwrapped rightly.
-        const double turn = std::arg(g[k]) - std::arg(g[k - 1]) + s_TwoPi * step * delay;
-        double slope = delay - Wrapped(turn) / (s_TwoPi * step);
+        const double turn = std::arg(g[k]) - std::arg(g[k - 1]) + TwoPi * step * delay;
+        double slope = delay - Wrapped(turn) / (TwoPi * step);
         // Nothing arrives before it is sent: a step that seems to lead is one that lags by more
         // than half a turn.
         if (weights == 0 && slope < -0.1 / step) slope += 1 / step;
@@ -92,7 +92,7 @@ double LowestPhaseError(const FrequencyResponse& response)
     if (response.frequency.size() < 3) return 0;
     const double delay = GroupDelay(response);
     const auto residual = [&](size_t k) {
-        return Turned(response.gain[k], s_TwoPi * response.frequency[k] * delay);
+        return Turned(response.gain[k], TwoPi * response.frequency[k] * delay);
     };
     const std::complex<double> first = residual(0);
     const std::complex<double> second = residual(1);
@@ -105,7 +105,7 @@ ResponseCurve::ResponseCurve(const FrequencyResponse& response)
     : m_Delay(GroupDelay(response)), m_Frequency(response.frequency), m_Gain(response.gain)
 {
     for (size_t k = 0; k < m_Gain.size(); ++k)
-        m_Gain[k] = Turned(m_Gain[k], s_TwoPi * m_Frequency[k] * m_Delay);
+        m_Gain[k] = Turned(m_Gain[k], TwoPi * m_Frequency[k] * m_Delay);
 
     if (m_Frequency.front() > 0) {
         LineFit fit;
@@ -166,7 +166,7 @@ void ResponseCurve::FitContinuation()
 
 std::complex<double> ResponseCurve::At(double frequency) const
 {
-    const double delayTurn = -s_TwoPi * frequency * m_Delay;
+    const double delayTurn = -TwoPi * frequency * m_Delay;
     if (frequency >= m_Frequency.back()) {
         const double beyond = frequency - m_Frequency.back();
         const double fade = std::exp(m_LogSlope * beyond);

@@ -12,7 +12,7 @@ std::complex<double> LossLine::Gain(double f) const
 {
     const double k = loss / (20 / std::numbers::ln10) / std::sqrt(frequency);
     const double skin = k * std::sqrt(f);
-    const double angle = -skin - 2 * std::numbers::pi * f * s_Delay;
+    const double angle = -skin - 2 * std::numbers::pi * f * Delay;
     return std::exp(-skin) * std::complex<double>(std::cos(angle), std::sin(angle));
 }
 

@@ -15,8 +15,8 @@ struct LossLine {
     double loss = 0;       // dB
     double frequency = 0;  // Hz, where the loss is that
 
-    static constexpr double s_Delay = 1e-9;    // s
-    static constexpr size_t s_Samples = 4096;  // length of the record
+    static constexpr double Delay = 1e-9;    // s
+    static constexpr size_t Samples = 4096;  // length of the record
 
     std::complex<double> Gain(double f) const;
     double LossAt(double f) const;  // dB

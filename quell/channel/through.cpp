@@ -9,7 +9,7 @@ namespace quell {
 namespace {
 
 // The three ways to pair the ports of a 4-port, near end first.
-constexpr PortOrder s_Pairings[] = {
+constexpr PortOrder Pairings[] = {
     {1, 3, 2, 4},
     {1, 2, 3, 4},
     {1, 2, 4, 3},
@@ -17,8 +17,8 @@ constexpr PortOrder s_Pairings[] = {
 
 // A through path passes at least a tenth at the lowest frequency, and three times what any other
 // pairing of the ports passes.
-constexpr double s_LeastThrough = 0.1;
-constexpr double s_LeastRatio = 3;
+constexpr double LeastThrough = 0.1;
+constexpr double LeastRatio = 3;
 
 double WeakerPath(const Touchstone& file, const PortOrder& order)
 {
@@ -62,7 +62,7 @@ std::optional<PortOrder> FindPortOrder(const Touchstone& file)
     const PortOrder* best = nullptr;
     double strongest = 0;
     double second = 0;
-    for (const PortOrder& order : s_Pairings) {
+    for (const PortOrder& order : Pairings) {
         const double strength = WeakerPath(file, order);
         if (best == nullptr || strength > strongest) {
             second = strongest;
@@ -72,7 +72,7 @@ std::optional<PortOrder> FindPortOrder(const Touchstone& file)
             second = std::max(second, strength);
         }
     }
-    if (strongest < s_LeastThrough || strongest < s_LeastRatio * second) return std::nullopt;
+    if (strongest < LeastThrough || strongest < LeastRatio * second) return std::nullopt;
     return *best;
 }
 

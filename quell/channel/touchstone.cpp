@@ -20,17 +20,17 @@ struct UnitRow {
     double hertz;
 };
 
-constexpr UnitRow s_Units[] = {{"hz", 1}, {"khz", 1e3}, {"mhz", 1e6}, {"ghz", 1e9}};
+constexpr UnitRow Units[] = {{"hz", 1}, {"khz", 1e3}, {"mhz", 1e6}, {"ghz", 1e9}};
 
 struct FormatRow {
     std::string_view name;
     Format format;
 };
 
-constexpr FormatRow s_Formats[] = {
+constexpr FormatRow Formats[] = {
     {"ma", Format::MagnitudeAngle}, {"db", Format::DecibelAngle}, {"ri", Format::RealImaginary}};
 
-constexpr size_t s_NoiseColumns = 5;
+constexpr size_t NoiseColumns = 5;
 
 // What stands in the option line; these are its defaults.
 struct Options {
@@ -112,12 +112,12 @@ private:
 
     bool ReadOption(const std::string& word, std::string_view& rest)
     {
-        for (const UnitRow& row : s_Units) {
+        for (const UnitRow& row : Units) {
             if (word != row.name) continue;
             m_Options.hertz = row.hertz;
             return true;
         }
-        for (const FormatRow& row : s_Formats) {
+        for (const FormatRow& row : Formats) {
             if (word != row.name) continue;
             m_Options.format = row.format;
             return true;
@@ -162,7 +162,7 @@ private:
     {
         return m_Result.ports == 2 && !m_Result.frequency.empty() &&
                frequency * m_Options.hertz <= m_Result.frequency.back() &&
-               CountTokens(rest, s_NoiseColumns) == s_NoiseColumns - 1;
+               CountTokens(rest, NoiseColumns) == NoiseColumns - 1;
     }
 
     void CheckNoise(std::string_view line) const
@@ -172,7 +172,7 @@ private:
             if (!ParseNumber(token)) Fail(Quoted(token) + " is not a number");
             ++count;
         }
-        if (count != s_NoiseColumns) Fail("noise data have five numbers on a line");
+        if (count != NoiseColumns) Fail("noise data have five numbers on a line");
     }
 
     void CheckFrequency(double value) const

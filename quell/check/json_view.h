@@ -18,7 +18,7 @@ std::string JsonLine(const nlohmann::ordered_json& json);
 // The object of a report up to its list of findings, which may be too many to be held: they follow,
 // separated by commas, and then what closes the list and the object.
 std::string ReportHead(const FileReport& report);
-inline constexpr const char* s_ReportTail = "]}";
+inline constexpr const char* ReportTail = "]}";
 
 }  // namespace quell
 

@@ -17,10 +17,10 @@ namespace {
 enum FrameKind : uint64_t { FRAME_FINDING, FRAME_VERSION };
 
 // Each severity of the log with its variant for a line.
-constexpr Severity s_Severities[] = {Severity::Bug,     Severity::Bug,        Severity::Error,
-                                     Severity::Error,   Severity::Warning,    Severity::Warning,
-                                     Severity::Caution, Severity::Caution,    Severity::Note,
-                                     Severity::Note,    Severity::Information};
+constexpr Severity Severities[] = {Severity::Bug,     Severity::Bug,        Severity::Error,
+                                   Severity::Error,   Severity::Warning,    Severity::Warning,
+                                   Severity::Caution, Severity::Caution,    Severity::Note,
+                                   Severity::Note,    Severity::Information};
 
 void Send(FrameWriter& writer, const Finding& finding)
 {
@@ -87,7 +87,7 @@ void FindingSink::Receive(const ErrRecord* record, void* user)
     const std::string_view file = record->file;
     const bool own = file.empty() || file == sink.m_OwnNames[0] || file == sink.m_OwnNames[1];
     Finding finding;
-    finding.severity = s_Severities[record->severity];
+    finding.severity = Severities[record->severity];
     finding.asked = record->asked;
     finding.number = record->shown;
     finding.file = own ? "" : file;
@@ -125,8 +125,7 @@ void ReportReceiver::Receive(FrameFields frame)
         return;
     }
     Finding finding;
-    finding.severity =
-        static_cast<Severity>(std::min<uint64_t>(frame.Number(), s_SeverityCount - 1));
+    finding.severity = static_cast<Severity>(std::min<uint64_t>(frame.Number(), SeverityCount - 1));
     finding.asked = static_cast<unsigned>(frame.Number());
     finding.number = static_cast<unsigned>(frame.Number());
     finding.line = frame.Number();

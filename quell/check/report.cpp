@@ -9,41 +9,41 @@ namespace quell {
 
 namespace {
 
-constexpr SeverityWord s_Words[s_SeverityCount] = {
+constexpr SeverityWord Words[SeverityCount] = {
     {"bug", "bugs", true},          {"error", "errors", true},
     {"warning", "warnings", false}, {"caution", "cautions", false},
     {"note", "notes", false},       {"information", "informations", false},
 };
 
-constexpr const char* s_StatusWords[] = {"checked", "beyond", "not read", "reader failed"};
+constexpr const char* StatusWords[] = {"checked", "beyond", "not read", "reader failed"};
 
 }  // namespace
 
 const SeverityWord& WordOf(Severity severity)
 {
-    return s_Words[static_cast<size_t>(severity)];
+    return Words[static_cast<size_t>(severity)];
 }
 
 const char* StatusWord(FileStatus status)
 {
-    return s_StatusWords[static_cast<size_t>(status)];
+    return StatusWords[static_cast<size_t>(status)];
 }
 
 size_t FileReport::Failures() const
 {
     size_t sum = 0;
     for (size_t k = 0; k < counts.size(); ++k)
-        if (s_Words[k].failure) sum += counts[k];
+        if (Words[k].failure) sum += counts[k];
     return sum;
 }
 
-std::string CountsText(const std::array<size_t, s_SeverityCount>& counts)
+std::string CountsText(const std::array<size_t, SeverityCount>& counts)
 {
     std::string text;
     for (size_t k = 0; k < counts.size(); ++k) {
         if (counts[k] == 0) continue;
         text += (text.empty() ? "" : ", ") + std::to_string(counts[k]) + " " +
-                (counts[k] == 1 ? s_Words[k].one : s_Words[k].many);
+                (counts[k] == 1 ? Words[k].one : Words[k].many);
     }
     return text.empty() ? "no findings" : text;
 }

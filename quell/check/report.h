@@ -13,7 +13,7 @@ namespace quell {
 
 // In the order in which totals name them; the words of messages and of the JSON.
 enum class Severity { Bug, Error, Warning, Caution, Note, Information };
-inline constexpr size_t s_SeverityCount = 6;
+inline constexpr size_t SeverityCount = 6;
 
 struct SeverityWord {
     const char* one;
@@ -51,7 +51,7 @@ struct FileReport {
     std::string declared;   // version; empty when the file tells none
     std::string checkedAs;  // version, when it was told
     std::vector<Finding> findings;
-    std::array<size_t, s_SeverityCount> counts = {};
+    std::array<size_t, SeverityCount> counts = {};
     // Findings that were counted only, by file and number.
     std::map<std::pair<std::string, unsigned>, size_t> more;
 
@@ -60,7 +60,7 @@ struct FileReport {
 };
 
 // "2 errors, 1 warning", "no findings".
-std::string CountsText(const std::array<size_t, s_SeverityCount>& counts);
+std::string CountsText(const std::array<size_t, SeverityCount>& counts);
 
 // Keeps the first findings of each number and counts the others.
 class FindingCollector {
@@ -86,7 +86,7 @@ struct Totals {
     size_t beyond = 0;
     size_t notRead = 0;
     size_t failed = 0;
-    std::array<size_t, s_SeverityCount> counts = {};
+    std::array<size_t, SeverityCount> counts = {};
 
     void Add(const FileReport& report);
     // 3 when a reader failed, else 1 when errors were found, else 2 when a file was not checked.

@@ -13,7 +13,7 @@ namespace quell {
 
 namespace {
 
-constexpr size_t s_LineMax = 2048;  // bytes kept of a line
+constexpr size_t LineMax = 2048;  // bytes kept of a line
 
 // Quotes in messages: 'text' and "text".
 bool Quote(char c)
@@ -70,7 +70,7 @@ private:
     void Keep(std::string_view bytes)
     {
         std::string& line = m_Lines[m_Number];
-        line.append(bytes.substr(0, s_LineMax - std::min(line.size(), s_LineMax)));
+        line.append(bytes.substr(0, LineMax - std::min(line.size(), LineMax)));
     }
 
     std::set<unsigned long>::const_iterator m_Next;

@@ -10,7 +10,7 @@ namespace quell {
 
 namespace {
 
-constexpr size_t s_InMemory = 1U << 20;  // bytes
+constexpr size_t InMemory = 1U << 20;  // bytes
 
 [[noreturn]] void NoRoom()
 {
@@ -30,7 +30,7 @@ void Spool::MoveToFile()
 void Spool::Append(std::string_view text)
 {
     m_Text += text;
-    if (m_Text.size() > s_InMemory) MoveToFile();
+    if (m_Text.size() > InMemory) MoveToFile();
 }
 
 void Spool::Clear()
@@ -44,7 +44,7 @@ void Spool::Pour(const std::function<void(std::string_view)>& take)
     if (m_File) {
         if (std::fflush(m_File.get()) != 0) NoRoom();
         std::rewind(m_File.get());
-        std::string piece(s_InMemory, '\0');
+        std::string piece(InMemory, '\0');
         while (const size_t size = std::fread(piece.data(), 1, piece.size(), m_File.get()))
             take(std::string_view(piece).substr(0, size));
         if (std::ferror(m_File.get()) != 0) NoRoom();

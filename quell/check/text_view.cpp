@@ -11,20 +11,19 @@ namespace quell {
 
 namespace {
 
-constexpr size_t s_Window = 100;  // columns of a source line
-constexpr size_t s_Before = 30;   // of them before what is pointed at
-constexpr const char* s_Indent = "    ";
+constexpr size_t Window = 100;  // columns of a source line
+constexpr size_t Before = 30;   // of them before what is pointed at
+constexpr const char* Indent = "    ";
 
-constexpr const char* s_Plain = "\x1b[0m";
-constexpr const char* s_Bold = "\x1b[1m";
-constexpr const char* s_Red = "\x1b[1;31m";
-constexpr const char* s_Green = "\x1b[1;32m";
-constexpr const char* s_Yellow = "\x1b[1;33m";
-constexpr const char* s_Cyan = "\x1b[1;36m";
+constexpr const char* Plain = "\x1b[0m";
+constexpr const char* Bold = "\x1b[1m";
+constexpr const char* Red = "\x1b[1;31m";
+constexpr const char* Green = "\x1b[1;32m";
+constexpr const char* Yellow = "\x1b[1;33m";
+constexpr const char* Cyan = "\x1b[1;36m";
 
 // By severity.
-constexpr const char* s_Colours[s_SeverityCount] = {s_Red,    s_Red,  s_Yellow,
-                                                    s_Yellow, s_Cyan, s_Cyan};
+constexpr const char* Colours[SeverityCount] = {Red, Red, Yellow, Yellow, Cyan, Cyan};
 
 using Lines = std::map<unsigned long, std::string>;
 
@@ -33,7 +32,7 @@ public:
     explicit Paint(bool colour) : m_Colour(colour) {}
     std::string operator()(const char* colour, const std::string& text) const
     {
-        return m_Colour ? colour + text + s_Plain : text;
+        return m_Colour ? colour + text + Plain : text;
     }
 
 private:
@@ -62,7 +61,7 @@ std::string MessageText(const std::string& text)
         --end;
     for (size_t begin = 0; begin <= end;) {
         const size_t stop = std::min(text.find('\n', begin), end);
-        message += (begin == 0 ? "" : std::string("\n") + s_Indent) +
+        message += (begin == 0 ? "" : std::string("\n") + Indent) +
                    Printable(std::string_view(text).substr(begin, stop - begin));
         begin = stop + 1;
     }
@@ -80,23 +79,23 @@ std::string SourceText(const std::string& line, const std::string& message, cons
     size_t column = PrintedWidth(before);
     // Windows are cut between characters; the text may hold some of several bytes.
     std::string window;
-    const size_t first = column > s_Window - s_Before ? column - s_Before : 0;
+    const size_t first = column > Window - Before ? column - Before : 0;
     size_t place = 0;
     bool more = false;
     for (const char c : shown) {
         const bool starts = (static_cast<unsigned char>(c) & 0xC0U) != 0x80;
         if (starts) ++place;
-        more = place > first + s_Window;
+        more = place > first + Window;
         if (more) break;
         if (place > first) window += c;
     }
     std::string text =
-        s_Indent + std::string(first > 0 ? "..." : "") + window + (more ? "..." : "") + "\n";
+        Indent + std::string(first > 0 ? "..." : "") + window + (more ? "..." : "") + "\n";
     if (span.size == 0) return text;
     column = column - first + (first > 0 ? 3 : 0);
-    const size_t width = std::min(PrintedWidth(quoted), s_Window);
-    return text + s_Indent + std::string(column, ' ') +
-           paint(s_Green, "^" + std::string(width - 1, '~')) + "\n";
+    const size_t width = std::min(PrintedWidth(quoted), Window);
+    return text + Indent + std::string(column, ' ') +
+           paint(Green, "^" + std::string(width - 1, '~')) + "\n";
 }
 
 // Some messages end with the line that they are about.
@@ -113,10 +112,10 @@ std::string FindingText(const Finding& finding, const Lines& lines, const Paint&
 {
     std::string place = Printable(finding.file) + ":";
     if (finding.line != 0) place += std::to_string(finding.line) + ":";
-    const char* colour = s_Colours[static_cast<size_t>(finding.severity)];
+    const char* colour = Colours[static_cast<size_t>(finding.severity)];
     const std::string message = MessageText(finding.text);
     std::string text =
-        paint(s_Bold, place) + " " + paint(colour, Heading(finding) + ":") + " " + message + "\n";
+        paint(Bold, place) + " " + paint(colour, Heading(finding) + ":") + " " + message + "\n";
     const auto line = lines.find(finding.line);
     if (line != lines.end() && !Printable(line->second).empty() &&
         !QuotesLine(message, line->second))
@@ -171,10 +170,10 @@ std::string ReportText(const FileReport& report, const std::string& path, bool c
     if (report.status == FileStatus::Failed) {
         std::string place = Printable(report.failedFile) + ":";
         if (report.failedLine != 0) place += std::to_string(report.failedLine) + ":";
-        text += paint(s_Bold, place) + " " + paint(s_Red, "failure:") + " " +
-                Printable(report.reason) + "\n";
+        text += paint(Bold, place) + " " + paint(Red, "failure:") + " " + Printable(report.reason) +
+                "\n";
     }
-    return text + paint(s_Bold, Printable(report.name) + ":") + " " + Summary(report) + "\n";
+    return text + paint(Bold, Printable(report.name) + ":") + " " + Summary(report) + "\n";
 }
 
 std::string TotalsText(const Totals& totals)

@@ -24,17 +24,17 @@ namespace {
 enum class Format { Text, Classic, Json };
 enum class ColourUse { Auto, Always, Never };
 
-constexpr size_t s_ShownPerNumber = 20;  // findings of one number in a file, in the text
-constexpr size_t s_MostJobs = 256;
+constexpr size_t ShownPerNumber = 20;  // findings of one number in a file, in the text
+constexpr size_t MostJobs = 256;
 
-constexpr std::pair<const char*, Format> s_Formats[] = {
+constexpr std::pair<const char*, Format> Formats[] = {
     {"text", Format::Text}, {"classic", Format::Classic}, {"json", Format::Json}};
 
-constexpr std::pair<const char*, ColourUse> s_ColourUses[] = {
+constexpr std::pair<const char*, ColourUse> ColourUses[] = {
     {"auto", ColourUse::Auto}, {"always", ColourUse::Always}, {"never", ColourUse::Never}};
 
 // Version texts that are legal in a file.
-constexpr std::pair<const char*, const char*> s_Versions[] = {
+constexpr std::pair<const char*, const char*> Versions[] = {
     {"2.0", "2.0"}, {"2.1", "2.1"}, {"3.0", "3.0"}, {"3.1", "3.1"}, {"3.2", "3.2"},
     {"4.0", "4.0"}, {"4.1", "4.1"}, {"4.2", "4.2"}, {"5.0", "5.0"}};
 
@@ -105,7 +105,7 @@ public:
         const bool classic = m_Options.format == Format::Classic;
         const bool json = m_Options.format == Format::Json;
         running.receiver =
-            std::make_unique<ReportReceiver>(running.report, json ? 0 : s_ShownPerNumber);
+            std::make_unique<ReportReceiver>(running.report, json ? 0 : ShownPerNumber);
         if (json)
             running.receiver->TellEach([&waiting = running.waiting](const Finding& finding) {
                 waiting.Append((waiting.Empty() ? "\n  " : ",\n  ") +
@@ -156,7 +156,7 @@ public:
                 Print((task == 0 ? "\n" : ",\n") + ReportHead(report));
                 if (report.status == FileStatus::Beyond) running.waiting.Clear();
                 PrintWaiting(running);
-                Print(s_ReportTail);
+                Print(ReportTail);
                 break;
             case Format::Classic:
                 PrintWaiting(running);
@@ -178,7 +178,7 @@ private:
     size_t Jobs() const
     {
         if (m_Options.jobs != 0) return m_Options.jobs;
-        return std::clamp<size_t>(std::thread::hardware_concurrency(), 1, s_MostJobs);
+        return std::clamp<size_t>(std::thread::hardware_concurrency(), 1, MostJobs);
     }
 
     void Print(std::string_view text)
@@ -252,7 +252,7 @@ void AddCheck(CLI::App& app, int& exitCode)
         ->type_name("FILE...");
 
     const char* input = "Input";
-    AddChoice(check, "--type", options->type, s_FileTypes,
+    AddChoice(check, "--type", options->type, FileTypes,
               "What the files are, whatever their extensions; of folders, what is checked")
         ->group(input);
     check
@@ -261,20 +261,20 @@ void AddCheck(CLI::App& app, int& exitCode)
                     "for in the folder of this name; without a folder, in the current one")
         ->type_name("NAME")
         ->group(input);
-    AddChoice(check, "--as", options->version, s_Versions,
+    AddChoice(check, "--as", options->version, Versions,
               "Check as if the files declared this version")
         ->group(input);
     check.add_option("-j,--jobs", options->jobs, "Files read at once (default: number of cores)")
-        ->check(CLI::Range(size_t{1}, s_MostJobs))
+        ->check(CLI::Range(size_t{1}, MostJobs))
         ->type_name("N")
         ->group(input);
 
     const char* output = "Output";
-    AddChoice(check, "--format", options->format, s_Formats,
+    AddChoice(check, "--format", options->format, Formats,
               "text (default) shows the first 20 findings of a number in a file; classic is the "
               "reader's own output")
         ->group(output);
-    AddChoice(check, "--color", options->colour, s_ColourUses,
+    AddChoice(check, "--color", options->colour, ColourUses,
               "Colours (default auto: on a terminal, unless NO_COLOR is set)")
         ->group(output);
     check.footer(

@@ -20,7 +20,7 @@ namespace {
 using Json = nlohmann::ordered_json;
 
 // A file of a version that the reader does not know is shown as far as the last known one goes.
-constexpr const char* s_LastVersion = "5.0";
+constexpr const char* LastVersion = "5.0";
 
 enum Frame : uint64_t { FRAME_DESCRIPTION, FRAME_PROBLEM };
 
@@ -57,7 +57,7 @@ Json ReadFile(const std::string& path)
     if (!reason.empty()) throw InputError(path, 0, reason);
     const std::string version = opening.type == FILE_AMI ? "" : DeclaredVersion(path);
     const bool later = BeyondKnown(version);
-    if (later) opening.version = s_LastVersion;
+    if (later) opening.version = LastVersion;
     std::unique_ptr<PrivateFolder> folder;
     if (NeedsOtherName(opening)) {
         folder = std::make_unique<PrivateFolder>();

@@ -7,7 +7,7 @@
 
 namespace {
 
-constexpr quell::AddCommand s_Commands[] = {
+constexpr quell::AddCommand Commands[] = {
     quell::AddInfo, quell::AddRun,   quell::AddSweep,
     quell::AddView, quell::AddCheck, quell::AddParams,
 };
@@ -28,7 +28,7 @@ int ParseAndRun(int argc, char** argv)
     app.require_subcommand(1);
     app.get_formatter()->column_width(34);
     int exitCode = quell::EXIT_DONE;
-    for (const quell::AddCommand add : s_Commands)
+    for (const quell::AddCommand add : Commands)
         add(app, exitCode);
     try {
         app.parse(argc, argv);

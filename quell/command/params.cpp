@@ -13,7 +13,7 @@ namespace quell {
 
 namespace {
 
-constexpr size_t s_WidestColumn = 40;  // the last one may be wider
+constexpr size_t WidestColumn = 40;  // the last one may be wider
 
 struct ParamsOptions {
     std::string file;
@@ -28,10 +28,10 @@ std::string FormatText(const AmiParameter& parameter)
     return text;
 }
 
-constexpr const char* s_Titles[] = {"name", "usage", "type", "format", "default", "description"};
-constexpr size_t s_Columns = std::size(s_Titles);
+constexpr const char* Titles[] = {"name", "usage", "type", "format", "default", "description"};
+constexpr size_t Columns = std::size(Titles);
 
-using Row = std::array<std::string, s_Columns>;
+using Row = std::array<std::string, Columns>;
 
 Row RowOf(const AmiParameter& parameter)
 {
@@ -42,12 +42,12 @@ Row RowOf(const AmiParameter& parameter)
     return row;
 }
 
-std::string Line(const Row& row, const std::array<size_t, s_Columns>& widths)
+std::string Line(const Row& row, const std::array<size_t, Columns>& widths)
 {
     std::string line;
-    for (size_t k = 0; k < s_Columns; ++k) {
+    for (size_t k = 0; k < Columns; ++k) {
         line += row[k];
-        if (k + 1 == s_Columns) break;
+        if (k + 1 == Columns) break;
         const size_t width = PrintedWidth(row[k]);
         line.append(widths[k] > width ? widths[k] - width : 0, ' ');
         line += "  ";
@@ -57,16 +57,16 @@ std::string Line(const Row& row, const std::array<size_t, s_Columns>& widths)
 
 std::string TableText(const AmiFile& file)
 {
-    std::array<size_t, s_Columns> widths = {};
+    std::array<size_t, Columns> widths = {};
     Row titles;
-    for (size_t k = 0; k < s_Columns; ++k) {
-        titles[k] = s_Titles[k];
+    for (size_t k = 0; k < Columns; ++k) {
+        titles[k] = Titles[k];
         widths[k] = titles[k].size();
     }
     for (const AmiParameter& parameter : file.parameters) {
         const Row row = RowOf(parameter);
-        for (size_t k = 0; k < s_Columns; ++k)
-            widths[k] = std::max(widths[k], std::min(PrintedWidth(row[k]), s_WidestColumn));
+        for (size_t k = 0; k < Columns; ++k)
+            widths[k] = std::max(widths[k], std::min(PrintedWidth(row[k]), WidestColumn));
     }
     std::string text = Printable(file.root) + "\n";
     for (const bool reserved : {true, false}) {

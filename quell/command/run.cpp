@@ -53,7 +53,7 @@ constexpr struct {
     const char* title;
     const char* format;
     Figure figure;
-} s_TableColumns[] = {
+} TableColumns[] = {
     {"DC gain", "%.5f", &ResponseFigures::dcGain},
     {"impulse peak, V/s", "%.4e", &ResponseFigures::peak},
     {"main cursor, V", "%.4f", &ResponseFigures::mainCursor},
@@ -77,10 +77,10 @@ void PrintChannel(const Column& column, const TimeGrid& grid)
 void PrintTable(const LinkResult& result)
 {
     const bool crosstalk = result.columns.size() > 1;
-    const size_t figures = std::size(s_TableColumns) - (crosstalk ? 0 : 1);
+    const size_t figures = std::size(TableColumns) - (crosstalk ? 0 : 1);
     std::printf("%-14s", "");
     for (size_t k = 0; k < figures; ++k)
-        std::printf("  %-24s", s_TableColumns[k].title);
+        std::printf("  %-24s", TableColumns[k].title);
     std::printf("\n%-14s", "");
     for (size_t k = 0; k < figures; ++k)
         std::printf("  %11s %11s ", "before", "after");
@@ -88,7 +88,7 @@ void PrintTable(const LinkResult& result)
     for (const LinkColumn& column : result.columns) {
         std::printf("%-14s", column.channel.name.c_str());
         for (size_t k = 0; k < figures; ++k) {
-            const auto& row = s_TableColumns[k];
+            const auto& row = TableColumns[k];
             std::printf("  %11s %11s ", Cell(row.format, column.before.*row.figure).c_str(),
                         column.after ? Cell(row.format, (*column.after).*row.figure).c_str() : "-");
         }
@@ -124,7 +124,7 @@ void PrintEye(const LinkEye& eye)
     std::printf("  height %.4f V, width %.3f UI\n", eye.height, eye.width);
     std::printf("  height at");
     for (size_t k = 0; k < eye.heights.size(); ++k)
-        std::printf("%s %s: %.4f V", k == 0 ? "" : ",", ShortText(s_EyeErrorRates[k]).c_str(),
+        std::printf("%s %s: %.4f V", k == 0 ? "" : ",", ShortText(EyeErrorRates[k]).c_str(),
                     eye.heights[k]);
     std::printf("\n");
     std::fflush(stdout);

@@ -22,8 +22,8 @@ namespace quell {
 
 namespace {
 
-constexpr size_t s_KeptPerNumber = 1000;  // findings of one number
-constexpr const char* s_LastVersion = "5.0";
+constexpr size_t KeptPerNumber = 1000;  // findings of one number
+constexpr const char* LastVersion = "5.0";
 
 enum FrameKind : uint64_t { FRAME_PAGE, FRAME_ERROR, FRAME_WARNING };
 
@@ -46,7 +46,7 @@ int SendPage(const Opening& opening, const ViewRequest& request, FrameWriter& wr
 {
     FileReport report;
     report.name = request.file;
-    FindingCollector findings(report, s_KeptPerNumber);
+    FindingCollector findings(report, KeptPerNumber);
     const FindingSink sink(opening, [&](Finding finding) {
         finding.file = finding.file.empty() ? report.name : FolderOf(report.name) + finding.file;
         findings.Add(std::move(finding));
@@ -94,9 +94,9 @@ int RunView(const ViewOptions& options)
     request.model = options.model;
     const std::string version = DeclaredVersion(opening.path);
     if (BeyondKnown(version)) {
-        opening.version = s_LastVersion;
+        opening.version = LastVersion;
         request.note = "The file declares version " + version + " and is read as version " +
-                       s_LastVersion +
+                       LastVersion +
                        ", the last one known here: findings may come from the difference.";
     }
     std::unique_ptr<PrivateFolder> folder;

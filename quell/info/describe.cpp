@@ -27,7 +27,7 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
-constexpr const char* s_TypeNames[] = {"component", "package", "board", "parameters"};
+constexpr const char* TypeNames[] = {"component", "package", "board", "parameters"};
 
 Json Text(const char* text)
 {
@@ -320,7 +320,7 @@ Json DescribeFile(const Opening& opening)
     ERRLOG_GetCounts(nullptr, &errors, &warnings);
     Json json = {{"format", 1},
                  {"file", opening.name},
-                 {"type", s_TypeNames[opening.type - FILE_IBS]},
+                 {"type", TypeNames[opening.type - FILE_IBS]},
                  {"errors", errors},
                  {"warnings", warnings}};
     if (!opening.version.empty()) json["read_as"] = opening.version;

@@ -16,10 +16,10 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
-constexpr size_t s_Width = 100;  // columns
-constexpr size_t s_Rows = 10;    // of a table
-constexpr size_t s_InFull = 2;   // components and selectors of which everything is shown
-constexpr size_t s_Column = 32;  // widest column but the last
+constexpr size_t Width = 100;  // columns
+constexpr size_t Rows = 10;    // of a table
+constexpr size_t InFull = 2;   // components and selectors of which everything is shown
+constexpr size_t Column = 32;  // widest column but the last
 
 using Row = std::vector<std::string>;
 
@@ -53,24 +53,24 @@ void PrintTable(std::ostream& out, const std::string& title, const std::vector<R
 {
     if (rows.empty()) return;
     out << title << '\n';
-    const size_t shown = std::min(rows.size(), s_Rows);
+    const size_t shown = std::min(rows.size(), Rows);
     std::vector<size_t> widths;
     for (size_t i = 0; i < shown; ++i) {
         widths.resize(std::max(widths.size(), rows[i].size()));
         for (size_t k = 0; k < rows[i].size(); ++k)
-            widths[k] = std::min(s_Column, std::max(widths[k], rows[i][k].size()));
+            widths[k] = std::min(Column, std::max(widths[k], rows[i][k].size()));
     }
     for (size_t i = 0; i < shown; ++i) {
         std::string line = "   ";
         for (size_t k = 0; k < rows[i].size(); ++k) {
             const bool last = k + 1 == rows[i].size();
-            std::string cell = last ? rows[i][k] : Cut(rows[i][k], s_Column);
+            std::string cell = last ? rows[i][k] : Cut(rows[i][k], Column);
             if (!last) cell.resize(std::max(cell.size(), widths[k]), ' ');
             line += ' ' + cell + (last ? "" : " ");
         }
         while (line.back() == ' ')
             line.pop_back();
-        out << Cut(line, s_Width) << '\n';
+        out << Cut(line, Width) << '\n';
     }
     if (rows.size() > shown) out << "    ... " << rows.size() - shown << " more\n";
 }
@@ -101,12 +101,12 @@ void PrintHeader(std::ostream& out, const Json& file)
     for (const auto& [title, key] : fields)
         if (header[key].is_string())
             line += (line.empty() ? "" : ", ") + std::string(title) + ' ' + String(header[key]);
-    if (!line.empty()) out << "  " << Cut(line, s_Width - 2) << '\n';
+    if (!line.empty()) out << "  " << Cut(line, Width - 2) << '\n';
     for (const char* key : {"source", "copyright"})
         if (header[key].is_string()) {
             const std::string text = Printable(FirstLine(header[key].get<std::string>()));
             if (!text.empty())
-                out << "  " << Cut(std::string(key) + ": " + text, s_Width - 2) << '\n';
+                out << "  " << Cut(std::string(key) + ": " + text, Width - 2) << '\n';
         }
 }
 
@@ -145,7 +145,7 @@ void PrintComponent(std::ostream& out, const Json& component,
     std::vector<std::string> alternates;
     for (const Json& name : component["alternate_package_models"])
         alternates.push_back(String(name));
-    if (!alternates.empty()) out << "  or: " << Cut(Join(alternates), s_Width - 6) << '\n';
+    if (!alternates.empty()) out << "  or: " << Cut(Join(alternates), Width - 6) << '\n';
     PrintPins(out, component, kinds);
     std::vector<Row> pairs;
     for (const Json& pair : component["differential_pairs"]) {
@@ -222,7 +222,7 @@ void PrintComponents(std::ostream& out, const Json& file)
 {
     const std::map<std::string, std::string> kinds = Kinds(file);
     const Json& components = file["components"];
-    if (components.size() <= s_InFull) {
+    if (components.size() <= InFull) {
         for (const Json& component : components)
             PrintComponent(out, component, kinds);
         return;
@@ -241,7 +241,7 @@ void PrintComponents(std::ostream& out, const Json& file)
 void PrintSelectors(std::ostream& out, const Json& file)
 {
     const Json& selectors = file["model_selectors"];
-    const bool inFull = selectors.size() <= s_InFull;
+    const bool inFull = selectors.size() <= InFull;
     std::vector<Row> lines;
     for (const Json& selector : selectors) {
         std::vector<Row> rows;
@@ -272,7 +272,7 @@ void PrintModels(std::ostream& out, const Json& file)
     for (const std::string& type : order)
         text += (text.empty() ? ": " : ", ") + std::to_string(counts[type]) + ' ' + type;
     if (!order.empty())
-        out << Cut(Count(file["models"].size(), "model", "models") + text, s_Width) << '\n';
+        out << Cut(Count(file["models"].size(), "model", "models") + text, Width) << '\n';
 }
 
 void PrintExecutables(std::ostream& out, const Json& file)
@@ -307,7 +307,7 @@ void PrintParameters(std::ostream& out, const Json& file)
         std::vector<std::string> list;
         for (const Json& name : names)
             list.push_back(String(name));
-        out << "  " << Cut(branch + ": " + Join(list), s_Width - 2) << '\n';
+        out << "  " << Cut(branch + ": " + Join(list), Width - 2) << '\n';
     }
 }
 

@@ -82,7 +82,7 @@ std::optional<LinkEye> MeasureLinkEye(const LinkResult& link, const LinkEyeOptio
     result.width = EyeWidth(result.eye, options.errorRate);
     result.phase = (static_cast<double>(best) - static_cast<double>(result.eye.centre)) *
                    result.eye.phaseStep / result.eye.unitInterval;
-    for (const double errorRate : s_EyeErrorRates)
+    for (const double errorRate : EyeErrorRates)
         result.heights.push_back(EyeHeight(result.eye, best, errorRate));
     return result;
 }

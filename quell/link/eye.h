@@ -13,7 +13,7 @@ struct LinkEyeOptions {
 };
 
 // The error rates at which every eye is told.
-inline constexpr double s_EyeErrorRates[] = {1e-6, 1e-9, 1e-12, 1e-15};
+inline constexpr double EyeErrorRates[] = {1e-6, 1e-9, 1e-12, 1e-15};
 
 struct LinkEye {
     StatisticalEye eye;
@@ -21,7 +21,7 @@ struct LinkEye {
     double height = 0;            // V, at the best phase
     double width = 0;             // unit intervals
     double phase = 0;             // unit intervals from the middle of the eye
-    std::vector<double> heights;  // V, of s_EyeErrorRates at that phase
+    std::vector<double> heights;  // V, of EyeErrorRates at that phase
 };
 
 // Of the responses after the model; a link whose model failed has none, nor one whose responses

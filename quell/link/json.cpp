@@ -21,7 +21,7 @@ using Figure = double ResponseFigures::*;
 constexpr struct {
     const char* name;
     Figure figure;
-} s_Figures[] = {
+} Figures[] = {
     {"dc_gain", &ResponseFigures::dcGain},
     {"peak", &ResponseFigures::peak},
     {"main_cursor", &ResponseFigures::mainCursor},
@@ -33,7 +33,7 @@ Json ColumnJson(const LinkColumn& column)
     Json json;
     json["name"] = column.channel.name;
     json["source"] = column.channel.source;
-    for (const auto& row : s_Figures) {
+    for (const auto& row : Figures) {
         const std::string name = row.name;
         json[name + "_before"] = column.before.*row.figure;
         json[name + "_after"] = column.after ? Json((*column.after).*row.figure) : Json(nullptr);
@@ -55,7 +55,7 @@ Json EyeJson(const LinkEye& eye)
     json["phase"] = eye.phase;
     json["heights"] = Json::object();
     for (size_t k = 0; k < eye.heights.size(); ++k)
-        json["heights"][ShortText(s_EyeErrorRates[k])] = eye.heights[k];
+        json["heights"][ShortText(EyeErrorRates[k])] = eye.heights[k];
     json["voltage_step"] = eye.eye.voltageStep;
     return json;
 }

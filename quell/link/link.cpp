@@ -13,7 +13,7 @@ namespace quell {
 
 namespace {
 
-constexpr const char* s_KitModel = "quell_pcie_gen2_tx.so";
+constexpr const char* KitModel = "quell_pcie_gen2_tx.so";
 
 bool Exists(const std::string& path)
 {
@@ -83,7 +83,7 @@ double MeasureEye(const std::vector<ResponseFigures*>& columns, const TimeGrid& 
 ModelFiles FindModel(const ModelOptions& options)
 {
     ModelFiles files;
-    files.model = options.model.empty() ? KitFile(s_KitModel) : options.model;
+    files.model = options.model.empty() ? KitFile(KitModel) : options.model;
     if (!Exists(files.model)) throw InputError(files.model, 0, "no such model file");
     files.amiPath =
         options.ami.value_or(std::filesystem::path(files.model).replace_extension(".ami").string());

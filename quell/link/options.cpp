@@ -8,13 +8,13 @@ namespace quell {
 
 namespace {
 
-constexpr std::pair<const char*, ResponseKind> s_ResponseKinds[] = {
+constexpr std::pair<const char*, ResponseKind> ResponseKinds[] = {
     {"impulse", ResponseKind::Impulse},
     {"step", ResponseKind::Step},
     {"pulse", ResponseKind::Pulse}};
 
-constexpr std::pair<const char*, ImpulseUnit> s_Units[] = {
-    {"V/s", ImpulseUnit::VoltPerSecond}, {"V/sample", ImpulseUnit::VoltPerSample}};
+constexpr std::pair<const char*, ImpulseUnit> Units[] = {{"V/s", ImpulseUnit::VoltPerSecond},
+                                                         {"V/sample", ImpulseUnit::VoltPerSample}};
 
 }  // namespace
 
@@ -54,10 +54,10 @@ CLI::Option* AddLinkOptions(CLI::App& command, LinkOptions& options, const std::
         command, "--sample-interval", "s", 0, [&channel](double v) { channel.sampleInterval = v; },
         "Sample interval of a table without a time column")
         ->group(tables);
-    AddChoice(command, "--response", channel.response, s_ResponseKinds,
+    AddChoice(command, "--response", channel.response, ResponseKinds,
               "What the table holds (default impulse)")
         ->group(tables);
-    AddChoice(command, "--unit", channel.unit, s_Units, "Unit of impulse responses (default V/s)")
+    AddChoice(command, "--unit", channel.unit, Units, "Unit of impulse responses (default V/s)")
         ->group(tables);
 
     const char* models = "Model";

@@ -17,7 +17,7 @@ namespace quell {
 
 namespace {
 
-constexpr size_t s_NamesShown = 8;
+constexpr size_t NamesShown = 8;
 
 void Receive(AmiFile& file, FrameFields frame)
 {
@@ -102,7 +102,7 @@ std::string Objection(const std::string& value, const AmiParameter& parameter)
     } else {
         std::vector<std::string> shown(
             known.begin(),
-            known.begin() + static_cast<std::ptrdiff_t>(std::min(known.size(), s_NamesShown)));
+            known.begin() + static_cast<std::ptrdiff_t>(std::min(known.size(), NamesShown)));
         if (shown.size() < known.size()) shown.emplace_back("...");
         text += "; it has " + Joined(shown, 0, ", ");
     }

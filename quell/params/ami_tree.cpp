@@ -41,14 +41,14 @@ const _tagLeafStruct* LeafOf(const _tagNodeStruct& node)
 
 namespace {
 
-constexpr size_t s_DeepestBranch = 100;
-constexpr const char* s_Reserved = "Reserved_Parameters";
-constexpr const char* s_Specific = "Model_Specific";
+constexpr size_t DeepestBranch = 100;
+constexpr const char* Reserved = "Reserved_Parameters";
+constexpr const char* Specific = "Model_Specific";
 
 // Leaves that give a format under its own name, without the word Format: the form of later
 // versions.
-constexpr const char* s_FormatNames[] = {"Value", "Range",    "List",       "Corner", "Increment",
-                                         "Steps", "Gaussian", "Dual-Dirac", "DjRj",   "Table"};
+constexpr const char* FormatNames[] = {"Value", "Range",    "List",       "Corner", "Increment",
+                                       "Steps", "Gaussian", "Dual-Dirac", "DjRj",   "Table"};
 
 const char* ProblemOf(int result)
 {
@@ -97,7 +97,7 @@ std::vector<std::string> FormatItems(const _tagBranchStruct& branch)
         if (leaf == nullptr) continue;
         std::vector<std::string> items;
         if (leaf->nameKind != LEAF_FORMAT) {
-            for (const char* name : s_FormatNames)
+            for (const char* name : FormatNames)
                 if (std::strcmp(leaf->name, name) == 0) items.emplace_back(name);
             if (items.empty()) continue;
         }
@@ -155,7 +155,7 @@ void SendBranches(FrameWriter& writer, const _tagBranchStruct& top, bool reserve
         }
         const _tagBranchStruct* child = BranchOf(walk.branch->children[walk.next++]);
         if (child == nullptr) continue;
-        if (stack.size() > s_DeepestBranch) {
+        if (stack.size() > DeepestBranch) {
             cut = true;
             continue;
         }
@@ -165,7 +165,7 @@ void SendBranches(FrameWriter& writer, const _tagBranchStruct& top, bool reserve
     }
     if (cut)
         Send(writer, AMI_FRAME_PROBLEM,
-             "branches nested deeper than " + std::to_string(s_DeepestBranch) + " are left out");
+             "branches nested deeper than " + std::to_string(DeepestBranch) + " are left out");
 }
 
 // The name behind the first parenthesis of a text that is no tree.
@@ -203,9 +203,9 @@ int SendParameters(const Opening& opening, FrameWriter& writer)
     const _tagLeafStruct* leaf = LeafOf(*tree.Root());
     if (root != nullptr) Send(writer, AMI_FRAME_ROOT, root->name);
     if (leaf != nullptr) Send(writer, AMI_FRAME_ROOT, leaf->name);
-    if (const _tagBranchStruct* reserved = FindBranch(root, s_Reserved))
+    if (const _tagBranchStruct* reserved = FindBranch(root, Reserved))
         SendBranches(writer, *reserved, true);
-    if (const _tagBranchStruct* specific = FindBranch(root, s_Specific))
+    if (const _tagBranchStruct* specific = FindBranch(root, Specific))
         SendBranches(writer, *specific, false);
     return 0;
 }
@@ -217,7 +217,7 @@ std::string DeclaredAmiVersion()
     const AmiTree tree;
     if (tree.Root() == nullptr) return "";
     const _tagBranchStruct* version =
-        FindBranch(FindBranch(BranchOf(*tree.Root()), s_Reserved), "AMI_Version");
+        FindBranch(FindBranch(BranchOf(*tree.Root()), Reserved), "AMI_Version");
     if (version == nullptr) return "";
     const std::vector<std::string> items = FormatItems(*version);
     if (items.size() > 1) return items[1];

@@ -30,11 +30,11 @@ namespace quell {
 
 namespace {
 
-constexpr double s_LeastTime = 30;       // s
-constexpr double s_TimePerByte = 2e-6;   // s, some hundred times what reading takes
-constexpr double s_Grace = 5;            // s between the child's own clock and ours
-constexpr size_t s_TailSize = 4096;      // bytes
-constexpr size_t s_StackSize = 1 << 16;  // for the handler when the stack itself is the fault
+constexpr double LeastTime = 30;       // s
+constexpr double TimePerByte = 2e-6;   // s, some hundred times what reading takes
+constexpr double Grace = 5;            // s between the child's own clock and ours
+constexpr size_t TailSize = 4096;      // bytes
+constexpr size_t StackSize = 1 << 16;  // for the handler when the stack itself is the fault
 
 struct ChildNote {
     std::atomic<bool> done = false;
@@ -44,23 +44,23 @@ struct ChildNote {
 };
 
 // Of the child's process.
-ChildNote* s_Note = nullptr;
-FrameWriter* s_Writer = nullptr;
-alignas(16) char s_Stack[s_StackSize];
+ChildNote* Note = nullptr;
+FrameWriter* Writer = nullptr;
+alignas(16) char Stack[StackSize];
 
 extern "C" void QuellNoteDeath(int number)
 {
-    s_Note->line = gulLineNum;
-    std::memcpy(s_Note->file, gsFileName, sizeof gsFileName);
-    s_Writer->FlushDying();
+    Note->line = gulLineNum;
+    std::memcpy(Note->file, gsFileName, sizeof gsFileName);
+    Writer->FlushDying();
     raise(number);  // the handler is reset: this one ends the process
 }
 
 void WatchSignals()
 {
     stack_t stack = {};
-    stack.ss_sp = s_Stack;
-    stack.ss_size = sizeof s_Stack;
+    stack.ss_sp = Stack;
+    stack.ss_size = sizeof Stack;
     sigaltstack(&stack, nullptr);
     for (const int number : {SIGINT, SIGTERM, SIGHUP, SIGPIPE})
         signal(number, SIG_DFL);
@@ -98,8 +98,8 @@ void StartClock(double limit)
     std::setvbuf(stdout, nullptr, _IOLBF, BUFSIZ);
 
     FrameWriter writer(output);
-    s_Note = note;
-    s_Writer = &writer;
+    Note = note;
+    Writer = &writer;
     WatchSignals();
     StartClock(limit);
     try {
@@ -129,8 +129,8 @@ std::string LastLine(std::string_view text)
 std::string FileTail(int descriptor)
 {
     const off_t size = lseek(descriptor, 0, SEEK_END);
-    const off_t start = std::max<off_t>(0, size - static_cast<off_t>(s_TailSize));
-    std::string tail(s_TailSize, '\0');
+    const off_t start = std::max<off_t>(0, size - static_cast<off_t>(TailSize));
+    std::string tail(TailSize, '\0');
     const ssize_t count = pread(descriptor, tail.data(), tail.size(), start);
     tail.resize(count > 0 ? static_cast<size_t>(count) : 0);
     return tail;
@@ -145,7 +145,7 @@ std::string FileTail(int descriptor)
 
 double ReadingTime(unsigned long long bytes)
 {
-    return s_LeastTime + s_TimePerByte * static_cast<double>(bytes);
+    return LeastTime + TimePerByte * static_cast<double>(bytes);
 }
 
 Child::Child(const Work& work, ChildStream stream, double limit)
@@ -173,7 +173,7 @@ Child::Child(const Work& work, ChildStream stream, double limit)
         NoProcess("no process");
     }
     m_Deadline = Clock::now() + std::chrono::duration_cast<Clock::duration>(
-                                    std::chrono::duration<double>(std::min(limit, 1e8) + s_Grace));
+                                    std::chrono::duration<double>(std::min(limit, 1e8) + Grace));
 }
 
 Child::~Child()
@@ -192,7 +192,7 @@ ssize_t Child::Read(char* buffer, size_t size)
     const ssize_t count = read(m_Output, buffer, size);
     if (count > 0 && m_Printed < 0) {
         m_Tail.append(buffer, static_cast<size_t>(count));
-        if (m_Tail.size() > s_TailSize) m_Tail.erase(0, m_Tail.size() - s_TailSize);
+        if (m_Tail.size() > TailSize) m_Tail.erase(0, m_Tail.size() - TailSize);
     }
     return count;
 }

@@ -10,7 +10,7 @@ namespace quell {
 
 namespace {
 
-constexpr size_t s_Enough = 1U << 16;  // bytes that are worth a write
+constexpr size_t Enough = 1U << 16;  // bytes that are worth a write
 
 void AppendNumber(std::string& bytes, uint64_t value)
 {
@@ -53,7 +53,7 @@ void FrameWriter::End()
     AppendNumber(m_Frames, m_Frame.size());
     m_Frames += m_Frame;
     m_Busy = 0;
-    if (m_Frames.size() >= s_Enough) Flush();
+    if (m_Frames.size() >= Enough) Flush();
 }
 
 void FrameWriter::Flush()

@@ -34,8 +34,8 @@ namespace quell {
 
 namespace {
 
-constexpr size_t s_TextLimit = 1U << 20;  // bytes kept of a message or of what a model prints
-constexpr int s_KillGrace = 5;            // s
+constexpr size_t TextLimit = 1U << 20;  // bytes kept of a message or of what a model prints
+constexpr int KillGrace = 5;            // s
 
 using InitFunction = long (*)(double*, long, long, double, double, char*, char**, void**, char**);
 using CloseFunction = long (*)(void*);
@@ -76,7 +76,7 @@ struct SharedText {
     bool set = false;
     bool cut = false;
     size_t size = 0;
-    char text[s_TextLimit];
+    char text[TextLimit];
 };
 
 // The child's report. It lies in a mapping of its own, away from the matrix.
@@ -92,15 +92,15 @@ struct Report {
 void Share(SharedText& shared, const char* text)
 {
     if (text == nullptr) return;
-    shared.size = strnlen(text, s_TextLimit);
+    shared.size = strnlen(text, TextLimit);
     std::memcpy(shared.text, text, shared.size);
-    shared.cut = shared.size == s_TextLimit;
+    shared.cut = shared.size == TextLimit;
     shared.set = true;
 }
 
 std::string SharedString(const SharedText& shared)
 {
-    return std::string(shared.text, std::min(shared.size, s_TextLimit));
+    return std::string(shared.text, std::min(shared.size, TextLimit));
 }
 
 // In the child, before any foreign code runs.
@@ -200,7 +200,7 @@ public:
             const ssize_t size = read(m_Descriptor, buffer, sizeof buffer);
             if (size == 0) return false;
             if (size < 0) return errno == EAGAIN || errno == EINTR;
-            const size_t room = s_TextLimit - text.size();
+            const size_t room = TextLimit - text.size();
             text.append(buffer, std::min(room, static_cast<size_t>(size)));
             cut = cut || static_cast<size_t>(size) > room;
             if (Clock::now() > m_Pause) return true;
@@ -298,7 +298,7 @@ AmiResult RunAmiModel(const AmiCall& call)
     int status = 0;
     while (waitpid(child, &status, 0) < 0 && errno == EINTR) {
     }
-    output.PauseAt(Clock::now() + std::chrono::seconds(s_KillGrace));
+    output.PauseAt(Clock::now() + std::chrono::seconds(KillGrace));
     output.Read();
     close(ends[0]);
 

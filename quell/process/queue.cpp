@@ -14,15 +14,15 @@ namespace quell {
 
 namespace {
 
-constexpr size_t s_AheadPerJob = 32;  // tasks that wait for the next one to finish
-constexpr int s_LongestWait = 200;    // ms, until clocks are looked at
-constexpr int s_Signals[] = {SIGINT, SIGTERM, SIGHUP};
+constexpr size_t AheadPerJob = 32;  // tasks that wait for the next one to finish
+constexpr int LongestWait = 200;    // ms, until clocks are looked at
+constexpr int Signals[] = {SIGINT, SIGTERM, SIGHUP};
 
-volatile std::sig_atomic_t s_Caught = 0;
+volatile std::sig_atomic_t Caught = 0;
 
 extern "C" void QuellCatchSignal(int number)
 {
-    s_Caught = number;
+    Caught = number;
 }
 
 // Catches signals while it lives, so that temporary files are removed before the program ends.
@@ -30,25 +30,25 @@ class SignalCatcher {
 public:
     SignalCatcher()
     {
-        s_Caught = 0;
+        Caught = 0;
         struct sigaction action = {};
         action.sa_handler = QuellCatchSignal;
-        for (size_t k = 0; k < std::size(s_Signals); ++k) {
-            sigaction(s_Signals[k], nullptr, &m_Before[k]);
+        for (size_t k = 0; k < std::size(Signals); ++k) {
+            sigaction(Signals[k], nullptr, &m_Before[k]);
             // One that is ignored (nohup) stays so.
-            if (m_Before[k].sa_handler != SIG_IGN) sigaction(s_Signals[k], &action, nullptr);
+            if (m_Before[k].sa_handler != SIG_IGN) sigaction(Signals[k], &action, nullptr);
         }
     }
     ~SignalCatcher()
     {
-        for (size_t k = 0; k < std::size(s_Signals); ++k)
-            sigaction(s_Signals[k], &m_Before[k], nullptr);
+        for (size_t k = 0; k < std::size(Signals); ++k)
+            sigaction(Signals[k], &m_Before[k], nullptr);
     }
     SignalCatcher(const SignalCatcher&) = delete;
     SignalCatcher& operator=(const SignalCatcher&) = delete;
 
 private:
-    struct sigaction m_Before[std::size(s_Signals)] = {};
+    struct sigaction m_Before[std::size(Signals)] = {};
 };
 
 class Queue {
@@ -63,7 +63,7 @@ public:
         while (m_Next < m_Tasks) {
             StartMore();
             Wait();
-            if (s_Caught != 0) throw Interruption{s_Caught};
+            if (Caught != 0) throw Interruption{Caught};
         }
     }
 
@@ -71,7 +71,7 @@ private:
     void StartMore()
     {
         while (m_Started < m_Tasks && m_Running.size() < m_Jobs &&
-               m_Started < m_Next + s_AheadPerJob * m_Jobs) {
+               m_Started < m_Next + AheadPerJob * m_Jobs) {
             const size_t task = m_Started++;
             std::unique_ptr<Child> child = m_Client.Start(task);
             if (child)
@@ -98,7 +98,7 @@ private:
             tasks.push_back(task);
             if (Child::Clock::now() > child->Deadline()) child->Kill();
         }
-        if (poll(polled.data(), polled.size(), s_LongestWait) <= 0) return;
+        if (poll(polled.data(), polled.size(), LongestWait) <= 0) return;
         for (size_t k = 0; k < polled.size(); ++k)
             if (polled[k].revents != 0) Read(tasks[k]);
     }

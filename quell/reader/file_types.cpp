@@ -10,7 +10,7 @@ bool TypeOfName(const std::string& name, FileType& type)
     const size_t period = name.rfind('.');
     if (period == std::string::npos) return false;
     const std::string extension = Lower(name.substr(period + 1));
-    for (const auto& row : s_FileTypes) {
+    for (const auto& row : FileTypes) {
         if (extension != row.first) continue;
         type = row.second;
         return true;
@@ -20,7 +20,7 @@ bool TypeOfName(const std::string& name, FileType& type)
 
 const char* TypeWord(FileType type)
 {
-    for (const auto& row : s_FileTypes)
+    for (const auto& row : FileTypes)
         if (row.second == type) return row.first;
     return "";
 }

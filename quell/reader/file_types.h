@@ -8,7 +8,7 @@
 
 namespace quell {
 
-inline constexpr std::pair<const char*, FileType> s_FileTypes[] = {
+inline constexpr std::pair<const char*, FileType> FileTypes[] = {
     {"ibs", FILE_IBS}, {"pkg", FILE_PKG}, {"ebd", FILE_EBD}, {"ami", FILE_AMI}};
 
 // By the extension, in any case; false when it is none of these.

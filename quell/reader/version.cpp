@@ -9,9 +9,9 @@ namespace quell {
 
 namespace {
 
-constexpr std::string_view s_Blanks = " \t\r\v\f";
-constexpr std::string_view s_Keywords[] = {"[ibis ver]", "[ibis_ver]"};
-constexpr size_t s_LineMax = 1024;  // bytes kept of a line
+constexpr std::string_view Blanks = " \t\r\v\f";
+constexpr std::string_view Keywords[] = {"[ibis ver]", "[ibis_ver]"};
+constexpr size_t LineMax = 1024;  // bytes kept of a line
 
 // Reads a line without its end; false at the end of the file.
 bool ReadLine(std::FILE* file, std::string& line)
@@ -20,7 +20,7 @@ bool ReadLine(std::FILE* file, std::string& line)
     int c = getc_unlocked(file);
     if (c == EOF) return false;
     for (; c != EOF && c != '\n'; c = getc_unlocked(file))
-        if (line.size() < s_LineMax) line += static_cast<char>(c);
+        if (line.size() < LineMax) line += static_cast<char>(c);
     return true;
 }
 
@@ -42,10 +42,10 @@ std::optional<VersionPlace> FindVersion(std::FILE* file)
 {
     std::string line;
     for (long start = 0; ReadLine(file, line); start = std::ftell(file)) {
-        const size_t bracket = line.find_first_not_of(s_Blanks);
+        const size_t bracket = line.find_first_not_of(Blanks);
         if (bracket == std::string::npos || line[bracket] != '[') continue;
         const std::string_view keyword = std::string_view(line).substr(bracket);
-        for (const std::string_view known : s_Keywords) {
+        for (const std::string_view known : Keywords) {
             if (Lower(keyword.substr(0, known.size())) != known) continue;
             std::string_view rest = keyword.substr(known.size());
             const std::string_view value = NextToken(rest, " \t\r\v\f|");

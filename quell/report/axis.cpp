@@ -14,8 +14,8 @@ namespace quell {
 namespace {
 
 // Differences of larger numbers would overflow.
-constexpr double s_Largest = 1e300;
-constexpr double s_Smallest = 1e-300;
+constexpr double Largest = 1e300;
+constexpr double Smallest = 1e-300;
 
 std::string FixedText(double value, int decimals)
 {
@@ -42,8 +42,8 @@ struct Prefix {
     const char* text;
 };
 
-constexpr Prefix s_Prefixes[] = {{-15, "f"}, {-12, "p"}, {-9, "n"}, {-6, "µ"}, {-3, "m"},
-                                 {0, ""},    {3, "k"},   {6, "M"},  {9, "G"},  {12, "T"}};
+constexpr Prefix Prefixes[] = {{-15, "f"}, {-12, "p"}, {-9, "n"}, {-6, "µ"}, {-3, "m"},
+                               {0, ""},    {3, "k"},   {6, "M"},  {9, "G"},  {12, "T"}};
 
 // The engineering prefix of the largest value of a range.
 Prefix PrefixFor(double largest)
@@ -51,7 +51,7 @@ Prefix PrefixFor(double largest)
     const Prefix none = {0, ""};
     if (!(largest > 0)) return none;
     const int exponent = 3 * static_cast<int>(std::floor(std::log10(largest * (1 + 1e-9)) / 3));
-    for (const Prefix& prefix : s_Prefixes)
+    for (const Prefix& prefix : Prefixes)
         if (prefix.exponent == exponent) return prefix;
     return none;
 }
@@ -127,8 +127,8 @@ void LayOutLog(const Axis& axis, int count, bool roundEnds, AxisLayout* layout)
 
 bool Showable(double value, Scale scale)
 {
-    if (!(std::abs(value) < s_Largest)) return false;
-    return scale == Scale::Linear || value > s_Smallest;
+    if (!(std::abs(value) < Largest)) return false;
+    return scale == Scale::Linear || value > Smallest;
 }
 
 double AxisLayout::Position(double value) const
@@ -148,7 +148,7 @@ AxisLayout LayOutAxis(const Axis& axis, std::pair<double, double> range, int tic
     if (!Showable(layout.low, axis.scale)) layout.low = axis.scale == Scale::Log ? 1 : 0;
     if (!(Showable(layout.high, axis.scale) && layout.high > layout.low)) layout.high = layout.low;
     // Less than this is no range: its steps would have no digits.
-    if (layout.high - layout.low < 1e-12 * std::abs(layout.high) + s_Smallest)
+    if (layout.high - layout.low < 1e-12 * std::abs(layout.high) + Smallest)
         layout.low = layout.high;
     if (axis.scale == Scale::Log)
         LayOutLog(axis, ticks, roundEnds, &layout);

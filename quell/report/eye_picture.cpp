@@ -13,16 +13,16 @@ namespace quell {
 
 namespace {
 
-constexpr size_t s_Rows = 200;
-constexpr size_t s_MostColumns = 256;     // of one unit interval
-constexpr double s_LeastDensity = 1e-18;  // of a row; fainter ones stay blank
+constexpr size_t Rows = 200;
+constexpr size_t MostColumns = 256;     // of one unit interval
+constexpr double LeastDensity = 1e-18;  // of a row; fainter ones stay blank
 
 struct Cells {
     size_t columns = 0;           // of one unit interval, from -0.5 UI to 0.5 UI
     double half = 0;              // V: the rows reach from -half to half
     std::vector<double> density;  // probability of a row, column by column, rows from the bottom
 
-    double& At(size_t column, size_t row) { return density[column * s_Rows + row]; }
+    double& At(size_t column, size_t row) { return density[column * Rows + row]; }
 };
 
 double HighestVoltage(const StatisticalEye& eye)
@@ -66,9 +66,9 @@ Cells DensityCells(const LinkEye& eye, const StatisticalEye& fine, double half)
 {
     Cells cells;
     const long phases = std::lround(fine.unitInterval / fine.phaseStep);
-    cells.columns = std::min(static_cast<size_t>(phases), s_MostColumns);
+    cells.columns = std::min(static_cast<size_t>(phases), MostColumns);
     cells.half = half;
-    cells.density.resize(cells.columns * s_Rows);
+    cells.density.resize(cells.columns * Rows);
     const long columns = static_cast<long>(cells.columns);
     const long offset = CentreOffset(eye.eye, fine);
     for (long column = 0; column < columns; ++column) {
@@ -81,9 +81,9 @@ Cells DensityCells(const LinkEye& eye, const StatisticalEye& fine, double half)
                 phase.mainCursor / 2 +
                 static_cast<double>(phase.isi.first + static_cast<long>(i)) * fine.voltageStep;
             for (const double v : {one, -one}) {
-                const double row = (v / half + 1) / 2 * static_cast<double>(s_Rows);
+                const double row = (v / half + 1) / 2 * static_cast<double>(Rows);
                 const size_t inside =
-                    static_cast<size_t>(std::clamp(row, 0.0, static_cast<double>(s_Rows) - 1));
+                    static_cast<size_t>(std::clamp(row, 0.0, static_cast<double>(Rows) - 1));
                 cells.At(static_cast<size_t>(column), inside) += phase.isi.mass[i] / 2;
             }
         }
@@ -92,23 +92,23 @@ Cells DensityCells(const LinkEye& eye, const StatisticalEye& fine, double half)
 }
 
 // From faint to strong; readable on white and on black.
-constexpr Rgba s_Ramp[] = {{70, 120, 225, 60},
-                           {95, 85, 215, 120},
-                           {165, 60, 170, 185},
-                           {220, 80, 100, 225},
-                           {250, 165, 50, 255}};
+constexpr Rgba Ramp[] = {{70, 120, 225, 60},
+                         {95, 85, 215, 120},
+                         {165, 60, 170, 185},
+                         {220, 80, 100, 225},
+                         {250, 165, 50, 255}};
 
 // strength from 0 to 1.
 Rgba ColourOf(double strength)
 {
-    const double place = std::clamp(strength, 0.0, 1.0) * (std::size(s_Ramp) - 1);
-    const size_t k = std::min(static_cast<size_t>(place), std::size(s_Ramp) - 2);
+    const double place = std::clamp(strength, 0.0, 1.0) * (std::size(Ramp) - 1);
+    const size_t k = std::min(static_cast<size_t>(place), std::size(Ramp) - 2);
     const double t = place - static_cast<double>(k);
     const auto mix = [t](uint8_t a, uint8_t b) {
         return static_cast<uint8_t>(std::lround(a + t * (b - a)));
     };
-    const Rgba& a = s_Ramp[k];
-    const Rgba& b = s_Ramp[k + 1];
+    const Rgba& a = Ramp[k];
+    const Rgba& b = Ramp[k + 1];
     return {mix(a.red, b.red), mix(a.green, b.green), mix(a.blue, b.blue), mix(a.alpha, b.alpha)};
 }
 
@@ -132,19 +132,19 @@ void DrawDensity(SvgFrame* frame, Cells& cells)
 {
     // From -1 UI to 1 UI, so half a unit interval is added on both sides.
     const size_t width = 2 * cells.columns;
-    std::vector<Rgba> image(width * s_Rows);
+    std::vector<Rgba> image(width * Rows);
     for (size_t column = 0; column < width; ++column)
-        for (size_t row = 0; row < s_Rows; ++row) {
+        for (size_t row = 0; row < Rows; ++row) {
             const double density = cells.At((column + cells.columns / 2) % cells.columns, row);
-            if (density < s_LeastDensity) continue;
+            if (density < LeastDensity) continue;
             // Steps of half a decade compress well and look the same.
             const double level = std::round(2 * std::log10(density)) / 2;
-            image[(s_Rows - 1 - row) * width + column] = ColourOf(Strength(std::pow(10.0, level)));
+            image[(Rows - 1 - row) * width + column] = ColourOf(Strength(std::pow(10.0, level)));
         }
     frame->BeginClip();
     const double top = frame->Y(cells.half);
     frame->Add(ImageTag(frame->X(-1), top, frame->X(1) - frame->X(-1), frame->Y(-cells.half) - top,
-                        PngDataUrl(image, width, s_Rows)));
+                        PngDataUrl(image, width, Rows)));
     frame->EndClip();
 }
 
@@ -191,8 +191,8 @@ std::string ContourPath(const SvgFrame& frame, const StatisticalEye& eye, double
     return path + "Z";
 }
 
-constexpr const char* s_ContourClasses[] = {"line contour s2", "line contour s6", "line contour s0",
-                                            "line contour s3"};
+constexpr const char* ContourClasses[] = {"line contour s2", "line contour s6", "line contour s0",
+                                          "line contour s3"};
 
 }  // namespace
 
@@ -203,16 +203,16 @@ std::string EyePictureSvg(const LinkEye& eye, const StatisticalEye& fine, SvgUse
     const AxisLayout y =
         LayOutAxis({"received voltage", "V", Scale::Linear, -half, half}, {-half, half}, 6, false);
     std::vector<LegendEntry> legend;
-    for (size_t k = 0; k < std::size(s_EyeErrorRates); ++k)
-        legend.push_back({"at " + ShortText(s_EyeErrorRates[k]), s_ContourClasses[k], false});
+    for (size_t k = 0; k < std::size(EyeErrorRates); ++k)
+        legend.push_back({"at " + ShortText(EyeErrorRates[k]), ContourClasses[k], false});
     SvgFrame frame("eye", "Statistical eye", legend, x, y, use, 66);
     Cells cells = DensityCells(eye, fine, half);
     DrawDensity(&frame, cells);
     DrawColourBar(&frame);
     frame.BeginClip();
-    for (size_t k = 0; k < std::size(s_EyeErrorRates); ++k) {
-        const std::string path = ContourPath(frame, eye.eye, s_EyeErrorRates[k]);
-        if (!path.empty()) frame.Add(SvgPath(s_ContourClasses[k], path));
+    for (size_t k = 0; k < std::size(EyeErrorRates); ++k) {
+        const std::string path = ContourPath(frame, eye.eye, EyeErrorRates[k]);
+        if (!path.empty()) frame.Add(SvgPath(ContourClasses[k], path));
     }
     frame.EndClip();
     const double best = frame.X(eye.phase);

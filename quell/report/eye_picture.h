@@ -9,7 +9,7 @@
 
 namespace quell {
 
-// Two unit intervals wide, zeros and ones together; contours at s_EyeErrorRates and the best
+// Two unit intervals wide, zeros and ones together; contours at EyeErrorRates and the best
 // phase. The densities of `fine`, an eye of the same link with more phases, are the colours.
 // Contours are those of `eye`, so that they agree with its figures.
 std::string EyePictureSvg(const LinkEye& eye, const StatisticalEye& fine, SvgUse use);

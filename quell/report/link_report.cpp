@@ -17,12 +17,12 @@ namespace quell {
 namespace {
 
 // Colours of the columns, the victim's first; cursors and the eye use others.
-constexpr int s_ColumnColours[] = {0, 1, 2, 4, 6, 5};
-constexpr int s_CursorColour = 3;
+constexpr int ColumnColours[] = {0, 1, 2, 4, 6, 5};
+constexpr int CursorColour = 3;
 
 int ColumnColour(size_t column)
 {
-    return s_ColumnColours[column % std::size(s_ColumnColours)];
+    return ColumnColours[column % std::size(ColumnColours)];
 }
 
 using Response = std::vector<double>;
@@ -87,7 +87,7 @@ struct TimePlot {
     bool cursors;
 };
 
-const TimePlot s_TimePlots[] = {
+const TimePlot TimePlots[] = {
     {"impulse-response", "Impulse response", "V/s", "response",
      [](const ResponseFigures& figures, double) { return figures.impulse; }, false},
     {"step-response", "Step response", "V", "response to a step of 1 V",
@@ -105,7 +105,7 @@ PlotSeries CursorSeries(const std::string& name, const std::vector<double>& puls
 {
     PlotSeries series;
     series.name = name;
-    series.colour = s_CursorColour;
+    series.colour = CursorColour;
     series.stroke = Stroke::Points;
     series.y = CursorsAt(pulse, grid.samplesPerBit, static_cast<double>(phase));
     for (size_t k = 0; k < series.y.size(); ++k)
@@ -230,7 +230,7 @@ LinePlot MakeBathtub(const LinkEye& eye)
 std::vector<LinePlot> ResponsePlots(const LinkResult& result)
 {
     std::vector<LinePlot> plots;
-    for (const TimePlot& kind : s_TimePlots)
+    for (const TimePlot& kind : TimePlots)
         for (const ColumnRange& columns : TimePlotColumns(result))
             plots.push_back(MakeTimePlot(result, kind, columns));
     plots.push_back(MakeFrequencyPlot(result));
@@ -298,7 +298,7 @@ constexpr struct {
     const char* unit;
     const char* json;
     double ResponseFigures::*figure;
-} s_Figures[] = {
+} Figures[] = {
     {"DC gain", "", "dc_gain", &ResponseFigures::dcGain},
     {"impulse peak", "V/s", "peak", &ResponseFigures::peak},
     {"main cursor", "V", "main_cursor", &ResponseFigures::mainCursor},
@@ -338,13 +338,13 @@ PageTable FigureTable(const LinkResult& result)
 {
     PageTable table;
     table.heads = {"column"};
-    for (const auto& figure : s_Figures)
+    for (const auto& figure : Figures)
         table.heads.push_back(figure.title);
     for (size_t k = 0; k < result.columns.size(); ++k) {
         const LinkColumn& column = result.columns[k];
         const auto add = [&](const ResponseFigures& figures, const char* when) {
             std::vector<PageCell> row = {{column.channel.name + " " + when}};
-            for (const auto& figure : s_Figures)
+            for (const auto& figure : Figures)
                 row.push_back({FigureText(figures.*figure.figure, figure.unit),
                                "/columns/" + std::to_string(k) + "/" + figure.json + "_" + when});
             table.rows.push_back(std::move(row));
@@ -370,7 +370,7 @@ std::vector<PageFact> EyeFacts(const LinkResult& result, const std::optional<Lin
     facts.push_back({"phase of this height",
                      {ShortText(eye->phase, 4) + " UI from the middle of the eye", "/eye/phase"}});
     for (size_t k = 0; k < eye->heights.size(); ++k) {
-        const std::string at = ShortText(s_EyeErrorRates[k]);
+        const std::string at = ShortText(EyeErrorRates[k]);
         facts.push_back(
             {"height there at " + at, {UnitText(eye->heights[k], "V"), "/eye/heights/" + at}});
     }

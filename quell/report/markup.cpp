@@ -9,12 +9,12 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
-constexpr const char* s_Replacement = "\xEF\xBF\xBD";
+constexpr const char* Replacement = "\xEF\xBF\xBD";
 
 constexpr struct {
     char letter;
     const char* entity;
-} s_Entities[] = {
+} Entities[] = {
     {'&', "&amp;"}, {'<', "&lt;"}, {'>', "&gt;"}, {'"', "&quot;"}, {'\'', "&#39;"},
 };
 
@@ -32,10 +32,10 @@ std::string Escaped(std::string_view text)
     std::string escaped;
     for (const char c : Utf8(text)) {
         const char* replaced = nullptr;
-        for (const auto& row : s_Entities)
+        for (const auto& row : Entities)
             if (c == row.letter) replaced = row.entity;
         const bool control = static_cast<unsigned char>(c) < 0x20 && c != '\n' && c != '\t';
-        if (control || c == 0x7f) replaced = s_Replacement;
+        if (control || c == 0x7f) replaced = Replacement;
         if (replaced != nullptr)
             escaped += replaced;
         else

@@ -9,7 +9,7 @@ namespace quell {
 namespace {
 
 // The browser's own guard: whatever a text smuggled in, nothing is loaded from anywhere.
-constexpr const char* s_Policy =
+constexpr const char* Policy =
     "default-src 'none'; style-src 'unsafe-inline'; script-src 'unsafe-inline'; img-src data:";
 
 std::string CellTag(const std::string& tag, const PageCell& cell, const std::string& classes)
@@ -123,7 +123,7 @@ std::string Page::Html(const nlohmann::ordered_json& result) const
     std::string html =
         "<!DOCTYPE html>\n<html lang=\"en\"><head><meta charset=\"utf-8\">\n"
         "<meta http-equiv=\"Content-Security-Policy\" content=\"" +
-        std::string(s_Policy) +
+        std::string(Policy) +
         "\">\n<meta name=\"viewport\" content=\"width=device-width, initial-scale=1\">\n<title>" +
         Escaped(m_Title) + "</title>\n<link rel=\"icon\" href=\"data:,\">\n";
     if (m_HasPlots) html += block("style", DygraphStyle());

@@ -18,22 +18,21 @@ namespace {
 using Json = nlohmann::ordered_json;
 
 // What can be told apart on paper, in units of the picture.
-constexpr double s_SvgTolerance = 0.15;
-constexpr size_t s_SvgPoints = 900;
-constexpr double s_DataTolerance = 1.0 / 5000;
-constexpr size_t s_DataPoints = 4000;  // of all curves together
+constexpr double SvgTolerance = 0.15;
+constexpr size_t SvgPoints = 900;
+constexpr double DataTolerance = 1.0 / 5000;
+constexpr size_t DataPoints = 4000;  // of all curves together
 
-constexpr const char* s_StrokeNames[] = {"solid", "dashed", "dotted", "points"};
+constexpr const char* StrokeNames[] = {"solid", "dashed", "dotted", "points"};
 
 const char* StrokeName(Stroke stroke)
 {
-    return s_StrokeNames[static_cast<size_t>(stroke)];
+    return StrokeNames[static_cast<size_t>(stroke)];
 }
 
 std::string Classes(const PlotSeries& series)
 {
-    return "line s" + std::to_string(series.colour % s_PlotColours) + " " +
-           StrokeName(series.stroke);
+    return "line s" + std::to_string(series.colour % PlotColours) + " " + StrokeName(series.stroke);
 }
 
 // Least and greatest value of both axes; y only of the points that x shows.
@@ -100,7 +99,7 @@ std::string CurvePath(const SvgFrame& frame, const PlotSeries& series)
         for (size_t i = 0; i < x.size(); ++i)
             visible.push_back(i);
     else
-        visible = VisiblePoints(x, y, s_SvgTolerance, s_SvgPoints);
+        visible = VisiblePoints(x, y, SvgTolerance, SvgPoints);
     for (const size_t i : visible) {
         if (std::isnan(y[i])) {
             pen = false;
@@ -197,8 +196,8 @@ std::vector<size_t> KeptPoints(const LinePlot& plot, const PlotSeries& series)
         high = any ? std::max(high, v) : v;
         any = true;
     }
-    const size_t limit = std::max<size_t>(1000, s_DataPoints / plot.series.size());
-    std::vector<size_t> kept = VisiblePoints(x, y, (high - low) * s_DataTolerance, limit);
+    const size_t limit = std::max<size_t>(1000, DataPoints / plot.series.size());
+    std::vector<size_t> kept = VisiblePoints(x, y, (high - low) * DataTolerance, limit);
     for (size_t& i : kept)
         i = showable[i];
     return kept;
@@ -242,7 +241,7 @@ Json PlotJson(const LinePlot& plot)
     std::vector<std::vector<Row>> keys;
     for (const PlotSeries& series : plot.series) {
         json["series"].push_back({{"name", series.name},
-                                  {"colour", series.colour % s_PlotColours},
+                                  {"colour", series.colour % PlotColours},
                                   {"stroke", StrokeName(series.stroke)}});
         std::vector<Row>& places = keys.emplace_back();
         for (size_t i = 0; i < series.x.size(); ++i) {

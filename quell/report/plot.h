@@ -13,7 +13,7 @@ namespace quell {
 enum class Stroke { Solid, Dashed, Dotted, Points };
 
 // One curve. x ascends and is as long as y; a y that is no number is a gap in the line. The colour
-// is a number of the palette, 0 to s_PlotColours - 1.
+// is a number of the palette, 0 to PlotColours - 1.
 struct PlotSeries {
     std::string name;
     std::vector<double> x;
@@ -22,7 +22,7 @@ struct PlotSeries {
     Stroke stroke = Stroke::Solid;
 };
 
-inline constexpr int s_PlotColours = 8;
+inline constexpr int PlotColours = 8;
 
 // A labelled line across the plot, upright at a value of x or level at a value of y.
 struct PlotMark {
@@ -55,11 +55,11 @@ enum class SvgUse {
     Alone,   // a file of its own with title and styles
 };
 
-// A drawing of s_PlotWidth x s_PlotHeight units. Curves are thinned to what can be seen.
+// A drawing of PlotWidth x PlotHeight units. Curves are thinned to what can be seen.
 std::string PlotSvg(const LinePlot& plot, SvgUse use);
 
-inline constexpr double s_PlotWidth = 520;
-inline constexpr double s_PlotHeight = 320;
+inline constexpr double PlotWidth = 520;
+inline constexpr double PlotHeight = 320;
 
 // The plot for the page's script: axes, styles and the curves to 1/5000 of their height over their
 // whole range, the axis limits being where it begins. A gap is the word "gap", a curve without a

@@ -11,8 +11,8 @@ namespace quell {
 namespace {
 
 // Width of a letter in the pictures' font, on the safe side.
-constexpr double s_Letter = 6.9;
-constexpr double s_LegendRow = 18;
+constexpr double Letter = 6.9;
+constexpr double LegendRow = 18;
 
 size_t Letters(const std::string& text)
 {
@@ -38,10 +38,10 @@ std::string SvgPath(const std::string& classes, const std::string& d)
 SvgFrame::SvgFrame(const std::string& id, const std::string& title,
                    const std::vector<LegendEntry>& legend, const AxisLayout& x, const AxisLayout& y,
                    SvgUse use, double right)
-    : m_Id(id), m_X(x), m_Y(y), m_Right(s_PlotWidth - right)
+    : m_Id(id), m_X(x), m_Y(y), m_Right(PlotWidth - right)
 {
     m_Content = "<svg xmlns=\"http://www.w3.org/2000/svg\" class=\"picture\" viewBox=\"0 0 " +
-                Coordinate(s_PlotWidth) + " " + Coordinate(s_PlotHeight) +
+                Coordinate(PlotWidth) + " " + Coordinate(PlotHeight) +
                 "\" role=\"img\" aria-label=\"" + Escaped(title) + "\">\n";
     if (use == SvgUse::Alone) {
         m_Content += "<title>" + Escaped(title) + "</title>\n<style>" +
@@ -69,10 +69,10 @@ void SvgFrame::DrawLegend(const std::vector<LegendEntry>& legend)
                 --end;
             name = name.substr(0, end) + "…";
         }
-        const double width = 34 + s_Letter * static_cast<double>(Letters(name));
-        if (x > Left && x + width > s_PlotWidth) {
+        const double width = 34 + Letter * static_cast<double>(Letters(name));
+        if (x > Left && x + width > PlotWidth) {
             x = Left;
-            y += s_LegendRow;
+            y += LegendRow;
         }
         m_Content += SvgPath(entry.classes,
                              entry.dot ? "M" + Coordinate(x + 11) + " " + Coordinate(y - 4) + "h0"
@@ -93,11 +93,11 @@ void SvgFrame::DrawAxes()
         const double x = X(tick.at);
         if (!(x >= Left - tolerance && x <= m_Right + tolerance)) continue;
         grid += "M" + Coordinate(x) + " " + Coordinate(m_Top) + "V" + Coordinate(m_Bottom);
-        const double half = 0.5 * s_Letter * static_cast<double>(Letters(tick.text));
+        const double half = 0.5 * Letter * static_cast<double>(Letters(tick.text));
         if (x - half < lastEnd + 4) continue;
         lastEnd = x + half;
         labels +=
-            SvgText(x, m_Bottom + 16, x + half > s_PlotWidth ? "end" : "middle", "tick", tick.text);
+            SvgText(x, m_Bottom + 16, x + half > PlotWidth ? "end" : "middle", "tick", tick.text);
     }
     for (const Tick& tick : m_Y.ticks) {
         const double y = Y(tick.at);
@@ -108,7 +108,7 @@ void SvgFrame::DrawAxes()
     m_Content += SvgPath("grid", grid) + labels;
     m_Content += SvgPath("frame", "M" + Coordinate(Left) + " " + Coordinate(m_Top) + "V" +
                                       Coordinate(m_Bottom) + "H" + Coordinate(m_Right));
-    m_Content += SvgText((Left + m_Right) / 2, s_PlotHeight - 8, "middle", "axis", m_X.title);
+    m_Content += SvgText((Left + m_Right) / 2, PlotHeight - 8, "middle", "axis", m_X.title);
     const std::string x = Coordinate(13);
     const std::string y = Coordinate((m_Top + m_Bottom) / 2);
     m_Content += "<text transform=\"translate(" + x + " " + y +

@@ -48,8 +48,8 @@ private:
     AxisLayout m_X;
     AxisLayout m_Y;
     double m_Top = 10;
-    double m_Bottom = s_PlotHeight - 44;
-    double m_Right = s_PlotWidth - 14;
+    double m_Bottom = PlotHeight - 44;
+    double m_Right = PlotWidth - 14;
     std::string m_Content;
 };
 

@@ -15,14 +15,14 @@ namespace quell {
 namespace {
 
 // Settings times channels: the page stays below 1 MB.
-constexpr size_t s_MostPoints = 1200;
+constexpr size_t MostPoints = 1200;
 
 // The points that the page shows, in the order of the grid.
 std::vector<size_t> ShownPoints(const SweepResult& result)
 {
     std::vector<size_t> points(result.grid.size());
     std::iota(points.begin(), points.end(), size_t{0});
-    const size_t most = std::max<size_t>(1, s_MostPoints / result.channels.size());
+    const size_t most = std::max<size_t>(1, MostPoints / result.channels.size());
     if (points.size() <= most) return points;
     std::vector<double> heights;
     heights.reserve(points.size());
@@ -82,7 +82,7 @@ LinePlot MakeCurvePlot(const SweepResult& result, const Curve& curve, const char
         const SweepChannel& channel = result.channels[c];
         PlotSeries series;
         series.name = channel.name;
-        series.colour = static_cast<int>(c % s_PlotColours);
+        series.colour = static_cast<int>(c % PlotColours);
         for (const size_t i : order) {
             series.x.push_back(curve.values[i]);
             series.y.push_back(valueOf(channel.points[i]));
@@ -91,7 +91,7 @@ LinePlot MakeCurvePlot(const SweepResult& result, const Curve& curve, const char
         if (!channel.best) continue;
         PlotSeries best;
         best.name = "best: " + result.grid[*channel.best][curve.parameter];
-        best.colour = static_cast<int>(c % s_PlotColours);
+        best.colour = static_cast<int>(c % PlotColours);
         best.stroke = Stroke::Points;
         best.x = {curve.values[*channel.best]};
         best.y = {valueOf(channel.points[*channel.best])};

@@ -13,7 +13,7 @@ namespace quell {
 
 namespace {
 
-constexpr double s_NaN = std::numeric_limits<double>::quiet_NaN();
+constexpr double NaN = std::numeric_limits<double>::quiet_NaN();
 
 // Where the voltages of a table lie at the pin: v = reference + x or, falling, reference - x.
 struct Placing {
@@ -29,14 +29,13 @@ struct PinTable {
     bool falling;
     const char* formula;
 };
-constexpr PinTable s_PinTables[] = {
+constexpr PinTable PinTables[] = {
     {&Mdl::pulldown, "pulldown", MDL_REF_PULLDOWN, false, "v − Vpulldown"},
     {&Mdl::pullup, "pullup", MDL_REF_PULLUP, true, "Vpullup − v"},
     {&Mdl::gndClamp, "gnd-clamp", MDL_REF_GND_CLAMP, false, "v − Vgnd clamp"},
     {&Mdl::powerClamp, "power-clamp", MDL_REF_POWER_CLAMP, true, "Vpower clamp − v"},
 };
-constexpr PinTable s_EclPulldown = {&Mdl::pulldown, "pulldown", MDL_REF_PULLUP, true,
-                                    "Vpullup − v"};
+constexpr PinTable EclPulldown = {&Mdl::pulldown, "pulldown", MDL_REF_PULLUP, true, "Vpullup − v"};
 
 class OwnedCurve {
 public:
@@ -92,13 +91,13 @@ std::vector<CornerCurve> Corners(const RngpLine* head, const Placing& placing)
         curve.corner = corner;
         bool any = false;
         for (const RngpLine* line : lines) {
-            double value = s_NaN;
+            double value = NaN;
             const int state = VITBL_Cell(line, corner, &value);
             any = any || state == CELL_NUMBER;
             curve.naCells += state == CELL_NA;
             curve.missingCells += state == CELL_ABSENT;
             curve.x.push_back(place(line));
-            curve.y.push_back(state == CELL_NUMBER ? value : s_NaN);
+            curve.y.push_back(state == CELL_NUMBER ? value : NaN);
         }
         if (!any) continue;
         FillHoles(curve);
@@ -294,18 +293,18 @@ std::vector<TableView> TableViews(const Mdl& model)
     const MdlTypeInfo* type = MDL_TypeInfo(model.type);
     const bool ecl = type != nullptr && type->ecl != 0;
     std::vector<TableView> views;
-    for (const PinTable& row : s_PinTables) {
+    for (const PinTable& row : PinTables) {
         if (model.*row.table == nullptr) continue;
         const bool eclPulldown = ecl && row.table == &Mdl::pulldown;
-        views.push_back(ViewAtPin(model, eclPulldown ? s_EclPulldown : row));
+        views.push_back(ViewAtPin(model, eclPulldown ? EclPulldown : row));
     }
     AppendOwn(model.issoPD, "isso-pd", views);
     AppendOwn(model.issoPU, "isso-pu", views);
-    static constexpr const char* s_SeriesKeys[SEREL_STATES] = {"series", "series-on", "series-off"};
+    static constexpr const char* SeriesKeys[SEREL_STATES] = {"series", "series-on", "series-off"};
     for (int state = 0; state < SEREL_STATES; ++state) {
         const SerEl* elements = model.series[state];
         if (elements == nullptr) continue;
-        const std::string key = s_SeriesKeys[state];
+        const std::string key = SeriesKeys[state];
         AppendOwn(elements->current, key + "-current", views);
         int count = 0;
         for (const Vitbl* table = elements->mosfets; table != nullptr; table = table->next)
@@ -338,10 +337,10 @@ std::vector<StateView> StateViews(const Mdl& model, const std::vector<LoadLine>&
     std::vector<StateView> views;
     if (type == nullptr) return views;
     const bool rests = type->receives != 0 || type->floats != 0 || type->type == MDL_TERMINATOR;
-    static const std::vector<LoadLine> s_NoLoads;
+    static const std::vector<LoadLine> NoLoads;
     for (const int state : {CURVE_LOW, CURVE_HIGH, CURVE_OFF}) {
         if (state == CURVE_OFF ? !rests : type->drives == 0) continue;
-        StateView view = ViewState(model, state, state == CURVE_OFF ? s_NoLoads : loads);
+        StateView view = ViewState(model, state, state == CURVE_OFF ? NoLoads : loads);
         const bool conducts = std::any_of(view.results.begin(), view.results.end(),
                                           [](int result) { return result != CURVE_NO_TABLE; });
         if (conducts) views.push_back(std::move(view));

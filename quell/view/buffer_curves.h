@@ -17,7 +17,7 @@
 
 namespace quell {
 
-inline constexpr const char* s_CornerNames[CORNER_COUNT] = {"typ", "min", "max"};
+inline constexpr const char* CornerNames[CORNER_COUNT] = {"typ", "min", "max"};
 
 // One corner of a table. x ascends; y is NaN where the cell has no number.
 struct CornerCurve {

@@ -10,7 +10,7 @@ namespace quell {
 namespace {
 
 // How messages name a corner.
-constexpr std::pair<const char*, int> s_CornerWords[] = {
+constexpr std::pair<const char*, int> CornerWords[] = {
     {" typ,", CORNER_TYP},          {" typ:", CORNER_TYP},          {" typ ", CORNER_TYP},
     {" min,", CORNER_MIN},          {" min:", CORNER_MIN},          {" min ", CORNER_MIN},
     {" max,", CORNER_MAX},          {" max:", CORNER_MAX},          {" max ", CORNER_MAX},
@@ -60,7 +60,7 @@ std::string WithoutQuotes(std::string_view text)
 int CornerOf(std::string_view text)
 {
     const std::string words = WithoutQuotes(text);
-    for (const auto& [word, corner] : s_CornerWords)
+    for (const auto& [word, corner] : CornerWords)
         if (words.find(word) != std::string::npos) return corner;
     return -1;
 }

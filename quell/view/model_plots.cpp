@@ -14,13 +14,13 @@ namespace quell {
 
 namespace {
 
-constexpr Stroke s_CornerStrokes[CORNER_COUNT] = {Stroke::Solid, Stroke::Dashed, Stroke::Dashed};
-constexpr int s_FirstLoadColour = 3;  // behind those of the corners
-constexpr int s_LoadColours = 4;
-constexpr int s_PlainColour = 7;
-constexpr size_t s_ToldFalls = 6;
-constexpr size_t s_MostLoads = 8;      // load lines in one picture
-constexpr double s_BeyondRails = 0.3;  // of the supply, on both sides
+constexpr Stroke CornerStrokes[CORNER_COUNT] = {Stroke::Solid, Stroke::Dashed, Stroke::Dashed};
+constexpr int FirstLoadColour = 3;  // behind those of the corners
+constexpr int LoadColours = 4;
+constexpr int PlainColour = 7;
+constexpr size_t ToldFalls = 6;
+constexpr size_t MostLoads = 8;      // load lines in one picture
+constexpr double BeyondRails = 0.3;  // of the supply, on both sides
 
 struct StateWords {
     int state;
@@ -28,7 +28,7 @@ struct StateWords {
     const char* key;
     std::vector<std::string> phrases;
 };
-const StateWords s_States[] = {
+const StateWords States[] = {
     {CURVE_LOW, "low state", "low", {"low-state", "low state"}},
     {CURVE_HIGH, "high state", "high", {"high-state", "high state"}},
     {CURVE_OFF, "not driving", "off", {"receive current", "receive-state"}},
@@ -36,7 +36,7 @@ const StateWords s_States[] = {
 
 const StateWords& WordsOf(int state)
 {
-    return *std::find_if(std::begin(s_States), std::end(s_States),
+    return *std::find_if(std::begin(States), std::end(States),
                          [state](const StateWords& words) { return words.state == state; });
 }
 
@@ -59,12 +59,12 @@ std::string Capital(std::string text)
 void AddCorners(const std::vector<CornerCurve>& curves, LinePlot& plot)
 {
     for (const CornerCurve& curve : curves)
-        plot.series.push_back({s_CornerNames[curve.corner], curve.x, curve.y, curve.corner,
-                               s_CornerStrokes[curve.corner]});
+        plot.series.push_back({CornerNames[curve.corner], curve.x, curve.y, curve.corner,
+                               CornerStrokes[curve.corner]});
     for (const CornerCurve& curve : curves) {
         if (curve.holeX.empty()) continue;
-        plot.series.push_back({std::string(s_CornerNames[curve.corner]) + ": no number",
-                               curve.holeX, curve.holeY, curve.corner, Stroke::Points});
+        plot.series.push_back({std::string(CornerNames[curve.corner]) + ": no number", curve.holeX,
+                               curve.holeY, curve.corner, Stroke::Points});
     }
 }
 
@@ -76,7 +76,7 @@ void DescribeHoles(const std::vector<CornerCurve>& curves, std::vector<std::stri
         const auto curve = std::find_if(curves.begin(), curves.end(), [corner](const auto& each) {
             return each.corner == corner;
         });
-        const std::string name = s_CornerNames[corner];
+        const std::string name = CornerNames[corner];
         if (curve == curves.end()) {
             empty += (empty.empty() ? "" : " and ") + name;
             continue;
@@ -108,13 +108,13 @@ void AddFalls(const std::vector<CurveFall>& falls, ModelPlot& picture,
             bands.push_back({fall.from, fall.to, "falls", true});
         bands.back().to = std::max(bands.back().to, fall.to);
         picture.bandOfFall.push_back(bands.size() - 1);
-        if (k < s_ToldFalls)
-            text += (text.empty() ? "Falls: " : "; ") + std::string(s_CornerNames[fall.corner]) +
+        if (k < ToldFalls)
+            text += (text.empty() ? "Falls: " : "; ") + std::string(CornerNames[fall.corner]) +
                     " by " + UnitText(fall.loss, "A", 3) + " from " + UnitText(fall.from, "V", 3) +
                     " to " + UnitText(fall.to, "V", 3);
     }
-    if (sorted.size() > s_ToldFalls)
-        text += "; " + std::to_string(sorted.size() - s_ToldFalls) + " more";
+    if (sorted.size() > ToldFalls)
+        text += "; " + std::to_string(sorted.size() - ToldFalls) + " more";
     if (!text.empty()) caption.push_back(text + ".");
 }
 
@@ -145,8 +145,8 @@ void FrameState(const StateView& view, const RailSpan& rails, LinePlot& plot)
 {
     const double supply = rails.high - rails.low;
     if (!(supply > 0)) return;
-    double left = rails.low - s_BeyondRails * supply;
-    double right = rails.high + s_BeyondRails * supply;
+    double left = rails.low - BeyondRails * supply;
+    double right = rails.high + BeyondRails * supply;
     double low = 0, high = 0;
     const auto show = [&](double current) {
         low = std::min(low, current);
@@ -188,9 +188,9 @@ void AddLoads(const StateView& view, const std::vector<LoadLine>& loads, LinePlo
 {
     const auto [left, right] = Width(view, plot);
     std::vector<std::pair<double, double>> points;
-    for (size_t k = 0; k < view.points.size() && k < s_MostLoads; ++k) {
+    for (size_t k = 0; k < view.points.size() && k < MostLoads; ++k) {
         const LoadLine& load = loads[k];
-        const int colour = s_FirstLoadColour + static_cast<int>(k % s_LoadColours);
+        const int colour = FirstLoadColour + static_cast<int>(k % LoadColours);
         std::optional<double> drawn;
         for (int corner = 0; corner < CORNER_COUNT; ++corner) {
             const auto c = static_cast<size_t>(corner);
@@ -200,7 +200,7 @@ void AddLoads(const StateView& view, const std::vector<LoadLine>& loads, LinePlo
             LoadLine own = load;
             own.to.fill(to);
             std::string name = LoadText(own);
-            if (drawn) name += std::string(", ") + s_CornerNames[corner];
+            if (drawn) name += std::string(", ") + CornerNames[corner];
             drawn = drawn ? drawn : to;
             plot.series.push_back(
                 {name,
@@ -214,7 +214,7 @@ void AddLoads(const StateView& view, const std::vector<LoadLine>& loads, LinePlo
     std::sort(points.begin(), points.end());
     PlotSeries series;
     series.name = "operating points";
-    series.colour = s_PlainColour;
+    series.colour = PlainColour;
     series.stroke = Stroke::Points;
     for (const auto& [v, i] : points) {
         series.x.push_back(v);
@@ -278,13 +278,13 @@ ModelPlot StatePicture(const Mdl& model, const StateView& view, const std::vecto
     std::map<int, std::string> lacking;
     for (int corner = 0; corner < CORNER_COUNT; ++corner) {
         std::string& corners = lacking[view.results[static_cast<size_t>(corner)]];
-        corners += (corners.empty() ? "" : " and ") + std::string(s_CornerNames[corner]);
+        corners += (corners.empty() ? "" : " and ") + std::string(CornerNames[corner]);
     }
     for (const auto& [result, corners] : lacking)
         if (result != CURVE_BUILT)
             caption.push_back("No curve for " + corners + ": " + ResultText(result) + ".");
-    if (view.points.size() > s_MostLoads)
-        caption.push_back(std::to_string(view.points.size() - s_MostLoads) +
+    if (view.points.size() > MostLoads)
+        caption.push_back(std::to_string(view.points.size() - MostLoads) +
                           " more loads are in the table only.");
     AddFalls(view.falls, picture, caption);
     plot.caption = Join(caption);
@@ -360,7 +360,7 @@ void AddWaveform(const WaveformView& view, const std::string& id, bool only,
     AddCorners(view.curves, plot);
     for (int corner = 0; corner < CORNER_COUNT; ++corner) {
         PlotSeries ends;
-        ends.name = std::string(s_CornerNames[corner]) + ": V-I tables";
+        ends.name = std::string(CornerNames[corner]) + ": V-I tables";
         ends.colour = corner;
         ends.stroke = Stroke::Points;
         for (const WaveformView::End& end : view.ends) {
@@ -409,7 +409,7 @@ std::string LoadText(const LoadLine& load)
         const std::string text = to ? UnitText(*to, "V") : "?";
         volts += corner == 0 ? text
                              : (volts.find('(') == std::string::npos ? " (" : ", ") +
-                                   std::string(s_CornerNames[corner]) + " " + text;
+                                   std::string(CornerNames[corner]) + " " + text;
     }
     if (volts.find('(') != std::string::npos) volts += ")";
     return UnitText(load.resistance, "Ω") + " to " + volts + (load.timing ? ", timing load" : "");

@@ -29,11 +29,11 @@ namespace quell {
 
 namespace {
 
-constexpr size_t s_OpenModels = 3;       // more models than these are folded away
-constexpr size_t s_ShownFindings = 200;  // in one table
-constexpr size_t s_ShownPins = 40;
+constexpr size_t OpenModels = 3;       // more models than these are folded away
+constexpr size_t ShownFindings = 200;  // in one table
+constexpr size_t ShownPins = 40;
 // Beyond this size models are no longer drawn, in bytes.
-constexpr size_t s_MostMarkup = 24U << 20;
+constexpr size_t MostMarkup = 24U << 20;
 
 // A list of the store in the order of the file.
 template <typename Record>
@@ -59,14 +59,14 @@ std::vector<PageCell> RangeRow(const std::string& name, const RngRange& range, c
             {CellText(range.max, range.maxState, unit)}};
 }
 
-const std::vector<std::string> s_CornerHeads = {"", "typ", "min", "max"};
+const std::vector<std::string> CornerHeads = {"", "typ", "min", "max"};
 
 // The ranges of a model that are given.
 constexpr struct {
     const char* name;
     RngRange* Mdl::*range;
     const char* unit;
-} s_Ranges[] = {
+} Ranges[] = {
     {"[Voltage Range]", &Mdl::voltageRange, "V"},
     {"[Pullup Reference]", &Mdl::pullupRef, "V"},
     {"[Pulldown Reference]", &Mdl::pulldownRef, "V"},
@@ -91,7 +91,7 @@ constexpr struct {
     const char* name;
     RngSingle Mdl::*value;
     const char* unit;
-} s_Singles[] = {
+} Singles[] = {
     {"Vinl", &Mdl::Vinl, "V"},           {"Vinh", &Mdl::Vinh, "V"},
     {"Vmeas", &Mdl::Vmeas, "V"},         {"Vref", &Mdl::Vref, "V"},
     {"Rref", &Mdl::Rref, "Ω"},           {"Cref", &Mdl::Cref, "F"},
@@ -108,7 +108,7 @@ struct ModelEntry {
 
     void AddPin(const std::string& text)
     {
-        if (++pinCount <= s_ShownPins) pins.push_back(text);
+        if (++pinCount <= ShownPins) pins.push_back(text);
     }
 };
 
@@ -121,7 +121,7 @@ const char* TypeText(const Mdl& model)
 // "2 errors, 1 note"
 std::string FindingsText(const std::vector<const Finding*>& findings)
 {
-    std::array<size_t, s_SeverityCount> counts = {};
+    std::array<size_t, SeverityCount> counts = {};
     for (const Finding* finding : findings)
         ++counts[static_cast<size_t>(finding->severity)];
     return CountsText(counts);
@@ -182,11 +182,11 @@ public:
         if (!m_Request.note.empty()) m_Page.Paragraph(m_Request.note);
         if (m_Request.model.empty()) Overview();
         Packages();
-        const bool folded = m_Shown.size() > s_OpenModels;
+        const bool folded = m_Shown.size() > OpenModels;
         if (folded) m_Page.Section("Models", "Each opens with a click.");
         size_t drawn = 0;
         for (const ModelEntry* entry : m_Shown) {
-            if (m_Page.Size() > s_MostMarkup) break;
+            if (m_Page.Size() > MostMarkup) break;
             ShowModel(*entry, folded);
             ++drawn;
         }
@@ -284,7 +284,7 @@ private:
         table.heads = {"Finding", "Line", "Message"};
         const bool linked = !links.empty();
         if (linked) table.heads.push_back("Picture");
-        for (size_t k = 0; k < findings.size() && k < s_ShownFindings; ++k) {
+        for (size_t k = 0; k < findings.size() && k < ShownFindings; ++k) {
             const Finding& finding = *findings[k];
             const std::string number =
                 finding.number != 0 ? " " + std::to_string(finding.number) : "";
@@ -303,8 +303,8 @@ private:
         if (table.rows.empty()) return;
         table.words = true;
         m_Page.Table(table);
-        if (findings.size() > s_ShownFindings)
-            m_Page.Paragraph(std::to_string(findings.size() - s_ShownFindings) +
+        if (findings.size() > ShownFindings)
+            m_Page.Paragraph(std::to_string(findings.size() - ShownFindings) +
                              " more: quell check lists all of them.");
     }
 
@@ -383,7 +383,7 @@ private:
         const Mdl& model = *entry.model;
         std::vector<PageFact> facts = {{"Model_type", {TypeText(model)}},
                                        {"Line", {std::to_string(model.line)}}};
-        for (const auto& single : s_Singles) {
+        for (const auto& single : Singles) {
             const RngSingle& cell = model.*single.value;
             if (cell.state != CELL_ABSENT)
                 facts.push_back({single.name, {CellText(cell.value, cell.state, single.unit)}});
@@ -391,8 +391,8 @@ private:
         std::string pins;
         for (const std::string& pin : entry.pins)
             pins += (pins.empty() ? "" : ", ") + pin;
-        if (entry.pinCount > s_ShownPins)
-            pins += " and " + std::to_string(entry.pinCount - s_ShownPins) + " more";
+        if (entry.pinCount > ShownPins)
+            pins += " and " + std::to_string(entry.pinCount - ShownPins) + " more";
         facts.push_back({"Pins", {pins.empty() ? "none" : pins}});
         std::string added;
         for (const AddSub* row : FileOrder(model.addSubs))
@@ -401,8 +401,8 @@ private:
         m_Page.Facts(facts);
 
         PageTable table;
-        table.heads = s_CornerHeads;
-        for (const auto& row : s_Ranges)
+        table.heads = CornerHeads;
+        for (const auto& row : Ranges)
             if (const RngRange* range = model.*row.range)
                 table.rows.push_back(RangeRow(row.name, *range, row.unit));
         if (!table.rows.empty()) m_Page.Table(table);

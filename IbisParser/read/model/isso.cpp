@@ -13,7 +13,7 @@
 
 static const char s_Module[] = "IbisParser/isso";
 
-static const char s_Composite[] = "Composite Current";
+static const char s_composite[] = "Composite Current";
 
 enum { MAX_POINTS = 1000 };
 
@@ -47,8 +47,8 @@ int ISSO_ReceiveLine(Mdl* model, Wvfrm* waveform, const char* text)
         return 1;
     }
     RngpLine* line = nullptr;
-    if (!RNGP_ParseLine(text, s_Composite, "Time", &line)) return 0;
-    KRNG_CleanLine(line, text, s_Composite);
+    if (!RNGP_ParseLine(text, s_composite, "Time", &line)) return 0;
+    KRNG_CleanLine(line, text, s_composite);
     RngpList* list = static_cast<RngpList*>(waveform->compositeReading);
     const bool number = line->xState == CELL_NUMBER;
     if (!number || (list->tail != nullptr && line->x <= list->tail->x))

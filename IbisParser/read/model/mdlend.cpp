@@ -12,50 +12,50 @@ static const char s_Module[] = "IbisParser/mdlend";
 namespace {
 
 // In the file, readable or not.
-bool s_given(const RngSingle& cell)
+bool isGiven(const RngSingle& cell)
 {
     return cell.state != CELL_ABSENT;
 }
 
-bool s_isSeriesKind(const MdlTypeInfo* info)
+bool isSeriesKind(const MdlTypeInfo* info)
 {
     return info->group == MDL_GROUP_SERIES || info->group == MDL_GROUP_SERIES_SWITCH;
 }
 
-void s_checkCapacitance(const Mdl* model, const MdlTypeInfo* info)
+void checkCapacitance(const Mdl* model, const MdlTypeInfo* info)
 {
-    if (model->C_comp == nullptr && !MDL_HasPartCapacitance(model) && !s_isSeriesKind(info) &&
+    if (model->C_comp == nullptr && !MDL_HasPartCapacitance(model) && !isSeriesKind(info) &&
         !info->differential)
         ERRLOG_LineErrorNew(125, model->name);
 }
 
 // A receiver assumes a threshold that the file gives nowhere.
-void s_checkDefault(const Mdl* model, const MdlTypeInfo* info, const char* name,
-                    const RngSingle& own, MdlSpecItem level, MdlSpecItem hysteresis, double assumed)
+void checkDefault(const Mdl* model, const MdlTypeInfo* info, const char* name, const RngSingle& own,
+                  MdlSpecItem level, MdlSpecItem hysteresis, double assumed)
 {
-    if (info->hasDefaults && !s_given(own) && MDLSPEC_Get(model, level) == nullptr &&
+    if (info->hasDefaults && !isGiven(own) && MDLSPEC_Get(model, level) == nullptr &&
         MDLSPEC_Get(model, hysteresis) == nullptr && model->thresholds == nullptr)
         ERRLOG_LineWarnNew(131, model->name, info->name, name, assumed);
 }
 
-void s_checkThresholds(const Mdl* model, const MdlTypeInfo* info)
+void checkThresholds(const Mdl* model, const MdlTypeInfo* info)
 {
     const RngSingle& low = model->Vinl;
     const RngSingle& high = model->Vinh;
     if (!info->receives) {
-        if (s_given(low)) ERRLOG_LineWarnNew(132, model->name, info->name, "Vinl");
-        if (s_given(high)) ERRLOG_LineWarnNew(132, model->name, info->name, "Vinh");
+        if (isGiven(low)) ERRLOG_LineWarnNew(132, model->name, info->name, "Vinl");
+        if (isGiven(high)) ERRLOG_LineWarnNew(132, model->name, info->name, "Vinh");
         return;
     }
     if (MDL_IsNumber(low) && MDL_IsNumber(high) && low.value > high.value)
         ERRLOG_LineErrorNew(130, model->name, low.value, high.value);
     if (MDL_IsNumber(low) && MDL_IsNumber(high) && low.value == high.value)
         ERRLOG_LineNoteNew(157, model->name, low.value);
-    s_checkDefault(model, info, "Vinl", low, SPEC_VINL, SPEC_VINL_MINUS, info->Vinl);
-    s_checkDefault(model, info, "Vinh", high, SPEC_VINH, SPEC_VINH_PLUS, info->Vinh);
+    checkDefault(model, info, "Vinl", low, SPEC_VINL, SPEC_VINL_MINUS, info->Vinl);
+    checkDefault(model, info, "Vinh", high, SPEC_VINH, SPEC_VINH_PLUS, info->Vinh);
 }
 
-void s_checkVmeas(const Mdl* model, const MdlTypeInfo* info)
+void checkVmeas(const Mdl* model, const MdlTypeInfo* info)
 {
     const RngSingle low = MDLSPEC_InputLow(model, CORNER_TYP);
     const RngSingle high = MDLSPEC_InputHigh(model, CORNER_TYP);
@@ -71,7 +71,7 @@ const struct {
     const char* name;
     RngSingle Mdl::*own;
     MdlSpecItem both, rising, falling;
-} s_loads[] = {
+} loads[] = {
     {"Vmeas", &Mdl::Vmeas, SPEC_VMEAS, SPEC_VMEAS_RISING, SPEC_VMEAS_FALLING},
     {"Cref", &Mdl::Cref, SPEC_CREF, SPEC_CREF_RISING, SPEC_CREF_FALLING},
     {"Rref", &Mdl::Rref, SPEC_RREF, SPEC_RREF_RISING, SPEC_RREF_FALLING},
@@ -79,12 +79,12 @@ const struct {
 };
 enum { LOAD_VMEAS, LOAD_CREF, LOAD_RREF, LOAD_VREF, LOAD_COUNT };
 
-void s_checkLoad(const Mdl* model, const MdlTypeInfo* info)
+void checkLoad(const Mdl* model, const MdlTypeInfo* info)
 {
     bool given[LOAD_COUNT];
     for (int i = 0; i < LOAD_COUNT; ++i) {
-        const auto& row = s_loads[i];
-        given[i] = s_given(model->*(row.own));
+        const auto& row = loads[i];
+        given[i] = isGiven(model->*(row.own));
         if (given[i] && !info->drives) ERRLOG_LineWarnNew(134, model->name, row.name);
         for (const MdlSpecItem item : {row.both, row.rising, row.falling})
             given[i] = given[i] || MDLSPEC_Get(model, item) != nullptr;
@@ -96,7 +96,7 @@ void s_checkLoad(const Mdl* model, const MdlTypeInfo* info)
         ERRLOG_LineWarnNew(137, model->name, "Vmeas");
 }
 
-void s_checkLoadSigns(const Mdl* model)
+void checkLoadSigns(const Mdl* model)
 {
     static const struct {
         const char* name;
@@ -116,14 +116,14 @@ void s_checkLoadSigns(const Mdl* model)
     }
 }
 
-void s_checkSupplies(const Mdl* model, const MdlTypeInfo* info)
+void checkSupplies(const Mdl* model, const MdlTypeInfo* info)
 {
     int references = 0;
     for (const int code : {KEY_PULLUP_REFERENCE, KEY_PULLDOWN_REFERENCE, KEY_POWER_CLAMP_REFERENCE,
                            KEY_GND_CLAMP_REFERENCE})
         references += MDL_Found(model, code);
     const bool hasRange = MDL_Found(model, KEY_VOLTAGE_RANGE) != 0;
-    if (references < 4 && !hasRange && info != nullptr && !s_isSeriesKind(info))
+    if (references < 4 && !hasRange && info != nullptr && !isSeriesKind(info))
         ERRLOG_LineErrorNew(140, model->name);
     const RngSingle pullup = MDL_Cell(model->pullupRef, CORNER_TYP);
     const RngSingle pulldown = MDL_Cell(model->pulldownRef, CORNER_TYP);
@@ -133,7 +133,7 @@ void s_checkSupplies(const Mdl* model, const MdlTypeInfo* info)
     if (references == 4 && hasRange) ERRLOG_LineNoteNew(143, model->name);
 }
 
-void s_checkParts(const Mdl* model)
+void checkParts(const Mdl* model)
 {
     static const struct {
         int code, needs;
@@ -151,10 +151,10 @@ void s_checkParts(const Mdl* model)
         ERRLOG_LineNoteNew(150, model->name);
 }
 
-void s_checkByType(const Mdl* model, const MdlTypeInfo* info)
+void checkByType(const Mdl* model, const MdlTypeInfo* info)
 {
-    s_checkCapacitance(model, info);
-    s_checkThresholds(model, info);
+    checkCapacitance(model, info);
+    checkThresholds(model, info);
     if (model->enable != MDL_ENABLE_UNSET && !info->floats)
         ERRLOG_LineNoteNew(154, model->name, info->name);
     if (info->differential && !MDL_Found(model, KEY_EXTERNAL_MODEL))
@@ -169,15 +169,15 @@ void MDL_EndOfRecord(const Mdl* model)
     const MdlTypeInfo* info = MDL_TypeInfo(model->type);
     if (info == nullptr && !MDL_TypeWasGiven()) ERRLOG_LineErrorNew(120, model->name);
     if (info != nullptr) {
-        s_checkByType(model, info);
-        s_checkLoad(model, info);
+        checkByType(model, info);
+        checkLoad(model, info);
     }
-    s_checkLoadSigns(model);
-    s_checkSupplies(model, info);
-    s_checkParts(model);
+    checkLoadSigns(model);
+    checkSupplies(model, info);
+    checkParts(model);
     int vmeasNoted = 0;
     MDLSPEC_EndOfModel(model, &vmeasNoted);
-    if (info != nullptr && !vmeasNoted) s_checkVmeas(model, info);
+    if (info != nullptr && !vmeasNoted) checkVmeas(model, info);
     SEREL_EndOfModel(model);
     ISSO_EndModel(model);
 }

@@ -9,14 +9,14 @@ static const char s_Module[] = "IbisParser/mdlrange";
 
 namespace {
 
-constexpr double s_LargestVoltage = 50.0;
-constexpr double s_LowestTemperature = -100.0;
-constexpr double s_HighestTemperature = 300.0;
+constexpr double LargestVoltage = 50.0;
+constexpr double LowestTemperature = -100.0;
+constexpr double HighestTemperature = 300.0;
 
 enum Rule { RULE_TEMPERATURE, RULE_SUPPLY, RULE_TRANSIT_TIME, RULE_ELEMENT };
 
 // clang-format off
-const struct { int code; RngRange* Mdl::*slot; Rule rule; } s_ranges[] = {
+const struct { int code; RngRange* Mdl::*slot; Rule rule; } ranges[] = {
     { KEY_TEMPERATURE_RANGE,     &Mdl::temperature,   RULE_TEMPERATURE  },
     { KEY_VOLTAGE_RANGE,         &Mdl::voltageRange,  RULE_SUPPLY       },
     { KEY_PULLUP_REFERENCE,      &Mdl::pullupRef,     RULE_SUPPLY       },
@@ -33,7 +33,7 @@ const struct { int code; RngRange* Mdl::*slot; Rule rule; } s_ranges[] = {
 };
 
 // By MdlRef.
-const struct { RngRange* Mdl::*own; bool orVoltageRange; } s_references[] = {
+const struct { RngRange* Mdl::*own; bool orVoltageRange; } references[] = {
     { &Mdl::pullupRef,     true  },
     { &Mdl::pulldownRef,   false },
     { &Mdl::powerClampRef, true  },
@@ -41,22 +41,22 @@ const struct { RngRange* Mdl::*own; bool orVoltageRange; } s_references[] = {
 };
 // clang-format on
 
-void s_checkTemperature(const Mdl* model, const RngRange* range)
+void checkTemperature(const Mdl* model, const RngRange* range)
 {
     for (int corner = 0; corner < CORNER_COUNT; ++corner) {
         const RngSingle cell = MDL_Cell(range, corner);
         if (MDL_IsNumber(cell) &&
-            (cell.value < s_LowestTemperature || cell.value > s_HighestTemperature))
+            (cell.value < LowestTemperature || cell.value > HighestTemperature))
             ERRLOG_LineWarnNew(144, model->name, cell.value);
     }
 }
 
-void s_checkSupply(const Mdl* model, int code, const RngRange* range)
+void checkSupply(const Mdl* model, int code, const RngRange* range)
 {
     const char* name = SEC_KeywordName(code);
     for (int corner = 0; corner < CORNER_COUNT; ++corner) {
         const RngSingle cell = MDL_Cell(range, corner);
-        if (MDL_IsNumber(cell) && std::fabs(cell.value) > s_LargestVoltage)
+        if (MDL_IsNumber(cell) && std::fabs(cell.value) > LargestVoltage)
             ERRLOG_LineWarnNew(145, model->name, name, cell.value);
     }
     const RngSingle min = MDL_Cell(range, CORNER_MIN);
@@ -71,14 +71,14 @@ void s_checkSupply(const Mdl* model, int code, const RngRange* range)
         ERRLOG_LineWarnNew(156, model->name);
 }
 
-void s_check(const Mdl* model, int code, Rule rule, const RngRange* range)
+void check(const Mdl* model, int code, Rule rule, const RngRange* range)
 {
     switch (rule) {
         case RULE_TEMPERATURE:
-            s_checkTemperature(model, range);
+            checkTemperature(model, range);
             break;
         case RULE_SUPPLY:
-            s_checkSupply(model, code, range);
+            checkSupply(model, code, range);
             break;
         case RULE_TRANSIT_TIME:
             if (MDL_Least(range) < 0.0)
@@ -140,11 +140,11 @@ const char* MDL_VersionName(int versionClass)
 int MDL_RangeLine(Mdl* model, int code, const char* text)
 {
     CMN_ASSERT(model != nullptr && text != nullptr);
-    for (const auto& row : s_ranges) {
+    for (const auto& row : ranges) {
         if (row.code != code) continue;
         RngRange** slot = &(model->*(row.slot));
         const int done = KRNG_SetRange(slot, text, SEC_KeywordName(code));
-        s_check(model, code, row.rule, *slot);
+        check(model, code, row.rule, *slot);
         return done;
     }
     return 0;
@@ -152,7 +152,7 @@ int MDL_RangeLine(Mdl* model, int code, const char* text)
 
 int MDL_HasRangeLine(int code)
 {
-    for (const auto& row : s_ranges)
+    for (const auto& row : ranges)
         if (row.code == code) return 1;
     return 0;
 }
@@ -161,7 +161,7 @@ int MDL_RefVoltage(const Mdl* model, int which, int corner, double* out)
 {
     CMN_ASSERT(model != nullptr && out != nullptr);
     CMN_ASSERT(which >= MDL_REF_PULLUP && which <= MDL_REF_GND_CLAMP);
-    const auto& row = s_references[which];
+    const auto& row = references[which];
     RngSingle cell = MDL_CellOrTyp(model->*(row.own), corner);
     if (!MDL_IsNumber(cell) && !row.orVoltageRange) cell = {0.0, CELL_NUMBER};
     if (!MDL_IsNumber(cell)) cell = MDL_CellOrTyp(model->voltageRange, corner);

@@ -17,7 +17,7 @@ enum Sign { SIGN_ANY, SIGN_NOT_NEGATIVE, SIGN_POSITIVE };
 
 // In the order of MdlSpecItem.
 // clang-format off
-const struct { const char* name; int since; User user; Sign sign; } s_items[SPEC_COUNT] = {
+const struct { const char* name; int since; User user; Sign sign; } items[SPEC_COUNT] = {
     { "Vinh",               3, USER_RECEIVER, SIGN_ANY          },
     { "Vinl",               3, USER_RECEIVER, SIGN_ANY          },
     { "Vinh+",              3, USER_RECEIVER, SIGN_ANY          },
@@ -57,7 +57,7 @@ const struct { const char* name; int since; User user; Sign sign; } s_items[SPEC
 
 // An entry that needs one of two others. Hysteresis takes all four levels, dynamic overshoot the
 // static one.
-const struct { MdlSpecItem item, needs, orNeeds; const char* text; } s_needs[] = {
+const struct { MdlSpecItem item, needs, orNeeds; const char* text; } specNeeds[] = {
     { SPEC_VINH_PLUS,          SPEC_VINH_MINUS,         SPEC_VINH_MINUS,         "Vinh-"              },
     { SPEC_VINH_PLUS,          SPEC_VINL_PLUS,          SPEC_VINL_PLUS,          "Vinl+"              },
     { SPEC_VINH_MINUS,         SPEC_VINH_PLUS,          SPEC_VINH_PLUS,          "Vinh+"              },
@@ -82,7 +82,7 @@ const struct { MdlSpecItem item, needs, orNeeds; const char* text; } s_needs[] =
 };
 
 // Test load entries by edge.
-const struct { const char* name; MdlSpecItem both, rising, falling; } s_edges[] = {
+const struct { const char* name; MdlSpecItem both, rising, falling; } edges[] = {
     { "Cref",  SPEC_CREF,  SPEC_CREF_RISING,  SPEC_CREF_FALLING  },
     { "Rref",  SPEC_RREF,  SPEC_RREF_RISING,  SPEC_RREF_FALLING  },
     { "Vref",  SPEC_VREF,  SPEC_VREF_RISING,  SPEC_VREF_FALLING  },
@@ -90,7 +90,7 @@ const struct { const char* name; MdlSpecItem both, rising, falling; } s_edges[] 
 };
 
 // Entries that replace a [Model] value.
-const struct { MdlSpecItem item; RngSingle Mdl::* single; } s_replaced[] = {
+const struct { MdlSpecItem item; RngSingle Mdl::* single; } replaced[] = {
     { SPEC_VINH,      &Mdl::Vinh      },
     { SPEC_VINL,      &Mdl::Vinl      },
     { SPEC_VMEAS,     &Mdl::Vmeas     },
@@ -102,22 +102,22 @@ const struct { MdlSpecItem item; RngSingle Mdl::* single; } s_replaced[] = {
 };
 // clang-format on
 
-const RngSingle s_none = {0.0, CELL_ABSENT};
+const RngSingle none = {0.0, CELL_ABSENT};
 
-RngSingle s_cell(const Mdl* model, MdlSpecItem item, int corner)
+RngSingle cell(const Mdl* model, MdlSpecItem item, int corner)
 {
     return MDL_Cell(MDLSPEC_Get(model, item), corner);
 }
 
-bool s_given(const Mdl* model, MdlSpecItem item)
+bool isGiven(const Mdl* model, MdlSpecItem item)
 {
     return MDLSPEC_Get(model, item) != nullptr;
 }
 
-int s_receive(Mdl* model, const CmnArgs* args, const char* line)
+int receive(Mdl* model, const CmnArgs* args, const char* line)
 {
     const char* name = args->nStored > 0 ? args->argv[0] : "";
-    const auto* row = SEC_FindRow(s_items, name);
+    const auto* row = SEC_FindRow(items, name);
     if (row == nullptr) {
         ERRLOG_LineErrorNew(3102, name);
         return 0;
@@ -128,40 +128,40 @@ int s_receive(Mdl* model, const CmnArgs* args, const char* line)
     if (info != nullptr && ((row->user == USER_RECEIVER && info->drives && !info->receives) ||
                             (row->user == USER_DRIVER && info->receives && !info->drives)))
         ERRLOG_LineWarnNew(3104, model->name, info->name, row->name);
-    return KRNG_SetRange(&model->spec->item[row - s_items], KRNG_Values(line), row->name);
+    return KRNG_SetRange(&model->spec->item[row - items], KRNG_Values(line), row->name);
 }
 
-void s_checkNeeds(const Mdl* model)
+void checkNeeds(const Mdl* model)
 {
-    for (const auto& row : s_needs)
-        if (s_given(model, row.item) && !s_given(model, row.needs) && !s_given(model, row.orNeeds))
-            ERRLOG_LineErrorNew(3106, model->name, s_items[row.item].name, row.text);
+    for (const auto& row : specNeeds)
+        if (isGiven(model, row.item) && !isGiven(model, row.needs) && !isGiven(model, row.orNeeds))
+            ERRLOG_LineErrorNew(3106, model->name, items[row.item].name, row.text);
 }
 
 // An entry against one that must be lower; ownHigh and ownLow stand in for one that is not given.
-void s_checkAbove(const Mdl* model, MdlSpecItem high, MdlSpecItem low,
-                  const RngSingle& ownHigh = s_none, const RngSingle& ownLow = s_none)
+void checkAbove(const Mdl* model, MdlSpecItem high, MdlSpecItem low,
+                const RngSingle& ownHigh = none, const RngSingle& ownLow = none)
 {
-    const bool hasHigh = s_given(model, high);
-    const bool hasLow = s_given(model, low);
+    const bool hasHigh = isGiven(model, high);
+    const bool hasLow = isGiven(model, low);
     if (!hasHigh && !hasLow) return;
     for (int corner = 0; corner < CORNER_COUNT; ++corner) {
-        const RngSingle a = hasHigh ? s_cell(model, high, corner) : ownHigh;
-        const RngSingle b = hasLow ? s_cell(model, low, corner) : ownLow;
+        const RngSingle a = hasHigh ? cell(model, high, corner) : ownHigh;
+        const RngSingle b = hasLow ? cell(model, low, corner) : ownLow;
         if (MDL_IsNumber(a) && MDL_IsNumber(b) && a.value <= b.value)
-            ERRLOG_LineErrorNew(3107, model->name, s_items[high].name, MDL_CornerName(corner),
-                                a.value, s_items[low].name, b.value);
+            ERRLOG_LineErrorNew(3107, model->name, items[high].name, MDL_CornerName(corner),
+                                a.value, items[low].name, b.value);
     }
 }
 
-void s_checkSigns(const Mdl* model)
+void checkSigns(const Mdl* model)
 {
     for (int i = 0; i < SPEC_COUNT; ++i) {
         const double least = MDL_Least(model->spec->item[i]);
-        if (s_items[i].sign == SIGN_NOT_NEGATIVE && least < 0.0)
-            ERRLOG_LineErrorNew(3109, model->name, s_items[i].name);
-        if (s_items[i].sign == SIGN_POSITIVE && least <= 0.0)
-            ERRLOG_LineErrorNew(3110, model->name, s_items[i].name);
+        if (items[i].sign == SIGN_NOT_NEGATIVE && least < 0.0)
+            ERRLOG_LineErrorNew(3109, model->name, items[i].name);
+        if (items[i].sign == SIGN_POSITIVE && least <= 0.0)
+            ERRLOG_LineErrorNew(3110, model->name, items[i].name);
     }
 }
 
@@ -175,32 +175,32 @@ struct Limit {
     RngSingle (*other)(const Mdl* model, int corner);
 };
 
-RngSingle s_staticHigh(const Mdl* model, int corner)
+RngSingle staticHigh(const Mdl* model, int corner)
 {
-    return s_cell(model, SPEC_S_OVERSHOOT_HIGH, corner);
+    return cell(model, SPEC_S_OVERSHOOT_HIGH, corner);
 }
 
-RngSingle s_staticLow(const Mdl* model, int corner)
+RngSingle staticLow(const Mdl* model, int corner)
 {
-    return s_cell(model, SPEC_S_OVERSHOOT_LOW, corner);
+    return cell(model, SPEC_S_OVERSHOOT_LOW, corner);
 }
 
 // clang-format off
-const Limit s_limits[] = {
+const Limit specLimits[] = {
     { 3111, SPEC_S_OVERSHOOT_HIGH,  1, true,  MDLSPEC_InputHigh },
     { 3112, SPEC_S_OVERSHOOT_LOW,  -1, true,  MDLSPEC_InputLow  },
-    { 3113, SPEC_D_OVERSHOOT_HIGH,  1, false, s_staticHigh      },
-    { 3114, SPEC_D_OVERSHOOT_LOW,  -1, false, s_staticLow       },
+    { 3113, SPEC_D_OVERSHOOT_HIGH,  1, false, staticHigh      },
+    { 3114, SPEC_D_OVERSHOOT_LOW,  -1, false, staticLow       },
     { 3115, SPEC_PULSE_HIGH,        1, true,  MDLSPEC_InputHigh },
     { 3116, SPEC_PULSE_LOW,        -1, true,  MDLSPEC_InputLow  },
 };
 // clang-format on
 
-void s_checkLimits(const Mdl* model)
+void checkLimits(const Mdl* model)
 {
-    for (const Limit& row : s_limits)
+    for (const Limit& row : specLimits)
         for (int corner = 0; corner < CORNER_COUNT; ++corner) {
-            const RngSingle limit = s_cell(model, row.item, corner);
+            const RngSingle limit = cell(model, row.item, corner);
             const RngSingle other = row.other(model, corner);
             if (!MDL_IsNumber(limit) || !MDL_IsNumber(other)) continue;
             const double margin = row.sign * (limit.value - other.value);
@@ -211,21 +211,21 @@ void s_checkLimits(const Mdl* model)
         }
 }
 
-void s_checkEdges(const Mdl* model)
+void checkEdges(const Mdl* model)
 {
-    for (const auto& row : s_edges) {
-        const bool rising = s_given(model, row.rising);
-        const bool falling = s_given(model, row.falling);
+    for (const auto& row : edges) {
+        const bool rising = isGiven(model, row.rising);
+        const bool falling = isGiven(model, row.falling);
         if (rising != falling)
-            ERRLOG_LineErrorNew(3117, model->name, s_items[rising ? row.rising : row.falling].name,
-                                s_items[rising ? row.falling : row.rising].name);
-        if (s_given(model, row.both) && (rising || falling))
+            ERRLOG_LineErrorNew(3117, model->name, items[rising ? row.rising : row.falling].name,
+                                items[rising ? row.falling : row.rising].name);
+        if (isGiven(model, row.both) && (rising || falling))
             ERRLOG_LineWarnNew(3118, model->name, row.name, row.name);
     }
 }
 
 // The typical measuring voltages of a buffer that drives and receives lie between its thresholds.
-int s_checkVmeas(const Mdl* model)
+int checkVmeas(const Mdl* model)
 {
     const RngSingle low = MDLSPEC_InputLow(model, CORNER_TYP);
     const RngSingle high = MDLSPEC_InputHigh(model, CORNER_TYP);
@@ -233,48 +233,47 @@ int s_checkVmeas(const Mdl* model)
     if (info == nullptr || info->group != MDL_GROUP_IO || !MDL_IsNumber(low) || !MDL_IsNumber(high))
         return 0;
     for (const MdlSpecItem item : {SPEC_VMEAS, SPEC_VMEAS_RISING, SPEC_VMEAS_FALLING}) {
-        const RngSingle vmeas = s_cell(model, item, CORNER_TYP);
+        const RngSingle vmeas = cell(model, item, CORNER_TYP);
         if (!MDL_IsNumber(vmeas) || (vmeas.value >= low.value && vmeas.value <= high.value))
             continue;
-        ERRLOG_LineNoteNew(3119, model->name, s_items[item].name, vmeas.value, low.value,
-                           high.value);
+        ERRLOG_LineNoteNew(3119, model->name, items[item].name, vmeas.value, low.value, high.value);
         return 1;
     }
     return 0;
 }
 
-void s_checkReplaced(const Mdl* model)
+void checkReplaced(const Mdl* model)
 {
-    for (const auto& row : s_replaced) {
-        const RngSingle spec = s_cell(model, row.item, CORNER_TYP);
+    for (const auto& row : replaced) {
+        const RngSingle spec = cell(model, row.item, CORNER_TYP);
         const RngSingle& own = model->*(row.single);
         if (!MDL_IsNumber(spec) || !MDL_IsNumber(own)) continue;
         const double larger = std::fmax(std::fabs(spec.value), std::fabs(own.value));
         if (std::fabs(spec.value - own.value) > 1e-9 * larger)
-            ERRLOG_LineNoteNew(3120, model->name, s_items[row.item].name);
+            ERRLOG_LineNoteNew(3120, model->name, items[row.item].name);
     }
 }
 
-void s_checkSupply(const Mdl* model)
+void checkSupply(const Mdl* model)
 {
     const MdlTypeInfo* info = MDL_TypeInfo(model->type);
     double supply = 0.0;
     if (info == nullptr || info->ecl || !MDL_RefVoltage(model, MDL_REF_PULLUP, CORNER_TYP, &supply))
         return;
     for (const MdlSpecItem item : {SPEC_VINH, SPEC_VINH_PLUS}) {
-        const RngSingle level = s_cell(model, item, CORNER_TYP);
+        const RngSingle level = cell(model, item, CORNER_TYP);
         if (MDL_IsNumber(level) && level.value > supply + 0.2 * std::fabs(supply))
-            ERRLOG_LineWarnNew(3121, model->name, s_items[item].name, supply);
+            ERRLOG_LineWarnNew(3121, model->name, items[item].name, supply);
     }
 }
 
 // The first given of two entries, then of the [Model] value.
-RngSingle s_level(const Mdl* model, int corner, MdlSpecItem first, MdlSpecItem second,
-                  const RngSingle& own)
+RngSingle specLevel(const Mdl* model, int corner, MdlSpecItem first, MdlSpecItem second,
+                    const RngSingle& own)
 {
     for (const MdlSpecItem item : {first, second})
         if (const RngRange* range = MDLSPEC_Get(model, item))
-            return range->typState == CELL_NUMBER ? MDL_Cell(range, corner) : s_none;
+            return range->typState == CELL_NUMBER ? MDL_Cell(range, corner) : none;
     return own;
 }
 
@@ -288,12 +287,12 @@ const RngRange* MDLSPEC_Get(const Mdl* model, int item)
 
 RngSingle MDLSPEC_InputHigh(const Mdl* model, int corner)
 {
-    return s_level(model, corner, SPEC_VINH_PLUS, SPEC_VINH, model->Vinh);
+    return specLevel(model, corner, SPEC_VINH_PLUS, SPEC_VINH, model->Vinh);
 }
 
 RngSingle MDLSPEC_InputLow(const Mdl* model, int corner)
 {
-    return s_level(model, corner, SPEC_VINL_MINUS, SPEC_VINL, model->Vinl);
+    return specLevel(model, corner, SPEC_VINL_MINUS, SPEC_VINL, model->Vinl);
 }
 
 int MDLSPEC_KeywordLine(Mdl* model)
@@ -312,7 +311,7 @@ int MDLSPEC_ReceiveLine(Mdl* model, const char* line)
         ERRLOG_LineBugNew(3100, "Model Spec", s_Module, __LINE__);
         return 0;
     }
-    const int done = s_receive(model, &args, line);
+    const int done = receive(model, &args, line);
     CMN_ArgFree(&args);
     return done;
 }
@@ -332,20 +331,20 @@ int MDLSPEC_EndOfModel(const Mdl* model, int* vmeasNoted)
     CMN_ASSERT(model != nullptr && vmeasNoted != nullptr);
     *vmeasNoted = 0;
     if (model->spec == nullptr) return 0;
-    s_checkNeeds(model);
-    s_checkAbove(model, SPEC_VINH_PLUS, SPEC_VINH_MINUS);
-    s_checkAbove(model, SPEC_VINL_PLUS, SPEC_VINL_MINUS);
-    s_checkAbove(model, SPEC_VINH, SPEC_VINL, model->Vinh, model->Vinl);
-    if (s_given(model, SPEC_VINH) && s_given(model, SPEC_VINH_PLUS))
+    checkNeeds(model);
+    checkAbove(model, SPEC_VINH_PLUS, SPEC_VINH_MINUS);
+    checkAbove(model, SPEC_VINL_PLUS, SPEC_VINL_MINUS);
+    checkAbove(model, SPEC_VINH, SPEC_VINL, model->Vinh, model->Vinl);
+    if (isGiven(model, SPEC_VINH) && isGiven(model, SPEC_VINH_PLUS))
         ERRLOG_LineNoteNew(3108, model->name, "Vinh", "Vinh+");
-    if (s_given(model, SPEC_VINL) && s_given(model, SPEC_VINL_PLUS))
+    if (isGiven(model, SPEC_VINL) && isGiven(model, SPEC_VINL_PLUS))
         ERRLOG_LineNoteNew(3108, model->name, "Vinl", "Vinl+");
-    s_checkSigns(model);
-    s_checkLimits(model);
-    s_checkEdges(model);
-    *vmeasNoted = s_checkVmeas(model);
-    s_checkReplaced(model);
-    s_checkSupply(model);
+    checkSigns(model);
+    checkLimits(model);
+    checkEdges(model);
+    *vmeasNoted = checkVmeas(model);
+    checkReplaced(model);
+    checkSupply(model);
     return 1;
 }
 

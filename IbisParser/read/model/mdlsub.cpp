@@ -10,29 +10,29 @@ static const char s_Module[] = "IbisParser/mdlsub";
 
 namespace {
 
-constexpr double s_LargestCapacitance = 20e-12;  // of a pad and die, farad
+constexpr double LargestCapacitance = 20e-12;  // of a pad and die, farad
 
 struct Word {
     const char* name;
     int value;
 };
-const Word s_polarities[] = {{"Non-Inverting", MDL_NON_INVERTING}, {"Inverting", MDL_INVERTING}};
-const Word s_enables[] = {{"Active-High", MDL_ACTIVE_HIGH}, {"Active-Low", MDL_ACTIVE_LOW}};
+const Word polarities[] = {{"Non-Inverting", MDL_NON_INVERTING}, {"Inverting", MDL_INVERTING}};
+const Word enables[] = {{"Active-High", MDL_ACTIVE_HIGH}, {"Active-Low", MDL_ACTIVE_LOW}};
 
 // What differs from the row it was found by in case only.
-void s_noteSpelling(const char* found, const char* right)
+void noteSpelling(const char* found, const char* right)
 {
     if (std::strcmp(found, right) != 0) ERRLOG_LineWarnNew(107, found, right);
 }
 
-void s_setType(Mdl* model, const char* word)
+void setType(Mdl* model, const char* word)
 {
     const MdlTypeInfo* info = MDL_TypeByName(word);
     if (info == nullptr) {
         ERRLOG_LineErrorNew(109, word, model->name);
         return;
     }
-    s_noteSpelling(word, info->name);
+    noteSpelling(word, info->name);
     // The differential types came in the middle of class 4.
     if (info->since > SEC_Version())
         ERRLOG_LineErrorNew(110, info->name,
@@ -41,25 +41,25 @@ void s_setType(Mdl* model, const char* word)
 }
 
 template <std::size_t n>
-void s_setWord(const Word (&words)[n], unsigned number, const char* text, int* out)
+void setWord(const Word (&words)[n], unsigned number, const char* text, int* out)
 {
     const Word* word = SEC_FindRow(words, text);
     if (word == nullptr) {
         ERRLOG_LineErrorNew(number, text);
         return;
     }
-    s_noteSpelling(text, word->name);
+    noteSpelling(text, word->name);
     *out = word->value;
 }
 
-void s_setPolarity(Mdl* model, const char* word)
+void setPolarity(Mdl* model, const char* word)
 {
-    s_setWord(s_polarities, 111, word, &model->polarity);
+    setWord(polarities, 111, word, &model->polarity);
 }
 
-void s_setEnable(Mdl* model, const char* word)
+void setEnable(Mdl* model, const char* word)
 {
-    s_setWord(s_enables, 112, word, &model->enable);
+    setWord(enables, 112, word, &model->enable);
 }
 
 // One of word, single and range is set.
@@ -72,10 +72,10 @@ struct SubParameter {
 };
 
 // clang-format off
-const SubParameter s_subParameters[] = {
-    { "Model_type",         2, s_setType,     nullptr,         nullptr                   },
-    { "Polarity",           2, s_setPolarity, nullptr,         nullptr                   },
-    { "Enable",             2, s_setEnable,   nullptr,         nullptr                   },
+const SubParameter subParameters[] = {
+    { "Model_type",         2, setType,     nullptr,         nullptr                   },
+    { "Polarity",           2, setPolarity, nullptr,         nullptr                   },
+    { "Enable",             2, setEnable,   nullptr,         nullptr                   },
     { "Vinl",               2, nullptr,       &Mdl::Vinl,      nullptr                   },
     { "Vinh",               2, nullptr,       &Mdl::Vinh,      nullptr                   },
     { "C_comp",             2, nullptr,       nullptr,         &Mdl::C_comp              },
@@ -93,9 +93,9 @@ const SubParameter s_subParameters[] = {
 // clang-format on
 
 // A bit for each row that occurred in the model that is being read.
-unsigned s_given = 0;
+unsigned given = 0;
 
-void s_setCapacitance(const Mdl* model, RngRange** slot, const char* name, const char* text)
+void setCapacitance(const Mdl* model, RngRange** slot, const char* name, const char* text)
 {
     const bool isFirst = *slot == nullptr;
     KRNG_SetRange(slot, text, name);
@@ -108,13 +108,13 @@ void s_setCapacitance(const Mdl* model, RngRange** slot, const char* name, const
     const RngSingle typ = MDL_Cell(*slot, CORNER_TYP);
     const RngSingle min = MDL_Cell(*slot, CORNER_MIN);
     const RngSingle max = MDL_Cell(*slot, CORNER_MAX);
-    if (MDL_IsNumber(typ) && typ.value > s_LargestCapacitance)
+    if (MDL_IsNumber(typ) && typ.value > LargestCapacitance)
         ERRLOG_LineWarnNew(127, name, model->name, typ.value);
     if (MDL_IsNumber(min) && MDL_IsNumber(max) && min.value > max.value)
         ERRLOG_LineNoteNew(128, name, model->name, min.value, max.value);
 }
 
-void s_setWordOnce(Mdl* model, const SubParameter& row, bool isFirst, const CmnArgs* args)
+void setWordOnce(Mdl* model, const SubParameter& row, bool isFirst, const CmnArgs* args)
 {
     if (!isFirst)
         ERRLOG_LineErrorNew(108, row.name, model->name);
@@ -122,32 +122,32 @@ void s_setWordOnce(Mdl* model, const SubParameter& row, bool isFirst, const CmnA
         row.word(model, args->argv[1]);
 }
 
-int s_receive(Mdl* model, const CmnArgs* args, const char* line)
+int receive(Mdl* model, const CmnArgs* args, const char* line)
 {
     const char* name = args->nStored > 0 ? args->argv[0] : "";
-    const SubParameter* row = SEC_FindRow(s_subParameters, name);
+    const SubParameter* row = SEC_FindRow(subParameters, name);
     if (row == nullptr) {
         ERRLOG_LineErrorNew(106, name);
         return 0;
     }
-    s_noteSpelling(name, row->name);
+    noteSpelling(name, row->name);
     if (row->since > SEC_Version())
         ERRLOG_LineErrorNew(114, row->name, MDL_VersionName(row->since));
-    const int isFirst = SEC_MarkFound(&s_given, static_cast<int>(row - s_subParameters));
+    const int isFirst = SEC_MarkFound(&given, static_cast<int>(row - subParameters));
     if (row->range != nullptr) {
-        s_setCapacitance(model, &(model->*(row->range)), row->name, KRNG_Values(line));
+        setCapacitance(model, &(model->*(row->range)), row->name, KRNG_Values(line));
         return 1;
     }
     if (args->argc != 2) ERRLOG_LineErrorNew(113, row->name, 1, args->argc - 1);
     if (row->word != nullptr)
-        s_setWordOnce(model, *row, isFirst != 0, args);
+        setWordOnce(model, *row, isFirst != 0, args);
     else if (args->nStored > 1)
         MDL_SetSingle(&(model->*(row->single)), args, row->name);
     return 1;
 }
 
 // Items of a value line are set off by these.
-bool s_endsItem(char c)
+bool endsItem(char c)
 {
     return c == '\0' || c == '=' || c == '/' || CMN_IsWhitespace(static_cast<unsigned char>(c));
 }
@@ -162,12 +162,12 @@ int MDL_HasPartCapacitance(const Mdl* model)
 
 void MDL_SubParametersBegin()
 {
-    s_given = 0;
+    given = 0;
 }
 
 int MDL_TypeWasGiven()
 {
-    return (s_given & 1u) != 0;
+    return (given & 1u) != 0;
 }
 
 int MDL_SubParameter(Mdl* model, const char* line)
@@ -175,7 +175,7 @@ int MDL_SubParameter(Mdl* model, const char* line)
     CMN_ASSERT(model != nullptr && line != nullptr);
     CmnArgs args = {};
     if (!KRNG_Split(line, CORNER_COUNT + 1, &args)) return 0;
-    const int done = s_receive(model, &args, line);
+    const int done = receive(model, &args, line);
     CMN_ArgFree(&args);
     return done;
 }
@@ -212,12 +212,12 @@ void MDL_CheckScale(const char* line, int skip)
 {
     if (std::strchr(line, 'K') == nullptr) return;
     for (const char* item = line; *item != '\0';) {
-        if (s_endsItem(*item)) {
+        if (endsItem(*item)) {
             ++item;
             continue;
         }
         const char* end = item;
-        while (!s_endsItem(*end))
+        while (!endsItem(*end))
             ++end;
         const bool isNumber = std::isdigit(static_cast<unsigned char>(*item)) || *item == '.' ||
                               *item == '-' || *item == '+';

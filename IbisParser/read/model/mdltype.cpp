@@ -17,7 +17,7 @@ constexpr int IO = MDL_GROUP_IO;
 // Open_drain is the older word for Open_sink. An open type's other side is driven by nothing in
 // the buffer, so its table, where given at all, holds zeros.
 // clang-format off
-const MdlTypeInfo s_types[] = {
+const MdlTypeInfo typeRows[] = {
     // name              type                since receives drives floats  pullup pulldown ramp  group                    ecl    diff   defaults Vinl    Vinh
     { "Input",           MDL_INPUT,          2,   true,  false, false,    FORB,  FORB,    FORB, RX,                      false, false, true,    0.8,    2.0    },
     { "Output",          MDL_OUTPUT,         2,   false, true,  false,    REQ,   REQ,     REQ,  TX,                      false, false, false,   0.0,    0.0    },
@@ -43,17 +43,17 @@ const MdlTypeInfo s_types[] = {
 };
 // clang-format on
 
-static_assert(sizeof s_types / sizeof s_types[0] == MDL_TYPE_COUNT - 1, "one row for each type");
+static_assert(sizeof typeRows / sizeof typeRows[0] == MDL_TYPE_COUNT - 1, "one row for each type");
 
 }  // namespace
 
 const MdlTypeInfo* MDL_TypeInfo(int type)
 {
-    return type > MDL_TYPE_UNSET && type < MDL_TYPE_COUNT ? &s_types[type - 1] : nullptr;
+    return type > MDL_TYPE_UNSET && type < MDL_TYPE_COUNT ? &typeRows[type - 1] : nullptr;
 }
 
 const MdlTypeInfo* MDL_TypeByName(const char* name)
 {
     CMN_ASSERT(name != nullptr);
-    return SEC_FindRow(s_types, name);
+    return SEC_FindRow(typeRows, name);
 }

@@ -10,7 +10,7 @@
 
 static const char s_Module[] = "IbisParser/ramp";
 
-static constexpr double s_DefaultLoad = 50.0;
+static constexpr double s_defaultLoad = 50.0;
 
 static const struct {
     const char* name;
@@ -78,7 +78,7 @@ static void s_load(const CmnArgs* args, const char* name, RngSingle* load)
     if (!KRNG_SetSingle(load, args, name)) return;
     if (load->value <= 0.0) {
         ERRLOG_LineErrorNew(1605);
-        *load = {s_DefaultLoad, CELL_NA};
+        *load = {s_defaultLoad, CELL_NA};
     }
 }
 
@@ -88,7 +88,7 @@ int RAMP_KeywordLine(Ramp** slot)
     void* block = nullptr;
     if (!CMN_malloc(&block, sizeof(Ramp))) return 0;
     *slot = static_cast<Ramp*>(block);
-    (*slot)->R_load.value = s_DefaultLoad;
+    (*slot)->R_load.value = s_defaultLoad;
     return 1;
 }
 

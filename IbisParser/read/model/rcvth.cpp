@@ -17,7 +17,7 @@ enum Sign { SIGN_ANY, SIGN_POSITIVE, SIGN_NEGATIVE };
 
 // In the order of RcvThItem. The spread of Vth and its sensitivity do not begin a set.
 // clang-format off
-const struct { const char* name; Set set; Part part; Sign sign; } s_items[TH_COUNT] = {
+const struct { const char* name; Set set; Part part; Sign sign; } items[TH_COUNT] = {
     { "Vth",                   SET_SINGLE_ENDED, PART_REQUIRED, SIGN_ANY      },
     { "Vth_min",               SET_NONE,         PART_OPTIONAL, SIGN_ANY      },
     { "Vth_max",               SET_NONE,         PART_OPTIONAL, SIGN_ANY      },
@@ -34,7 +34,7 @@ const struct { const char* name; Set set; Part part; Sign sign; } s_items[TH_COU
     { "Tdiffslew_ac",          SET_DIFFERENTIAL, PART_OPTIONAL, SIGN_POSITIVE },
 };
 
-const struct { RcvThItem ac, dc; } s_nested[] = {
+const struct { RcvThItem ac, dc; } nested[] = {
     { TH_VINH_AC,  TH_VINH_DC  },
     { TH_VINL_AC,  TH_VINL_DC  },
     { TH_VDIFF_AC, TH_VDIFF_DC },
@@ -42,7 +42,7 @@ const struct { RcvThItem ac, dc; } s_nested[] = {
 
 // What a reference supply needs in the model: its own keyword, or [Voltage Range] where that sets
 // all supplies.
-const struct { const char* name; int supply; RngRange* Mdl::* own; bool orVoltageRange; } s_supplies[] = {
+const struct { const char* name; int supply; RngRange* Mdl::* own; bool orVoltageRange; } supplyRows[] = {
     { "Power_clamp_ref", TH_SUPPLY_POWER_CLAMP, &Mdl::powerClampRef, true  },
     { "Gnd_clamp_ref",   TH_SUPPLY_GND_CLAMP,   &Mdl::gndClampRef,   true  },
     { "Pullup_ref",      TH_SUPPLY_PULLUP,      &Mdl::pullupRef,     true  },
@@ -51,59 +51,57 @@ const struct { const char* name; int supply; RngRange* Mdl::* own; bool orVoltag
 };
 // clang-format on
 
-const char s_Supply[] = "Reference_supply";
+const char Supply[] = "Reference_supply";
 
-void s_setSupply(RcvTh* thresholds, const char* word)
+void setSupply(RcvTh* thresholds, const char* word)
 {
     if (thresholds->referenceSupply != TH_SUPPLY_UNSET) {
-        ERRLOG_LineErrorNew(1911, s_Supply);
+        ERRLOG_LineErrorNew(1911, Supply);
         return;
     }
-    const auto* row = SEC_FindRow(s_supplies, word);
+    const auto* row = SEC_FindRow(supplyRows, word);
     if (row == nullptr)
         ERRLOG_LineErrorNew(2004, word);
     else
         thresholds->referenceSupply = row->supply;
 }
 
-int s_receive(RcvTh* thresholds, const CmnArgs* args)
+int receive(RcvTh* thresholds, const CmnArgs* args)
 {
     const char* name = args->nStored > 0 ? args->argv[0] : "";
-    const auto* item = SEC_FindRow(s_items, name);
-    const bool isSupply = item == nullptr && CMN_StrSameIC(name, s_Supply);
+    const auto* item = SEC_FindRow(items, name);
+    const bool isSupply = item == nullptr && CMN_StrSameIC(name, Supply);
     if (item == nullptr && !isSupply) {
         ERRLOG_LineErrorNew(2002, name);
         return 0;
     }
-    if (args->argc != 2) ERRLOG_LineErrorNew(2003, item ? item->name : s_Supply, args->argc - 1);
+    if (args->argc != 2) ERRLOG_LineErrorNew(2003, item ? item->name : Supply, args->argc - 1);
     if (args->nStored < 2) return 0;
     if (isSupply)
-        s_setSupply(thresholds, args->argv[1]);
+        setSupply(thresholds, args->argv[1]);
     else
-        MDL_SetSingle(&thresholds->item[item - s_items], args, item->name);
+        MDL_SetSingle(&thresholds->item[item - items], args, item->name);
     return 1;
 }
 
 // Missing members of the sets that are begun. Stores which ones are.
-void s_checkSets(const Mdl* model, bool begun[SET_NONE])
+void checkSets(const Mdl* model, bool begun[SET_NONE])
 {
     const RngSingle* item = model->thresholds->item;
     for (int i = 0; i < TH_COUNT; ++i)
-        if (s_items[i].set != SET_NONE && item[i].state != CELL_ABSENT)
-            begun[s_items[i].set] = true;
+        if (items[i].set != SET_NONE && item[i].state != CELL_ABSENT) begun[items[i].set] = true;
     for (int i = 0; i < TH_COUNT; ++i) {
-        const Set set = s_items[i].set;
-        if (s_items[i].part != PART_REQUIRED || !begun[set] || item[i].state != CELL_ABSENT)
-            continue;
+        const Set set = items[i].set;
+        if (items[i].part != PART_REQUIRED || !begun[set] || item[i].state != CELL_ABSENT) continue;
         if (set == SET_SINGLE_ENDED)
-            ERRLOG_ErrorNew(2007, model->name, s_items[i].name);
+            ERRLOG_ErrorNew(2007, model->name, items[i].name);
         else
-            ERRLOG_ErrorNew(2008, model->name, s_items[i].name);
+            ERRLOG_ErrorNew(2008, model->name, items[i].name);
     }
     if (!begun[SET_SINGLE_ENDED] && !begun[SET_DIFFERENTIAL]) ERRLOG_ErrorNew(2009, model->name);
 }
 
-void s_checkSpread(const Mdl* model)
+void checkSpread(const Mdl* model)
 {
     const RngSingle& vth = model->thresholds->item[TH_VTH];
     const RngSingle& low = model->thresholds->item[TH_VTH_MIN];
@@ -115,33 +113,33 @@ void s_checkSpread(const Mdl* model)
         ERRLOG_ErrorNew(2011, model->name);
 }
 
-void s_checkLevels(const Mdl* model)
+void checkLevels(const Mdl* model)
 {
     const RngSingle* item = model->thresholds->item;
     for (int i = 0; i < TH_COUNT; ++i) {
         if (!MDL_IsNumber(item[i])) continue;
-        if (s_items[i].sign == SIGN_POSITIVE && item[i].value <= 0.0)
-            ERRLOG_ErrorNew(2012, model->name, s_items[i].name);
-        if (s_items[i].sign == SIGN_NEGATIVE && item[i].value >= 0.0)
-            ERRLOG_ErrorNew(2013, model->name, s_items[i].name);
+        if (items[i].sign == SIGN_POSITIVE && item[i].value <= 0.0)
+            ERRLOG_ErrorNew(2012, model->name, items[i].name);
+        if (items[i].sign == SIGN_NEGATIVE && item[i].value >= 0.0)
+            ERRLOG_ErrorNew(2013, model->name, items[i].name);
     }
-    for (const auto& pair : s_nested)
+    for (const auto& pair : nested)
         if (MDL_IsNumber(item[pair.ac]) && MDL_IsNumber(item[pair.dc]) &&
             std::fabs(item[pair.ac].value) < std::fabs(item[pair.dc].value))
-            ERRLOG_ErrorNew(2014, model->name, s_items[pair.ac].name, s_items[pair.dc].name);
+            ERRLOG_ErrorNew(2014, model->name, items[pair.ac].name, items[pair.dc].name);
     const RngSingle& low = item[TH_VCROSS_LOW];
     const RngSingle& high = item[TH_VCROSS_HIGH];
     if (MDL_IsNumber(low) && MDL_IsNumber(high) && low.value >= high.value)
         ERRLOG_ErrorNew(2015, model->name, low.value, high.value);
 }
 
-void s_checkSensitivity(const Mdl* model)
+void checkSensitivity(const Mdl* model)
 {
     const RngSingle& slope = model->thresholds->item[TH_THRESHOLD_SENSITIVITY];
     const int supply = model->thresholds->referenceSupply;
     if ((slope.state == CELL_ABSENT) != (supply == TH_SUPPLY_UNSET))
         ERRLOG_WarnNew(2016, model->name);
-    for (const auto& row : s_supplies)
+    for (const auto& row : supplyRows)
         if (row.supply == supply && model->*(row.own) == nullptr &&
             !(row.orVoltageRange && model->voltageRange != nullptr))
             ERRLOG_ErrorNew(2017, model->name, row.name);
@@ -150,7 +148,7 @@ void s_checkSensitivity(const Mdl* model)
 }
 
 // Vth between the lowest and the highest rail, at typ.
-void s_checkSupplies(const Mdl* model)
+void checkSupplies(const Mdl* model)
 {
     double pullup = 0.0, pulldown = 0.0, power = 0.0, ground = 0.0;
     const int hasPullup = MDL_RefVoltage(model, MDL_REF_PULLUP, CORNER_TYP, &pullup);
@@ -169,7 +167,7 @@ void s_checkSupplies(const Mdl* model)
 }
 
 // Vinl and Vinh far from what the thresholds say.
-void s_checkReplaced(const Mdl* model)
+void checkReplaced(const Mdl* model)
 {
     const RngSingle* item = model->thresholds->item;
     const RngSingle& vth = item[TH_VTH];
@@ -186,7 +184,7 @@ void s_checkReplaced(const Mdl* model)
         }
 }
 
-int s_given(const RcvTh* thresholds)
+int isGiven(const RcvTh* thresholds)
 {
     int given = thresholds->referenceSupply != TH_SUPPLY_UNSET;
     for (const RngSingle& item : thresholds->item)
@@ -194,22 +192,22 @@ int s_given(const RcvTh* thresholds)
     return given;
 }
 
-void s_check(const Mdl* model, const MdlPairs& pairs)
+void checkModel(const Mdl* model, const MdlPairs& pairs)
 {
-    if (s_given(model->thresholds) == 0) return;  // reported with the keyword
+    if (isGiven(model->thresholds) == 0) return;  // reported with the keyword
     const MdlTypeInfo* info = MDL_TypeInfo(model->type);
     if (info != nullptr && !info->receives && !MDL_Refused(model, KEY_RECEIVER_THRESHOLDS))
         ERRLOG_ErrorNew(2006, model->name, info->name);
     bool begun[SET_NONE] = {false, false};
-    s_checkSets(model, begun);
-    s_checkSpread(model);
-    s_checkLevels(model);
-    s_checkSensitivity(model);
-    s_checkSupplies(model);
+    checkSets(model, begun);
+    checkSpread(model);
+    checkLevels(model);
+    checkSensitivity(model);
+    checkSupplies(model);
     if (begun[SET_DIFFERENTIAL] && info != nullptr && !info->differential &&
         !pairs.Has(model->name))
         ERRLOG_WarnNew(2020, model->name, info->name);
-    s_checkReplaced(model);
+    checkReplaced(model);
 }
 
 }  // namespace
@@ -230,7 +228,7 @@ int RCVTH_ReceiveLine(Mdl* model, const char* line)
         ERRLOG_LineBugNew(2000, "Receiver Thresholds", s_Module, __LINE__);
         return 0;
     }
-    const int done = s_receive(model->thresholds, &args);
+    const int done = receive(model->thresholds, &args);
     CMN_ArgFree(&args);
     return done;
 }
@@ -239,7 +237,7 @@ int RCVTH_Fini(Mdl* model)
 {
     CMN_ASSERT(model != nullptr);
     if (model->thresholds == nullptr) return 0;
-    const int given = s_given(model->thresholds);
+    const int given = isGiven(model->thresholds);
     if (given == 0) ERRLOG_LineErrorNew(2005, model->name);
     return given > 0;
 }
@@ -256,6 +254,6 @@ int RCVTH_Check(const Mdl* models)
     IBIS_GetIBIS(&root);
     const MdlPairs pairs(root);
     for (const Mdl* model : SecFileOrder<const Mdl>(models))
-        if (model->thresholds != nullptr) s_check(model, pairs);
+        if (model->thresholds != nullptr) checkModel(model, pairs);
     return 1;
 }

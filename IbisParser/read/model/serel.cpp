@@ -20,7 +20,7 @@ const struct {
     int code;
     RngRange* SerEl::*slot;
     Least least;
-} s_ranges[] = {
+} ranges[] = {
     {KEY_R_SERIES, &SerEl::R, LEAST_ABOVE_ZERO},   {KEY_L_SERIES, &SerEl::L, LEAST_ZERO},
     {KEY_RL_SERIES, &SerEl::Rl, LEAST_ABOVE_ZERO}, {KEY_C_SERIES, &SerEl::C, LEAST_ZERO},
     {KEY_LC_SERIES, &SerEl::Lc, LEAST_ZERO},       {KEY_RC_SERIES, &SerEl::Rc, LEAST_ABOVE_ZERO},
@@ -31,7 +31,7 @@ const struct Need {
     unsigned number;
     RngRange* SerEl::*element;
     RngRange* SerEl::*needs;
-} s_needs[] = {
+} elementNeeds[] = {
     {2806, &SerEl::Rl, &SerEl::L},
     {2807, &SerEl::Rc, &SerEl::C},
     {2808, &SerEl::Lc, &SerEl::C},
@@ -44,9 +44,9 @@ struct Reading {
     SerElState state;
     Vitbl* table;
 };
-Reading s_reading = {nullptr, SEREL_PLAIN, nullptr};
+Reading reading = {nullptr, SEREL_PLAIN, nullptr};
 
-SerEl* s_elements(Mdl* model, SerElState state)
+SerEl* elementsOf(Mdl* model, SerElState state)
 {
     if (model->series[state] == nullptr) {
         void* block = nullptr;
@@ -57,16 +57,16 @@ SerEl* s_elements(Mdl* model, SerElState state)
 }
 
 // [On] or [Off].
-int s_stateLine(Mdl* model, int code)
+int stateLine(Mdl* model, int code)
 {
     const MdlTypeInfo* info = MDL_TypeInfo(model->type);
     if (info != nullptr && info->type != MDL_SERIES_SWITCH)
         ERRLOG_LineErrorNew(2803, SEC_KeywordName(code), model->name);
-    s_reading.state = code == KEY_ON ? SEREL_ON : SEREL_OFF;
-    return s_elements(model, s_reading.state) != nullptr;
+    reading.state = code == KEY_ON ? SEREL_ON : SEREL_OFF;
+    return elementsOf(model, reading.state) != nullptr;
 }
 
-void s_rangeLine(Mdl* model, RngRange** slot, Least least, const char* name, const char* text)
+void rangeLine(Mdl* model, RngRange** slot, Least least, const char* name, const char* text)
 {
     if (*slot != nullptr) {
         ERRLOG_LineErrorNew(2804, name, model->name);
@@ -81,17 +81,17 @@ void s_rangeLine(Mdl* model, RngRange** slot, Least least, const char* name, con
     }
 }
 
-bool s_isEmpty(const SerEl* elements)
+bool isEmpty(const SerEl* elements)
 {
     if (elements == nullptr) return true;
-    for (const auto& row : s_ranges)
+    for (const auto& row : ranges)
         if (elements->*(row.slot) != nullptr) return false;
     return elements->current == nullptr && elements->mosfets == nullptr;
 }
 
-void s_checkState(const Mdl* model, const SerEl* elements)
+void checkState(const Mdl* model, const SerEl* elements)
 {
-    for (const Need& row : s_needs)
+    for (const Need& row : elementNeeds)
         if (elements->*(row.element) != nullptr && elements->*(row.needs) == nullptr)
             ERRLOG_LineErrorNew(row.number, model->name);
     if (elements->current != nullptr && elements->mosfets != nullptr)
@@ -103,62 +103,62 @@ void s_checkState(const Mdl* model, const SerEl* elements)
 int SEREL_KeywordLine(Mdl* model, int code, const char* text)
 {
     CMN_ASSERT(model != nullptr && text != nullptr);
-    if (s_reading.model != model) s_reading = {model, SEREL_PLAIN, nullptr};
-    s_reading.table = nullptr;
-    if (code == KEY_ON || code == KEY_OFF) return s_stateLine(model, code);
+    if (reading.model != model) reading = {model, SEREL_PLAIN, nullptr};
+    reading.table = nullptr;
+    if (code == KEY_ON || code == KEY_OFF) return stateLine(model, code);
 
     const char* name = SEC_KeywordName(code);
     const MdlTypeInfo* info = MDL_TypeInfo(model->type);
     if (info != nullptr && info->type != MDL_SERIES && info->type != MDL_SERIES_SWITCH)
         ERRLOG_LineErrorNew(2801, name, model->name);
-    else if (info != nullptr && info->type == MDL_SERIES_SWITCH && s_reading.state == SEREL_PLAIN)
+    else if (info != nullptr && info->type == MDL_SERIES_SWITCH && reading.state == SEREL_PLAIN)
         ERRLOG_LineErrorNew(2802, name, model->name);
-    SerEl* elements = s_elements(model, s_reading.state);
+    SerEl* elements = elementsOf(model, reading.state);
     if (elements == nullptr) return 0;
 
     if (code == KEY_SERIES_MOSFET)
-        return VITBL_NewMosfet(&elements->mosfets, model->name, &s_reading.table);
+        return VITBL_NewMosfet(&elements->mosfets, model->name, &reading.table);
     if (code == KEY_SERIES_CURRENT) {
         if (elements->current != nullptr) {
             ERRLOG_LineErrorNew(2804, name, model->name);
             return 0;
         }
         if (!VITBL_New(&elements->current, name, model->name)) return 0;
-        s_reading.table = elements->current;
+        reading.table = elements->current;
         return 1;
     }
-    for (const auto& row : s_ranges)
-        if (row.code == code) s_rangeLine(model, &(elements->*(row.slot)), row.least, name, text);
+    for (const auto& row : ranges)
+        if (row.code == code) rangeLine(model, &(elements->*(row.slot)), row.least, name, text);
     return 1;
 }
 
 int SEREL_ReceiveLine(Mdl* model, const char* line)
 {
     CMN_ASSERT(model != nullptr && line != nullptr);
-    return s_reading.model == model && VITBL_ReceiveLine(s_reading.table, line);
+    return reading.model == model && VITBL_ReceiveLine(reading.table, line);
 }
 
 int SEREL_Fini(Mdl* model)
 {
     CMN_ASSERT(model != nullptr);
-    if (s_reading.model != model) return 0;
-    Vitbl* table = s_reading.table;
-    s_reading.table = nullptr;
+    if (reading.model != model) return 0;
+    Vitbl* table = reading.table;
+    reading.table = nullptr;
     return VITBL_Fini(table);
 }
 
 int SEREL_EndOfModel(const Mdl* model)
 {
     CMN_ASSERT(model != nullptr);
-    s_reading = {nullptr, SEREL_PLAIN, nullptr};
+    reading = {nullptr, SEREL_PLAIN, nullptr};
     for (const SerEl* elements : model->series)
-        if (elements != nullptr) s_checkState(model, elements);
+        if (elements != nullptr) checkState(model, elements);
 
     if (model->type == MDL_SERIES &&
-        std::all_of(std::begin(model->series), std::end(model->series), s_isEmpty))
+        std::all_of(std::begin(model->series), std::end(model->series), isEmpty))
         ERRLOG_LineErrorNew(2809, model->name);
     if (model->type != MDL_SERIES_SWITCH) return 1;
-    if (MDL_Found(model, KEY_ON) && s_isEmpty(model->series[SEREL_ON]))
+    if (MDL_Found(model, KEY_ON) && isEmpty(model->series[SEREL_ON]))
         ERRLOG_LineErrorNew(2809, model->name);
     for (const int code : {KEY_ON, KEY_OFF})
         if (!MDL_Found(model, code)) ERRLOG_LineErrorNew(2810, model->name, SEC_KeywordName(code));
@@ -167,9 +167,9 @@ int SEREL_EndOfModel(const Mdl* model)
 
 void SEREL_Free(SerEl* elements)
 {
-    s_reading = {nullptr, SEREL_PLAIN, nullptr};
+    reading = {nullptr, SEREL_PLAIN, nullptr};
     if (elements == nullptr) return;
-    for (const auto& row : s_ranges)
+    for (const auto& row : ranges)
         RNG_Free(elements->*(row.slot));
     VITBL_Free(elements->current);
     VITBL_Free(elements->mosfets);

@@ -12,7 +12,7 @@ static const char s_Module[] = "IbisParser/submdl";
 
 namespace {
 
-const SecFrame s_frame = {s_Module, 2200, 2201, 2202, 2203, 2204, 2205};
+const SecFrame frame = {s_Module, 2200, 2201, 2202, 2203, 2204, 2205};
 
 // The submodel that is being read.
 struct Reading {
@@ -22,13 +22,13 @@ struct Reading {
     int typeGiven;    // readable or not
     Wvfrm* waveform;  // the last one
 };
-Reading s_reading = {};
+Reading reading = {};
 
 const struct TypeRow {
     const char* name;
     int type;
     int since;
-} s_types[] = {
+} typeRows[] = {
     {"Dynamic_clamp", SUBMDL_DYNAMIC_CLAMP, 3},
     {"Bus_hold", SUBMDL_BUS_HOLD, 3},
     {"Fall_back", SUBMDL_FALL_BACK, 4},
@@ -39,12 +39,12 @@ enum { TYPE_COUNT = SUBMDL_FALL_BACK };
 struct Allowed {
     bool in[TYPE_COUNT];
 };
-constexpr Allowed s_all = {{true, true, true}};
-constexpr Allowed s_clamps = {{true, false, false}};
-constexpr Allowed s_drivers = {{false, true, true}};
-constexpr Allowed s_holders = {{false, true, false}};
+constexpr Allowed all = {{true, true, true}};
+constexpr Allowed clamps = {{true, false, false}};
+constexpr Allowed drivers = {{false, true, true}};
+constexpr Allowed holders = {{false, true, false}};
 
-bool s_isAllowed(const SubMdl* submodel, const Allowed& allowed)
+bool isAllowed(const SubMdl* submodel, const Allowed& allowed)
 {
     return submodel->type == SUBMDL_UNSET || allowed.in[submodel->type - 1];
 }
@@ -58,51 +58,51 @@ const struct Keyword {
     Allowed allowed;
     Vitbl* SubMdl::* table;     // KIND_TABLE
     Wvfrm* SubMdl::* waveform;  // KIND_PULSE, KIND_WAVE
-} s_keywords[] = {
-    { KEY_SUBMODEL,                KIND_HEAD,  s_all,     nullptr,             nullptr              },
-    { KEY_SUBMODEL_SPEC,           KIND_SPEC,  s_all,     nullptr,             nullptr              },
-    { KEY_GND_PULSE_TABLE,         KIND_PULSE, s_clamps,  nullptr,             &SubMdl::gndPulse    },
-    { KEY_POWER_PULSE_TABLE,       KIND_PULSE, s_clamps,  nullptr,             &SubMdl::powerPulse  },
-    { KEY_SUBMDL_PULLDOWN,         KIND_TABLE, s_drivers, &SubMdl::pulldown,   nullptr              },
-    { KEY_SUBMDL_PULLUP,           KIND_TABLE, s_drivers, &SubMdl::pullup,     nullptr              },
-    { KEY_SUBMDL_GND_CLAMP,        KIND_TABLE, s_clamps,  &SubMdl::gndClamp,   nullptr              },
-    { KEY_SUBMDL_POWER_CLAMP,      KIND_TABLE, s_clamps,  &SubMdl::powerClamp, nullptr              },
-    { KEY_SUBMDL_RAMP,             KIND_RAMP,  s_drivers, nullptr,             nullptr              },
-    { KEY_SUBMDL_RISING_WAVEFORM,  KIND_WAVE,  s_drivers, nullptr,             &SubMdl::rising      },
-    { KEY_SUBMDL_FALLING_WAVEFORM, KIND_WAVE,  s_drivers, nullptr,             &SubMdl::falling     },
+} keywords[] = {
+    { KEY_SUBMODEL,                KIND_HEAD,  all,     nullptr,             nullptr              },
+    { KEY_SUBMODEL_SPEC,           KIND_SPEC,  all,     nullptr,             nullptr              },
+    { KEY_GND_PULSE_TABLE,         KIND_PULSE, clamps,  nullptr,             &SubMdl::gndPulse    },
+    { KEY_POWER_PULSE_TABLE,       KIND_PULSE, clamps,  nullptr,             &SubMdl::powerPulse  },
+    { KEY_SUBMDL_PULLDOWN,         KIND_TABLE, drivers, &SubMdl::pulldown,   nullptr              },
+    { KEY_SUBMDL_PULLUP,           KIND_TABLE, drivers, &SubMdl::pullup,     nullptr              },
+    { KEY_SUBMDL_GND_CLAMP,        KIND_TABLE, clamps,  &SubMdl::gndClamp,   nullptr              },
+    { KEY_SUBMDL_POWER_CLAMP,      KIND_TABLE, clamps,  &SubMdl::powerClamp, nullptr              },
+    { KEY_SUBMDL_RAMP,             KIND_RAMP,  drivers, nullptr,             nullptr              },
+    { KEY_SUBMDL_RISING_WAVEFORM,  KIND_WAVE,  drivers, nullptr,             &SubMdl::rising      },
+    { KEY_SUBMDL_FALLING_WAVEFORM, KIND_WAVE,  drivers, nullptr,             &SubMdl::falling     },
 };
 // clang-format on
 
 enum { FIRST_CODE = KEY_SUBMODEL, LAST_CODE = KEY_SUBMDL_FALLING_WAVEFORM };
-static_assert(sizeof s_keywords / sizeof s_keywords[0] == LAST_CODE - FIRST_CODE + 1,
+static_assert(sizeof keywords / sizeof keywords[0] == LAST_CODE - FIRST_CODE + 1,
               "one row for each code, in order");
 
 const struct {
     const char* name;
     RngRange* SubMdl::*slot;
     Allowed allowed;
-} s_items[] = {
-    {"V_trigger_r", &SubMdl::V_trigger_r, s_all},
-    {"V_trigger_f", &SubMdl::V_trigger_f, s_all},
-    {"Off_delay", &SubMdl::Off_delay, s_holders},
+} items[] = {
+    {"V_trigger_r", &SubMdl::V_trigger_r, all},
+    {"V_trigger_f", &SubMdl::V_trigger_f, all},
+    {"Off_delay", &SubMdl::Off_delay, holders},
 };
 
-bool s_found(const SubMdl* submodel, int code)
+bool found(const SubMdl* submodel, int code)
 {
     return (submodel->found >> (code - FIRST_CODE) & 1u) != 0;
 }
 
 // [Submodel] and the lines under it.
 
-void s_setType(SubMdl* submodel, const CmnArgs* args)
+void setType(SubMdl* submodel, const CmnArgs* args)
 {
-    if (s_reading.typeGiven) {
+    if (reading.typeGiven) {
         ERRLOG_LineErrorNew(2209, submodel->name);
         return;
     }
-    s_reading.typeGiven = 1;
+    reading.typeGiven = 1;
     const char* word = args->nStored > 1 ? args->argv[1] : "";
-    const TypeRow* row = args->argc == 2 ? SEC_FindRow(s_types, word) : nullptr;
+    const TypeRow* row = args->argc == 2 ? SEC_FindRow(typeRows, word) : nullptr;
     if (row == nullptr) {
         ERRLOG_LineErrorNew(2207, word);
         return;
@@ -111,42 +111,42 @@ void s_setType(SubMdl* submodel, const CmnArgs* args)
     submodel->type = row->type;
 }
 
-int s_headLine(SubMdl* submodel, const CmnArgs* args, const char*)
+int headLine(SubMdl* submodel, const CmnArgs* args, const char*)
 {
     const char* name = args->nStored > 0 ? args->argv[0] : "";
     if (!CMN_StrSameIC(name, "Submodel_type")) {
         ERRLOG_LineErrorNew(2206, name);
         return 0;
     }
-    s_setType(submodel, args);
+    setType(submodel, args);
     return 1;
 }
 
 // [Submodel Spec].
 
-int s_specLine(SubMdl* submodel, const CmnArgs* args, const char* line)
+int specLine(SubMdl* submodel, const CmnArgs* args, const char* line)
 {
     const char* name = args->nStored > 0 ? args->argv[0] : "";
-    const auto* item = SEC_FindRow(s_items, name);
+    const auto* item = SEC_FindRow(items, name);
     if (item == nullptr) {
         ERRLOG_LineErrorNew(2214, name);
         return 0;
     }
-    if (!s_isAllowed(submodel, item->allowed))
+    if (!isAllowed(submodel, item->allowed))
         ERRLOG_LineErrorNew(2215, item->name, SUBMDL_TypeOf(submodel), submodel->name);
     return KRNG_SetRange(&(submodel->*(item->slot)), KRNG_Values(line), item->name);
 }
 
-void s_specFini(const SubMdl* submodel)
+void specFini(const SubMdl* submodel)
 {
-    for (const auto& item : s_items)
+    for (const auto& item : items)
         if (submodel->*(item.slot) != nullptr) return;
     ERRLOG_LineErrorNew(2221, submodel->name);
 }
 
 // Splits a sub-parameter line for one of the two above.
-int s_splitLine(SubMdl* submodel, const char* line,
-                int (*receive)(SubMdl* submodel, const CmnArgs* args, const char* line))
+int splitLine(SubMdl* submodel, const char* line,
+              int (*receive)(SubMdl* submodel, const CmnArgs* args, const char* line))
 {
     CmnArgs args = {};
     if (!KRNG_Split(line, CORNER_COUNT + 1, &args)) return 0;
@@ -157,7 +157,7 @@ int s_splitLine(SubMdl* submodel, const char* line,
 
 // Keywords.
 
-int s_begin(SubMdl* submodel, const Keyword& row, char* text)
+int begin(SubMdl* submodel, const Keyword& row, char* text)
 {
     switch (row.kind) {
         case KIND_HEAD:
@@ -168,93 +168,92 @@ int s_begin(SubMdl* submodel, const Keyword& row, char* text)
             return RAMP_KeywordLine(&submodel->ramp);
         case KIND_PULSE:
         case KIND_WAVE:
-            s_reading.waveform = nullptr;
+            reading.waveform = nullptr;
             return WVFRM_New(&(submodel->*(row.waveform)), row.code, submodel->name,
-                             &s_reading.waveform);
+                             &reading.waveform);
         default:
             return 1;
     }
 }
 
-int s_receive(SubMdl* submodel, const Keyword& row, const char* line)
+int receiveRow(SubMdl* submodel, const Keyword& row, const char* line)
 {
     switch (row.kind) {
         case KIND_HEAD:
-            return s_splitLine(submodel, line, s_headLine);
+            return splitLine(submodel, line, headLine);
         case KIND_SPEC:
-            return s_splitLine(submodel, line, s_specLine);
+            return splitLine(submodel, line, specLine);
         case KIND_TABLE:
             return VITBL_ReceiveLine(submodel->*(row.table), line);
         case KIND_RAMP:
             return submodel->ramp != nullptr && RAMP_ReceiveLine(submodel->ramp, line);
         default:
-            return s_reading.waveform != nullptr && WVFRM_ReceiveLine(s_reading.waveform, line);
+            return reading.waveform != nullptr && WVFRM_ReceiveLine(reading.waveform, line);
     }
 }
 
-void s_fini(SubMdl* submodel, const Keyword& row)
+void fini(SubMdl* submodel, const Keyword& row)
 {
     switch (row.kind) {
         case KIND_SPEC:
-            s_specFini(submodel);
+            specFini(submodel);
             break;
         case KIND_TABLE:
             VITBL_Fini(submodel->*(row.table));
             break;
         case KIND_PULSE:
         case KIND_WAVE:
-            if (s_reading.waveform != nullptr) WVFRM_Fini(s_reading.waveform);
+            if (reading.waveform != nullptr) WVFRM_Fini(reading.waveform);
             break;
         default:
             break;
     }
 }
 
-int s_keywordLine(SubMdl* submodel, int code, char* line)
+int keywordLine(SubMdl* submodel, int code, char* line)
 {
-    const Keyword& row = s_keywords[code - FIRST_CODE];
+    const Keyword& row = keywords[code - FIRST_CODE];
     const char* name = SEC_KeywordName(code);
     char* text = SEC_Argument(line);
-    s_reading.code = code;
-    s_reading.skip = 0;
-    if (!s_isAllowed(submodel, row.allowed))
+    reading.code = code;
+    reading.skip = 0;
+    if (!isAllowed(submodel, row.allowed))
         ERRLOG_LineErrorNew(2213, name, SUBMDL_TypeOf(submodel), submodel->name);
     if (row.kind != KIND_HEAD) SEC_IgnoreText(2219, text, name);
     const int isFirst = SEC_MarkFound(&submodel->found, code - FIRST_CODE);
     // The pulse tables judge this themselves, and waveforms may be many.
     if (!isFirst && row.kind != KIND_PULSE && row.kind != KIND_WAVE) {
         ERRLOG_LineErrorNew(2212, name, submodel->name);
-        s_reading.skip = 1;
+        reading.skip = 1;
         return 0;
     }
-    return s_begin(submodel, row, text);
+    return begin(submodel, row, text);
 }
 
-int s_dataLine(SubMdl* submodel, int code, const char* line)
+int dataLine(SubMdl* submodel, int code, const char* line)
 {
-    if (code != s_reading.code) {
-        SEC_UnknownKeyword(&s_frame, __LINE__);
+    if (code != reading.code) {
+        SEC_UnknownKeyword(&frame, __LINE__);
         return 0;
     }
-    return s_reading.skip ? 0 : s_receive(submodel, s_keywords[code - FIRST_CODE], line);
+    return reading.skip ? 0 : receiveRow(submodel, keywords[code - FIRST_CODE], line);
 }
 
-void s_finishKeyword()
+void finishKeyword()
 {
-    if (s_reading.code != 0 && !s_reading.skip)
-        s_fini(s_reading.open, s_keywords[s_reading.code - FIRST_CODE]);
-    s_reading.code = 0;
-    s_reading.skip = 0;
+    if (reading.code != 0 && !reading.skip) fini(reading.open, keywords[reading.code - FIRST_CODE]);
+    reading.code = 0;
+    reading.skip = 0;
 }
 
 // The rules of a whole record.
 
-void s_lacks(const SubMdl* submodel, const char* what)
+void lacks(const SubMdl* submodel, const char* what)
 {
     ERRLOG_LineErrorNew(2216, submodel->name, SUBMDL_TypeOf(submodel), what);
 }
 
-void s_checkClamp(const SubMdl* submodel)
+void checkClamp(const SubMdl* submodel)
 {
     const struct {
         int pulse, clamp;
@@ -265,9 +264,9 @@ void s_checkClamp(const SubMdl* submodel)
         {KEY_GND_PULSE_TABLE, KEY_SUBMDL_GND_CLAMP, "V_trigger_f", submodel->V_trigger_f},
     };
     for (const auto& side : sides) {
-        const bool hasPulse = s_found(submodel, side.pulse);
-        if (hasPulse && side.trigger == nullptr) s_lacks(submodel, side.triggerName);
-        if (hasPulse && !s_found(submodel, side.clamp))
+        const bool hasPulse = found(submodel, side.pulse);
+        if (hasPulse && side.trigger == nullptr) lacks(submodel, side.triggerName);
+        if (hasPulse && !found(submodel, side.clamp))
             ERRLOG_LineErrorNew(2220, SEC_KeywordName(side.pulse), submodel->name,
                                 SEC_KeywordName(side.clamp));
         if (!hasPulse && side.trigger != nullptr)
@@ -275,10 +274,10 @@ void s_checkClamp(const SubMdl* submodel)
     }
 }
 
-void s_checkHolder(const SubMdl* submodel)
+void checkHolder(const SubMdl* submodel)
 {
-    if (submodel->V_trigger_r == nullptr) s_lacks(submodel, "V_trigger_r");
-    if (submodel->V_trigger_f == nullptr) s_lacks(submodel, "V_trigger_f");
+    if (submodel->V_trigger_r == nullptr) lacks(submodel, "V_trigger_r");
+    if (submodel->V_trigger_f == nullptr) lacks(submodel, "V_trigger_f");
     for (int corner = 0; corner < CORNER_COUNT; ++corner) {
         const RngSingle rise = MDL_Cell(submodel->V_trigger_r, corner);
         const RngSingle fall = MDL_Cell(submodel->V_trigger_f, corner);
@@ -287,24 +286,24 @@ void s_checkHolder(const SubMdl* submodel)
     }
 }
 
-void s_endOfRecord(const SubMdl* submodel)
+void endOfRecord(const SubMdl* submodel)
 {
-    if (submodel->type == SUBMDL_UNSET && !s_reading.typeGiven)
+    if (submodel->type == SUBMDL_UNSET && !reading.typeGiven)
         ERRLOG_LineErrorNew(2210, submodel->name);
-    if (submodel->type == SUBMDL_DYNAMIC_CLAMP) s_checkClamp(submodel);
-    if (submodel->type == SUBMDL_BUS_HOLD) s_checkHolder(submodel);
+    if (submodel->type == SUBMDL_DYNAMIC_CLAMP) checkClamp(submodel);
+    if (submodel->type == SUBMDL_BUS_HOLD) checkHolder(submodel);
     if (submodel->type == SUBMDL_FALL_BACK && submodel->V_trigger_r == nullptr &&
         submodel->V_trigger_f == nullptr)
-        s_lacks(submodel, "V_trigger_r or V_trigger_f");
+        lacks(submodel, "V_trigger_r or V_trigger_f");
     if (MDL_Least(submodel->Off_delay) < 0.0) ERRLOG_LineErrorNew(2217, submodel->name);
 }
 
-void s_free(SubMdl* submodel)
+void free(SubMdl* submodel)
 {
-    if (submodel == s_reading.open) s_reading = {};
-    for (const auto& item : s_items)
+    if (submodel == reading.open) reading = {};
+    for (const auto& item : items)
         RNG_Free(submodel->*(item.slot));
-    for (const Keyword& row : s_keywords) {
+    for (const Keyword& row : keywords) {
         if (row.table != nullptr) VITBL_Free(submodel->*(row.table));
         if (row.waveform != nullptr) WVFRM_FreeList(submodel->*(row.waveform));
     }
@@ -317,33 +316,33 @@ void s_free(SubMdl* submodel)
 int SUBMDL_Init(void)
 {
     SUBMDL_Close();
-    IbisRoot* root = SEC_Root(&s_frame, __LINE__);
+    IbisRoot* root = SEC_Root(&frame, __LINE__);
     if (root == nullptr) return 0;
-    auto* submodel = static_cast<SubMdl*>(SEC_NewRecord(&s_frame, sizeof(SubMdl)));
+    auto* submodel = static_cast<SubMdl*>(SEC_NewRecord(&frame, sizeof(SubMdl)));
     if (submodel == nullptr) return 0;
     submodel->line = PARSE_GetLineNum();
     IBIS_AddSubMdl(root, submodel);
-    s_reading = {};
-    s_reading.open = submodel;
+    reading = {};
+    reading.open = submodel;
     return 1;
 }
 
 int SUBMDL_ReceiveLine(int kind, int code, char* line)
 {
     CMN_ASSERT(line != nullptr);
-    if (!SEC_Receives(&s_frame, __LINE__, kind, s_reading.open)) return 0;
+    if (!SEC_Receives(&frame, __LINE__, kind, reading.open)) return 0;
     if (code < FIRST_CODE || code > LAST_CODE) {
-        SEC_UnknownKeyword(&s_frame, __LINE__);
+        SEC_UnknownKeyword(&frame, __LINE__);
         return 0;
     }
-    return kind == LINE_KEYWORD ? s_keywordLine(s_reading.open, code, line)
-                                : s_dataLine(s_reading.open, code, line);
+    return kind == LINE_KEYWORD ? keywordLine(reading.open, code, line)
+                                : dataLine(reading.open, code, line);
 }
 
 int SUBMDL_Fini(int nextCode)
 {
-    if (s_reading.open == nullptr) return 0;
-    s_finishKeyword();
+    if (reading.open == nullptr) return 0;
+    finishKeyword();
     const bool staysOpen =
         nextCode == NOT_KEY ||
         (nextCode >= FIRST_CODE && nextCode <= LAST_CODE && nextCode != KEY_SUBMODEL);
@@ -353,15 +352,15 @@ int SUBMDL_Fini(int nextCode)
 
 void SUBMDL_Close(void)
 {
-    if (s_reading.open == nullptr) return;
-    s_finishKeyword();
-    s_endOfRecord(s_reading.open);
-    s_reading = {};
+    if (reading.open == nullptr) return;
+    finishKeyword();
+    endOfRecord(reading.open);
+    reading = {};
 }
 
 void SUBMDL_FreeList(SubMdl* head)
 {
-    SEC_FreeList(head, s_free);
+    SEC_FreeList(head, free);
 }
 
 int SUBMDL_AddLink(SubMdl** head, SubMdl* item)
@@ -379,7 +378,7 @@ SubMdl* SUBMDL_FindByName(const SubMdl* head, const char* name)
 const char* SUBMDL_TypeOf(const SubMdl* submodel)
 {
     CMN_ASSERT(submodel != nullptr);
-    for (const TypeRow& row : s_types)
+    for (const TypeRow& row : typeRows)
         if (row.type == submodel->type) return row.name;
     return nullptr;
 }

@@ -11,12 +11,12 @@
 
 static const char s_Module[] = "IbisParser/table";
 
-static const char s_Blanks[] = " \t\n\v\f\r";
+static const char s_blanks[] = " \t\n\v\f\r";
 
 static const struct {
     const char* name;
     const char* shortName;
-} s_Corners[CORNER_COUNT] = {
+} s_corners[CORNER_COUNT] = {
     {"typical", "typ"},
     {"minimum", "min"},
     {"maximum", "max"},
@@ -25,20 +25,20 @@ static const struct {
 int TABLE_BeginsWithCell(const char* text)
 {
     CMN_ASSERT(text != nullptr);
-    text += std::strspn(text, s_Blanks);
+    text += std::strspn(text, s_blanks);
     if (std::isdigit(static_cast<unsigned char>(text[0]))) return 1;
     double value = 0.0;
     if (CMN_StrToDbl(text, &value) != 0) return 1;
-    return std::strcspn(text, s_Blanks) == 2 && CMN_StrSameICn(text, "NA", 2);
+    return std::strcspn(text, s_blanks) == 2 && CMN_StrSameICn(text, "NA", 2);
 }
 
 int TABLE_CountItems(const char* text)
 {
     CMN_ASSERT(text != nullptr);
     int items = 0;
-    for (text += std::strspn(text, s_Blanks); *text != '\0'; text += std::strspn(text, s_Blanks)) {
+    for (text += std::strspn(text, s_blanks); *text != '\0'; text += std::strspn(text, s_blanks)) {
         ++items;
-        text += std::strcspn(text, s_Blanks);
+        text += std::strcspn(text, s_blanks);
     }
     return items;
 }
@@ -46,10 +46,10 @@ int TABLE_CountItems(const char* text)
 TableItem TABLE_FirstItem(const char* text)
 {
     CMN_ASSERT(text != nullptr);
-    text += std::strspn(text, s_Blanks);
+    text += std::strspn(text, s_blanks);
     TableItem item;
     std::snprintf(item.text, sizeof item.text, "%.*s",
-                  static_cast<int>(std::strcspn(text, s_Blanks)), text);
+                  static_cast<int>(std::strcspn(text, s_blanks)), text);
     return item;
 }
 
@@ -82,11 +82,11 @@ void TABLE_EndReading(void** reading)
 const char* TABLE_CornerName(int corner)
 {
     CMN_ASSERT(corner >= 0 && corner < CORNER_COUNT);
-    return s_Corners[corner].name;
+    return s_corners[corner].name;
 }
 
 const char* TABLE_CornerShort(int corner)
 {
     CMN_ASSERT(corner >= 0 && corner < CORNER_COUNT);
-    return s_Corners[corner].shortName;
+    return s_corners[corner].shortName;
 }

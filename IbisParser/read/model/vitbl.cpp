@@ -11,7 +11,7 @@
 
 static const char s_Module[] = "IbisParser/vitbl";
 
-static const char s_Mosfet[] = "Series MOSFET";
+static const char s_mosfet[] = "Series MOSFET";
 
 static int s_new(Vitbl** out, const char* name, const char* owner)
 {
@@ -48,7 +48,7 @@ int VITBL_NewMosfet(Vitbl** list, const char* owner, Vitbl** out)
     // The first surplus table stays in the list, so that only it is reported.
     if (tables > VITBL_MAX_MOSFETS) return 0;
     if (tables == VITBL_MAX_MOSFETS) ERRLOG_LineErrorNew(3220, owner, VITBL_MAX_MOSFETS);
-    if (!s_new(out, s_Mosfet, owner)) return 0;
+    if (!s_new(out, s_mosfet, owner)) return 0;
     (*out)->mosfet = 1;
     (*out)->prev = tail;
     if (tail != nullptr)

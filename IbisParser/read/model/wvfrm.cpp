@@ -21,7 +21,7 @@ static const struct Parameter {
     const char* name;
     RngSingle Wvfrm::*slot;
     ParameterRule rule;
-} s_Parameters[] = {
+} s_parameters[] = {
     {"R_fixture", &Wvfrm::R_fixture, POSITIVE},     {"V_fixture", &Wvfrm::V_fixture, ANY},
     {"V_fixture_min", &Wvfrm::V_fixture_min, ANY},  {"V_fixture_max", &Wvfrm::V_fixture_max, ANY},
     {"C_fixture", &Wvfrm::C_fixture, NOT_NEGATIVE}, {"L_fixture", &Wvfrm::L_fixture, NOT_NEGATIVE},
@@ -34,7 +34,7 @@ static const struct Kind {
     int code;
     int direction;
     bool hasFixture;
-} s_Kinds[] = {
+} s_kinds[] = {
     {KEY_RISING_WAVEFORM, 1, true},
     {KEY_FALLING_WAVEFORM, -1, true},
     {KEY_GND_PULSE_TABLE, 0, false},
@@ -53,7 +53,7 @@ static const struct Kind {
 
 static const Kind* s_kind(int code)
 {
-    for (const Kind& kind : s_Kinds)
+    for (const Kind& kind : s_kinds)
         if (kind.code == code) return &kind;
     CMN_AssertFailed(s_Module, __LINE__);
 }
@@ -128,7 +128,7 @@ static void s_receiveParameter(Wvfrm* waveform, const char* line)
         return;
     }
     const char* name = args.argc > 0 ? args.argv[0] : "";
-    const Parameter* parameter = SEC_FindRow(s_Parameters, name);
+    const Parameter* parameter = SEC_FindRow(s_parameters, name);
     if (parameter == nullptr && std::strchr(line, '=') == nullptr) {
         ERRLOG_LineErrorNew(1820, TABLE_FirstItem(line).text, keyword);
     } else if (!s_kind(waveform->kind)->hasFixture) {
@@ -198,7 +198,7 @@ static bool s_sameFixture(const Wvfrm* a, const Wvfrm* b)
         vb.state = WVFRM_FixtureVoltage(b, corner, &vb.value);
         if (!s_sameValue(va, vb)) return false;
     }
-    for (const Parameter& parameter : s_Parameters) {
+    for (const Parameter& parameter : s_parameters) {
         const bool voltage = parameter.slot == &Wvfrm::V_fixture ||
                              parameter.slot == &Wvfrm::V_fixture_min ||
                              parameter.slot == &Wvfrm::V_fixture_max;

@@ -14,7 +14,7 @@
 #include "IbisParser/store/section.h"
 
 static const char s_Module[] = "IbisParser/ebdmdl";
-static const SecFrame s_Frame = {s_Module, 4300, 4301, 4302, 4303, 4304, 4305};
+static const SecFrame s_frame = {s_Module, 4300, 4301, 4302, 4303, 4304, 4305};
 
 static EbdMdl* s_open = nullptr;
 static int s_keyword = NOT_KEY;        // the open record's current one
@@ -91,7 +91,7 @@ static void s_endPath()
 
 static EbdPath* s_newPath()
 {
-    EbdPath* path = static_cast<EbdPath*>(SEC_NewRecord(&s_Frame, sizeof(EbdPath)));
+    EbdPath* path = static_cast<EbdPath*>(SEC_NewRecord(&s_frame, sizeof(EbdPath)));
     if (path == nullptr) return nullptr;
     path->line = PARSE_GetLineNum();
     if (s_open->lastPath != nullptr)
@@ -144,7 +144,7 @@ static int s_pinLine(char* line)
         ERRLOG_LineErrorNew(4317, name);
         return 0;
     }
-    EbdPin* pin = static_cast<EbdPin*>(SEC_NewRecord(&s_Frame, sizeof(EbdPin)));
+    EbdPin* pin = static_cast<EbdPin*>(SEC_NewRecord(&s_frame, sizeof(EbdPin)));
     if (pin == nullptr) return 0;
     SEC_CopyName(pin->name, name, SIZE_BOARD_PIN);
     if (!SEC_CopyName(pin->signal, signal, SIZE_NAME))
@@ -249,7 +249,7 @@ static const struct KeywordRow {
     int duplicate;  // message of a second one, 0 where many are allowed
     int after;      // keyword that stands before it
     void (*receive)(char* text);
-} s_Rows[] = {
+} s_rows[] = {
     { KEY_BEGIN_BOARD_DESCRIPTION,  0,    NOT_KEY,                   s_setName },
     { KEY_EBDMDL_MANUFACTURER,      4306, NOT_KEY,                   s_setManufacturer },
     { KEY_EBDMDL_NUMBER_OF_PINS,    4309, NOT_KEY,                   s_setNumberOfPins },
@@ -259,15 +259,15 @@ static const struct KeywordRow {
     { KEY_END_BOARD_DESCRIPTION,    0,    NOT_KEY,                   s_receiveEnd },
 };
 // clang-format on
-static_assert(std::size(s_Rows) == KEY_END_BOARD_DESCRIPTION - KEY_BEGIN_BOARD_DESCRIPTION + 1);
+static_assert(std::size(s_rows) == KEY_END_BOARD_DESCRIPTION - KEY_BEGIN_BOARD_DESCRIPTION + 1);
 
 static int s_keywordLine(int code, char* line)
 {
     if (code < KEY_BEGIN_BOARD_DESCRIPTION || code > KEY_END_BOARD_DESCRIPTION) {
-        SEC_UnknownKeyword(&s_Frame, __LINE__);
+        SEC_UnknownKeyword(&s_frame, __LINE__);
         return 0;
     }
-    const KeywordRow& row = s_Rows[code - KEY_BEGIN_BOARD_DESCRIPTION];
+    const KeywordRow& row = s_rows[code - KEY_BEGIN_BOARD_DESCRIPTION];
     s_finishKeyword();
     s_keyword = code;
     s_isRepeated = row.duplicate != 0 && s_hasFound(code);
@@ -301,7 +301,7 @@ static int s_dataLine(char* line)
 
 static IdxTable* s_newIndex()
 {
-    return static_cast<IdxTable*>(SEC_NewRecord(&s_Frame, sizeof(IdxTable)));
+    return static_cast<IdxTable*>(SEC_NewRecord(&s_frame, sizeof(IdxTable)));
 }
 
 static void s_freeIndex(IdxTable* index)
@@ -332,9 +332,9 @@ static void s_freeRecord(EbdMdl* board)
 int EBDMDL_Init(void)
 {
     EBDMDL_Close();
-    IbisRoot* root = SEC_Root(&s_Frame, __LINE__);
+    IbisRoot* root = SEC_Root(&s_frame, __LINE__);
     if (root == nullptr) return 0;
-    EbdMdl* board = static_cast<EbdMdl*>(SEC_NewRecord(&s_Frame, sizeof(EbdMdl)));
+    EbdMdl* board = static_cast<EbdMdl*>(SEC_NewRecord(&s_frame, sizeof(EbdMdl)));
     if (board == nullptr) return 0;
     board->line = PARSE_GetLineNum();
     board->numberOfPins = -1;
@@ -362,7 +362,7 @@ int EBDMDL_ReceiveLine(int kind, int code, char* line)
         ERRLOG_LineErrorNew(4330);
         return 0;
     }
-    if (!SEC_Receives(&s_Frame, __LINE__, kind, s_open)) return 0;
+    if (!SEC_Receives(&s_frame, __LINE__, kind, s_open)) return 0;
     return kind == LINE_KEYWORD ? s_keywordLine(code, line) : s_dataLine(line);
 }
 

@@ -37,11 +37,11 @@ struct MtxReading {
 
 // clang-format off
 // Places in MtxKind from 1.
-static const char* const s_KindWords[] = {"Banded_matrix", "Sparse_matrix", "Full_matrix", nullptr};
+static const char* const s_kindWords[] = {"Banded_matrix", "Sparse_matrix", "Full_matrix", nullptr};
 
 // Diagonal elements above `usual` (ohm, henry, farad) are most likely a wrong scale letter.
 static const struct MatrixKeyword { int code; const char* name; double usual; const char* sign; }
-s_Keywords[] = {
+s_keywords[] = {
     { KEY_RESISTANCE_MATRIX,  "Resistance Matrix",  100,  "not be negative" },
     { KEY_INDUCTANCE_MATRIX,  "Inductance Matrix",  1e-6, "be positive" },
     { KEY_CAPACITANCE_MATRIX, "Capacitance Matrix", 1e-9, "be positive" },
@@ -51,7 +51,7 @@ s_Keywords[] = {
 static const MatrixKeyword& s_keyword(int code)
 {
     CMN_ASSERT(code >= KEY_RESISTANCE_MATRIX && code <= KEY_CAPACITANCE_MATRIX);
-    return s_Keywords[code - KEY_RESISTANCE_MATRIX];
+    return s_keywords[code - KEY_RESISTANCE_MATRIX];
 }
 
 static const char* s_name(const Mtx* matrix)
@@ -417,7 +417,7 @@ int MTX_KeywordLine(PkgMdl* package, int code, char* text)
         ERRLOG_LineErrorNew(2603, name);
         return 0;
     }
-    const int kind = KRNG_Word(text, s_KindWords);
+    const int kind = KRNG_Word(text, s_kindWords);
     if (kind == MTX_UNKNOWN) {
         ERRLOG_LineErrorNew(2602, text, name);
         return 0;

@@ -17,7 +17,7 @@
 #include "IbisParser/store/section.h"
 
 static const char s_Module[] = "IbisParser/pkgmdl";
-static const SecFrame s_Frame = {s_Module, 2300, 2301, 2302, 2303, 2304, 2305};
+static const SecFrame s_frame = {s_Module, 2300, 2301, 2302, 2303, 2304, 2305};
 
 // Bits of PkgMdl::reported; the second is that of the first of three matrices.
 enum { REPORTED_NO_SECTIONS_KEYWORD = 1, REPORTED_MATRIX = 2 };
@@ -72,7 +72,7 @@ static void s_endPin()
 
 static PkgPin* s_newPin(const char* name)
 {
-    PkgPin* pin = static_cast<PkgPin*>(SEC_NewRecord(&s_Frame, sizeof(PkgPin)));
+    PkgPin* pin = static_cast<PkgPin*>(SEC_NewRecord(&s_frame, sizeof(PkgPin)));
     if (pin == nullptr) return nullptr;
     SEC_CopyName(pin->name, name, SIZE_PIN);
     pin->line = PARSE_GetLineNum();
@@ -284,7 +284,7 @@ static const struct KeywordRow {
     int beforePins;         // stands before [Pin Numbers]
     int inModelData;        // stands between [Model Data] and its end
     void (*receive)(char* text);
-} s_Rows[] = {
+} s_rows[] = {
     //  code                       argument  once before inside receive
     { KEY_DEFINE_PACKAGE_MODEL,    ARG_TEXT, 0,   0,     0,     s_setName },
     { KEY_PKGMDL_MANUFACTURER,     ARG_TEXT, 1,   0,     0,     s_setManufacturer },
@@ -303,7 +303,7 @@ static const struct KeywordRow {
     { KEY_NUMBER_OF_SECTIONS,      ARG_TEXT, 1,   1,     0,     s_setNumberOfSections },
 };
 // clang-format on
-static_assert(std::size(s_Rows) == KEY_NUMBER_OF_SECTIONS - KEY_DEFINE_PACKAGE_MODEL + 1);
+static_assert(std::size(s_rows) == KEY_NUMBER_OF_SECTIONS - KEY_DEFINE_PACKAGE_MODEL + 1);
 
 static bool s_isOfMatrix(int code)
 {
@@ -323,10 +323,10 @@ static char* s_cutArgument(const KeywordRow& row, char* text)
 static int s_keywordLine(int code, char* line)
 {
     if (code < KEY_DEFINE_PACKAGE_MODEL || code > KEY_NUMBER_OF_SECTIONS) {
-        SEC_UnknownKeyword(&s_Frame, __LINE__);
+        SEC_UnknownKeyword(&s_frame, __LINE__);
         return 0;
     }
-    const KeywordRow& row = s_Rows[code - KEY_DEFINE_PACKAGE_MODEL];
+    const KeywordRow& row = s_rows[code - KEY_DEFINE_PACKAGE_MODEL];
     s_finishKeyword();
     if (!s_isOfMatrix(code)) MTX_Fini(s_open);
     s_keyword = code;
@@ -364,9 +364,9 @@ static int s_dataLine(char* line)
 int PKGMDL_Init(void)
 {
     PKGMDL_Close();
-    IbisRoot* root = SEC_Root(&s_Frame, __LINE__);
+    IbisRoot* root = SEC_Root(&s_frame, __LINE__);
     if (root == nullptr) return 0;
-    PkgMdl* package = static_cast<PkgMdl*>(SEC_NewRecord(&s_Frame, sizeof(PkgMdl)));
+    PkgMdl* package = static_cast<PkgMdl*>(SEC_NewRecord(&s_frame, sizeof(PkgMdl)));
     if (package == nullptr) return 0;
     package->line = PARSE_GetLineNum();
     package->numberOfPins = -1;
@@ -384,7 +384,7 @@ int PKGMDL_Init(void)
 int PKGMDL_ReceiveLine(int kind, int code, char* line)
 {
     CMN_ASSERT(line != nullptr);
-    if (!SEC_Receives(&s_Frame, __LINE__, kind, s_open)) return 0;
+    if (!SEC_Receives(&s_frame, __LINE__, kind, s_open)) return 0;
     return kind == LINE_KEYWORD ? s_keywordLine(code, line) : s_dataLine(line);
 }
 

@@ -13,7 +13,7 @@
 static const char s_Module[] = "IbisParser/sect";
 
 // clang-format off
-static const struct PathWord { const char* name; int kind; } s_PathWords[] = {
+static const struct PathWord { const char* name; int kind; } s_pathWords[] = {
     { "Fork",    SECT_FORK },
     { "Endfork", SECT_ENDFORK },
     { "Pin",     SECT_PIN },
@@ -23,7 +23,7 @@ static const struct PathWord { const char* name; int kind; } s_PathWords[] = {
 // Values of a section, in the order of the codes of CMN_gettok from 1. A lumped value above
 // `usual` (ohm, farad, henry) is most likely a wrong scale letter.
 static const struct SectionValue { const char* name; RngSingle SectItem::* value; double usual; }
-s_Values[] = {
+s_values[] = {
     { "Len", &SectItem::Len, 0 },
     { "R",   &SectItem::R,   1e3 },
     { "C",   &SectItem::C,   10e-9 },
@@ -42,7 +42,7 @@ static std::size_t s_wordLength(const char* text)
 static const PathWord* s_findWord(const char* text)
 {
     const std::size_t length = s_wordLength(text);
-    for (const PathWord& row : s_PathWords)
+    for (const PathWord& row : s_pathWords)
         if (std::strlen(row.name) == length && CMN_StrSameICn(row.name, text, length)) return &row;
     return nullptr;
 }
@@ -85,7 +85,7 @@ static void s_endSection(SectPath* path)
     if (section->L.state == CELL_ABSENT && section->R.state == CELL_ABSENT &&
         section->C.state == CELL_ABSENT)
         ERRLOG_LineWarnNew(4204, path->name);
-    for (const SectionValue& row : s_Values) {
+    for (const SectionValue& row : s_values) {
         const RngSingle& cell = section->*row.value;
         if (cell.state != CELL_NUMBER) continue;
         if (cell.value < 0) ERRLOG_LineErrorNew(4203, row.name, path->name);
@@ -127,7 +127,7 @@ static char* s_readSection(SectPath* path, char* text)
         return next;
     }
     if (token != TOK_ERROR) {
-        s_setValue(path, s_Values[token - 1], value);
+        s_setValue(path, s_values[token - 1], value);
         return next;
     }
     // After a missing "=" the tokens up to the "/" were passed over: the section ends unjudged.
@@ -261,7 +261,7 @@ int SECT_IsItem(const char* text)
     const char* after = text + length;
     after += std::strspn(after, " \t");
     if (*after != '=') return 0;
-    for (const SectionValue& row : s_Values)
+    for (const SectionValue& row : s_values)
         if (std::strlen(row.name) == length && std::strncmp(row.name, text, length) == 0) return 1;
     return 0;
 }

@@ -22,26 +22,26 @@ struct Rule {
     bool needsDefault;
 };
 
-static const Strings s_Jitter = {"Table 1 2", "Table", "Gaussian 0.1 2", "Dual-Dirac 1 2 3",
+static const Strings s_jitter = {"Table 1 2", "Table", "Gaussian 0.1 2", "Dual-Dirac 1 2 3",
                                  "DjRj 1e-3 2 3"};
-static const Strings s_Values = {"Value 1", "Range 1 2 3", "Corner 1 2.5 3"};
+static const Strings s_values = {"Value 1", "Range 1 2 3", "Corner 1 2.5 3"};
 
-static const std::vector<Rule> s_Rules = {
+static const std::vector<Rule> s_rules = {
     {"Init_Returns_Impulse", {"Info"}, {"Boolean"}, {}, {"True", "whatever"}, {}, true},
     {"GetWave_Exists", {"Info"}, {"Boolean"}, {}, {"False", "0"}, {}, true},
     {"Max_Init_Aggressors", {"Info"}, {"Integer"}, {}, {"25"}, {"2.5", "x", "True"}, true},
     {"Ignore_Bits", {"Info", "Out"}, {"Integer"}, {}, {"0"}, {"1e3", "x"}, true},
-    {"Tx_Jitter", {"Info", "Out"}, {"Float", "UI"}, s_Jitter, {"0", "0.5"}, {"x", "True"}, false},
-    {"Tx_DCD", {"Info", "Out"}, {"Float", "UI"}, s_Values, {"0", "0.5"}, {"x"}, false},
-    {"Rx_Clock_PDF", {"Info", "Out"}, {"Float", "UI"}, s_Jitter, {"0.5"}, {"5ps"}, false},
-    {"Rx_Receiver_Sensitivity", {"Info", "Out"}, {"Float"}, s_Values, {"0.1"}, {"x"}, false},
+    {"Tx_Jitter", {"Info", "Out"}, {"Float", "UI"}, s_jitter, {"0", "0.5"}, {"x", "True"}, false},
+    {"Tx_DCD", {"Info", "Out"}, {"Float", "UI"}, s_values, {"0", "0.5"}, {"x"}, false},
+    {"Rx_Clock_PDF", {"Info", "Out"}, {"Float", "UI"}, s_jitter, {"0.5"}, {"5ps"}, false},
+    {"Rx_Receiver_Sensitivity", {"Info", "Out"}, {"Float"}, s_values, {"0.1"}, {"x"}, false},
     {"Use_Init_Output", {"Info"}, {"Boolean"}, {}, {"True", "False"}, {"true", "1"}, true},
 };
 
-static const char* const s_Usages[] = {"In", "Out", "Info", "InOut", "Sometimes"};
-static const char* const s_Types[] = {"Float", "Integer", "String", "Boolean",
+static const char* const s_usages[] = {"In", "Out", "Info", "InOut", "Sometimes"};
+static const char* const s_types[] = {"Float", "Integer", "String", "Boolean",
                                       "Tap",   "UI",      "Complex"};
-static const char* const s_Formats[] = {"Value", "Range",     "Corner",   "Dual-Dirac",
+static const char* const s_formats[] = {"Value", "Range",     "Corner",   "Dual-Dirac",
                                         "DjRj",  "Table",     "Gaussian", "List",
                                         "Steps", "Increment", "Spline"};
 
@@ -76,9 +76,9 @@ static Strings s_check(Messages& messages, const Rule& rule, const std::string& 
 {
     std::string text = "(root (Reserved_Parameters";
     for (int i = 0; i < 2; ++i)
-        if (rule.name != std::string(s_Rules[static_cast<std::size_t>(i)].name))
-            text += std::string(" (") + s_Rules[static_cast<std::size_t>(i)].name +
-                    s_legal(s_Rules[static_cast<std::size_t>(i)]).Text() + ")";
+        if (rule.name != std::string(s_rules[static_cast<std::size_t>(i)].name))
+            text += std::string(" (") + s_rules[static_cast<std::size_t>(i)].name +
+                    s_legal(s_rules[static_cast<std::size_t>(i)]).Text() + ")";
     text += std::string(" (") + rule.name + leaves + ")))";
     gsBuffer = CMN_StrMake(text.c_str());
     AMI_Test();
@@ -96,7 +96,7 @@ static bool s_holds(const Strings& list, const std::string& word)
 GTEST_TEST(AmiRules, LegalParameters)
 {
     Messages messages;
-    for (const Rule& rule : s_Rules) {
+    for (const Rule& rule : s_rules) {
         SCOPED_TRACE(rule.name);
         Strings formats = rule.formats;
         if (formats.empty()) formats.push_back("");
@@ -116,10 +116,10 @@ GTEST_TEST(AmiRules, LegalParameters)
 GTEST_TEST(AmiRules, IllegalWords)
 {
     Messages messages;
-    for (const Rule& rule : s_Rules) {
+    for (const Rule& rule : s_rules) {
         const std::string name = rule.name;
         SCOPED_TRACE(name);
-        for (const char* usage : s_Usages) {
+        for (const char* usage : s_usages) {
             if (s_holds(rule.usages, usage)) continue;
             Leaves leaves = s_legal(rule);
             leaves.usage = usage;
@@ -127,14 +127,14 @@ GTEST_TEST(AmiRules, IllegalWords)
                 s_check(messages, rule, leaves.Text()),
                 Strings{"4627 Illegal Usage value " + leaves.usage + " specified for " + name});
         }
-        for (const char* type : s_Types) {
+        for (const char* type : s_types) {
             if (s_holds(rule.types, type)) continue;
             Leaves leaves = s_legal(rule);
             leaves.type = type;
             EXPECT_EQ(s_check(messages, rule, leaves.Text()),
                       Strings{"4627 Illegal Type value " + leaves.type + " specified for " + name});
         }
-        for (const char* format : s_Formats) {
+        for (const char* format : s_formats) {
             if (s_holds(rule.formats, format)) continue;
             Leaves leaves = s_legal(rule);
             leaves.format = std::string(format) + " 1";
@@ -157,7 +157,7 @@ GTEST_TEST(AmiRules, MissingLeaves)
 {
     static const char* const kinds[] = {"Usage", "Type", "Format", "Default", "Description"};
     Messages messages;
-    for (const Rule& rule : s_Rules) {
+    for (const Rule& rule : s_rules) {
         SCOPED_TRACE(rule.name);
         Strings all;
         for (const std::string kind : kinds) {
@@ -206,7 +206,7 @@ GTEST_TEST(AmiRules, FormatItems)
         {"Gaussian a b", "Gaussian", 2},
     };
     Messages messages;
-    for (const Rule& rule : s_Rules) {
+    for (const Rule& rule : s_rules) {
         for (const auto& row : rows) {
             const std::string word =
                 std::string(row.format).substr(0, std::string(row.format).find(' '));
@@ -226,7 +226,7 @@ GTEST_TEST(AmiRules, FormatItems)
 GTEST_TEST(AmiRules, OtherLeaves)
 {
     Messages messages;
-    for (const Rule& rule : s_Rules) {
+    for (const Rule& rule : s_rules) {
         const std::string name = rule.name;
         Leaves leaves = s_legal(rule);
         leaves.extra = " (Labels a b) (Value 1) (Default (x 1))";

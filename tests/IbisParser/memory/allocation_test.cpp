@@ -15,14 +15,14 @@
 
 // The heads of the lines logged when the allocation after so many fails: "B1908
 // B3900".
-static bool s_Failed = false;
+static bool s_failed = false;
 template <typename Action>
 static std::string s_heads(int passing, Action action)
 {
     LogCapture log;
     FailAllocationAfter(passing);
     action();
-    s_Failed = AllocationHasFailed();
+    s_failed = AllocationHasFailed();
     FailAllocationAfter(-1);
     std::string heads;
     const std::string text = log.Text();
@@ -101,7 +101,7 @@ GTEST_TEST(Allocation, ParameterFile)
                 ++refused;
         });
         grown = grown || heads.find("E1907 B0922") == 0;
-        EXPECT_TRUE(s_Failed || heads.empty()) << heads;
+        EXPECT_TRUE(s_failed || heads.empty()) << heads;
     }
     EXPECT_TRUE(grown);
     EXPECT_GT(refused, 2) << "lines and text both need memory";

@@ -165,7 +165,7 @@ GTEST_TEST(Algmod, EndOfBlock)
     ALGMOD_Free(record);
 }
 
-static const char s_LegalParameters[] =
+static const char s_legalParameters[] =
     "(r (Reserved_Parameters\n"
     "(Init_Returns_Impulse (Usage Info)(Type Boolean)(Default True)(Description \"d\"))\n"
     "(GetWave_Exists (Usage Info)(Type Boolean)(Default False)(Description \"d\"))))\n";
@@ -198,9 +198,9 @@ GTEST_TEST(Algmod, FilesBesideTheIbisFile)
     const TempDir dir;
     Messages messages(4600, 4699);
     dir.Write("tx.so", "");
-    dir.Write("tx.ami", s_LegalParameters);
-    dir.Write("tx.txt", s_LegalParameters);
-    dir.Write("noperiod", s_LegalParameters);
+    dir.Write("tx.ami", s_legalParameters);
+    dir.Write("tx.txt", s_legalParameters);
+    dir.Write("noperiod", s_legalParameters);
     dir.Write("bad.ami", "(a (b 1)");
     dir.Write("empty.ami", "| nothing\n");
     for (const auto& row : rows) {

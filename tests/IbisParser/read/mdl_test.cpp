@@ -12,7 +12,7 @@
 namespace {
 
 // Ends the model, and uses it.
-const char* const s_Component =
+const char* const ComponentTail =
     "[Component] c\n[Manufacturer] x\n[Package]\nR_pkg 1m 1m 1m\nL_pkg 1n 1n 1n\n"
     "C_pkg 1p 1p 1p\n[Pin] signal_name model_name R_pin L_pin C_pin\n1 D m\n";
 
@@ -28,7 +28,7 @@ void CheckRows(IbsLog* log, const Row (&rows)[n], const std::string& head, const
 {
     for (const Row& row : rows) {
         SCOPED_TRACE(row.label);
-        EXPECT_EQ(log->Check(row.version, head + row.text + tail + s_Component), row.messages)
+        EXPECT_EQ(log->Check(row.version, head + row.text + tail + ComponentTail), row.messages)
             << log->Text();
     }
 }
@@ -47,11 +47,12 @@ IbsLog ModelLog()
                    {4800, 4899}});
 }
 
-const char* const s_Input = "[Model] m\nModel_type Input\nC_comp 3p 2p 4p\nVinl = 0.8\nVinh = 2\n";
-const char* const s_Output = "[Model] m\nModel_type Output\nC_comp 3p 2p 4p\n";
-const char* const s_Both =
+const char* const InputModel =
+    "[Model] m\nModel_type Input\nC_comp 3p 2p 4p\nVinl = 0.8\nVinh = 2\n";
+const char* const OutputModel = "[Model] m\nModel_type Output\nC_comp 3p 2p 4p\n";
+const char* const Both =
     "[Model] m\nModel_type I/O\nC_comp 3p 2p 4p\nVinl = 0.8\nVinh = 2\nVmeas = 1.5\n";
-const char* const s_Supply = "[Voltage Range] 3.3 3.0 3.6\n";
+const char* const Supply = "[Voltage Range] 3.3 3.0 3.6\n";
 
 }  // namespace
 
@@ -104,7 +105,7 @@ GTEST_TEST(Mdl, SubParameters)
          "E1918@5"},
     };
     IbsLog log = ModelLog();
-    CheckRows(&log, rows, "", s_Supply);
+    CheckRows(&log, rows, "", Supply);
 }
 
 GTEST_TEST(Mdl, ValuesOfTheRecord)
@@ -145,7 +146,7 @@ GTEST_TEST(Mdl, ValuesOfTheRecord)
          "E0155@7"},
     };
     IbsLog log = ModelLog();
-    CheckRows(&log, rows, "", s_Supply);
+    CheckRows(&log, rows, "", Supply);
 }
 
 GTEST_TEST(Mdl, Ranges)
@@ -189,7 +190,7 @@ GTEST_TEST(Mdl, Ranges)
          "E3901@7 E3901@7"},
     };
     IbsLog log = ModelLog();
-    CheckRows(&log, rows, s_Output, "");
+    CheckRows(&log, rows, OutputModel, "");
 }
 
 GTEST_TEST(Mdl, TerminatorElements)
@@ -207,7 +208,7 @@ GTEST_TEST(Mdl, TerminatorElements)
          "E0119@7"},
     };
     IbsLog log = ModelLog();
-    CheckRows(&log, rows, "", s_Supply);
+    CheckRows(&log, rows, "", Supply);
 }
 
 GTEST_TEST(Mdl, KeywordsByType)
@@ -240,7 +241,7 @@ GTEST_TEST(Mdl, KeywordsByType)
          "E0118@10"},
     };
     IbsLog log = ModelLog();
-    CheckRows(&log, rows, "", s_Supply);
+    CheckRows(&log, rows, "", Supply);
 }
 
 GTEST_TEST(Mdl, BlocksLeftOpen)
@@ -258,7 +259,7 @@ GTEST_TEST(Mdl, BlocksLeftOpen)
          "[Voltage Range] 3.3 3 3.6\n[Composite Current]\n0 0 0 0\n", "E0153@11"},
     };
     IbsLog log = ModelLog();
-    CheckRows(&log, rows, s_Both, "");
+    CheckRows(&log, rows, Both, "");
 }
 
 GTEST_TEST(Ramp, Lines)
@@ -279,7 +280,7 @@ GTEST_TEST(Ramp, Lines)
          "dV/dt_r 1/1n NA NA\ndV/dt_f 1V5/1n NA NA\nR_load 1K\n", "W1910@10 W0158@11"},
     };
     IbsLog log = ModelLog();
-    CheckRows(&log, rows, std::string(s_Output) + s_Supply + "[Ramp]\n", "");
+    CheckRows(&log, rows, std::string(OutputModel) + Supply + "[Ramp]\n", "");
 }
 
 GTEST_TEST(MdlSpec, Entries)
@@ -313,12 +314,12 @@ GTEST_TEST(MdlSpec, Entries)
         {"twice", "3.2", "Vinh 2 2 2\nVinh 2 2 2\n", "E1911@13"},
     };
     IbsLog log = ModelLog();
-    CheckRows(&log, rows, std::string(s_Both) + s_Supply + "[Model Spec]\n", "");
+    CheckRows(&log, rows, std::string(Both) + Supply + "[Model Spec]\n", "");
 
     static const Row receiver[] = {{"Vmeas of a receiver", "3.2", "Vmeas 1 1 1\n", "W3104@11"}};
-    CheckRows(&log, receiver, std::string(s_Input) + s_Supply + "[Model Spec]\n", "");
+    CheckRows(&log, receiver, std::string(InputModel) + Supply + "[Model Spec]\n", "");
     static const Row driver[] = {{"Vinl of a driver", "3.2", "Vinl 1 1 1\n", "W3104@9"}};
-    CheckRows(&log, driver, std::string(s_Output) + s_Supply + "[Model Spec]\n", "");
+    CheckRows(&log, driver, std::string(OutputModel) + Supply + "[Model Spec]\n", "");
 }
 
 GTEST_TEST(RcvTh, Thresholds)
@@ -367,7 +368,7 @@ GTEST_TEST(RcvTh, Thresholds)
     IbsLog log = ModelLog();
     CheckRows(&log, rows,
               "[Model] m\nModel_type Input\nC_comp 3p 2p 4p\nVinl = 1.3\nVinh = 1.9\n" +
-                  std::string(s_Supply) + "[Receiver Thresholds]\n",
+                  std::string(Supply) + "[Receiver Thresholds]\n",
               "");
 }
 
@@ -393,7 +394,7 @@ GTEST_TEST(DrvSh, Schedules)
     };
     IbsLog log = ModelLog();
     CheckRows(&log, rows,
-              std::string(s_Output) + "Vmeas 1\n" + s_Supply + "[Pullup Reference] 3.3 3 3.6\n" +
+              std::string(OutputModel) + "Vmeas 1\n" + Supply + "[Pullup Reference] 3.3 3 3.6\n" +
                   "[Pulldown Reference] 0 0 0\n[Temperature Range] 50 0 100\n[Driver Schedule]\n",
               "[Model] a\nModel_type Output\nC_comp 0 0 0\nC_comp_pullup 1p 1p 1p\n[Voltage Range] "
               "3.3 3 3.6\n"
@@ -419,7 +420,7 @@ GTEST_TEST(AddSub, Lines)
     // Three of the four submodels are added in any case.
     IbsLog log({{100, 200}, {202, 209}, {2700, 2799}});
     CheckRows(&log, rows,
-              "[Model] m\nModel_type 3-state\nC_comp 3p 2p 4p\n" + std::string(s_Supply) +
+              "[Model] m\nModel_type 3-state\nC_comp 3p 2p 4p\n" + std::string(Supply) +
                   "[Add Submodel]\n",
               "[Submodel] k\nSubmodel_type Bus_hold\n[Submodel] k2\nSubmodel_type Bus_hold\n"
               "[Submodel] c\nSubmodel_type Dynamic_clamp\n");
@@ -452,7 +453,7 @@ GTEST_TEST(AddSub, ModesByType)
         const auto check = [&](const char* mode) {
             return log.Check("4.2", std::string("[Model] m\nModel_type ") + row.type +
                                         "\n[Add Submodel]\nk " + mode +
-                                        "\n[Submodel] k\nSubmodel_type Bus_hold\n" + s_Component);
+                                        "\n[Submodel] k\nSubmodel_type Bus_hold\n" + ComponentTail);
         };
         EXPECT_EQ(check("Driving"), row.driving);
         EXPECT_EQ(check("Non-Driving"), row.nonDriving);
@@ -466,12 +467,12 @@ GTEST_TEST(MdlTest, Submodels)
 {
     IbsLog log({{200, 209}, {3600, 3600}});
     const std::string model = "[Model] m\nModel_type 3-state\n[Add Submodel]\nf Non-Driving\n";
-    EXPECT_EQ(log.Check("4.2", model + s_Component), "E0205");
+    EXPECT_EQ(log.Check("4.2", model + ComponentTail), "E0205");
     EXPECT_EQ(log.Check("4.2", model +
                                    "[Submodel] f\nSubmodel_type Fall_back\n[Submodel] g\n"
                                    "Submodel_type Fall_back\n[Submodel] f\n"
                                    "Submodel_type Fall_back\n" +
-                                   s_Component),
+                                   ComponentTail),
               "E3600 W0201 W0204");
 }
 
@@ -547,7 +548,7 @@ GTEST_TEST(SerEl, Elements)
         {"typ NA, K", "3.2", "Series\n[R Series] NA 9K 11\n", "W0158@6 E3300@6"},
     };
     IbsLog log = ModelLog();
-    CheckRows(&log, rows, "[Model] m\nModel_type ", s_Supply);
+    CheckRows(&log, rows, "[Model] m\nModel_type ", Supply);
 }
 
 GTEST_TEST(MdlEmi, Lines)
@@ -568,7 +569,7 @@ GTEST_TEST(MdlEmi, Lines)
          "E0118@14"},
     };
     IbsLog log = ModelLog();
-    CheckRows(&log, rows, std::string(s_Both) + s_Supply + "[Begin EMI Model]\n", "");
+    CheckRows(&log, rows, std::string(Both) + Supply + "[Begin EMI Model]\n", "");
 }
 
 GTEST_TEST(SubMdl, Records)
@@ -697,7 +698,7 @@ GTEST_TEST(Mdl, ExternalModel)
          ""},
     };
     IbsLog log({{100, 206}, {3425, 3425}, {3440, 3442}, {3446, 3446}});
-    CheckRows(&log, rows, "[Model] m\nModel_type I/O_diff\n", s_Supply);
+    CheckRows(&log, rows, "[Model] m\nModel_type I/O_diff\n", Supply);
 }
 
 // Lines that the reader would not send.

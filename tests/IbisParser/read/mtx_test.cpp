@@ -10,7 +10,7 @@
 #include "tests/support/Messages.h"
 #include "tests/support/TempDir.h"
 
-static const char s_Head[] =
+static const char s_head[] =
     "[IBIS Ver] 3.2\n[File Name] m.pkg\n[File Rev] 1\n[Define Package Model] m\n"
     "[Manufacturer] a\n[OEM] b\n[Description] c\n";
 
@@ -21,7 +21,7 @@ public:
     Package(int pins, const std::string& matrix)
     {
         std::ostringstream text;
-        text << s_Head << "[Number Of Pins] " << pins << "\n[Pin Numbers]\n";
+        text << s_head << "[Number Of Pins] " << pins << "\n[Pin Numbers]\n";
         for (int i = 0; i < pins; ++i)
             text << "p" << i << "\n";
         text << "[Model Data]\n[Inductance Matrix] " << matrix

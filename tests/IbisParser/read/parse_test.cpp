@@ -12,7 +12,7 @@
 #include "tests/support/TempDir.h"
 #include "tests/support/aborts.h"
 
-static const char* const s_Extensions[] = {".ibs", ".pkg", ".ebd", ".ami"};
+static const char* const s_extensions[] = {".ibs", ".pkg", ".ebd", ".ami"};
 
 static std::string s_document(const std::string& name, const char* version, const std::string& body)
 {
@@ -22,7 +22,7 @@ static std::string s_document(const std::string& name, const char* version, cons
 
 static int s_read(const TempDir& dir, int type, const char* version, const std::string& body)
 {
-    const std::string name = std::string("x") + s_Extensions[type - FILE_IBS];
+    const std::string name = std::string("x") + s_extensions[type - FILE_IBS];
     return PARSE(dir.Write(name, s_document(name, version, body)).c_str(), type);
 }
 
@@ -236,14 +236,14 @@ GTEST_TEST(Parse, MistakesOfTheCaller)
 static void s_readAll(const TempDir& dir, const std::string& bytes)
 {
     for (int type = FILE_IBS; type <= FILE_AMI; ++type) {
-        const std::string path = dir.Write(std::string("x") + s_Extensions[type - FILE_IBS], bytes);
+        const std::string path = dir.Write(std::string("x") + s_extensions[type - FILE_IBS], bytes);
         INIT();
         if (PARSE(path.c_str(), type)) TEST(type, 0);
         FINI();
     }
 }
 
-static const char s_Everything[] =
+static const char s_everything[] =
     "[IBIS Ver] 5.0\n[File Name] x.ibs\n[File Rev] 1\n[Component] c\n[Manufacturer] m\n[Package]\n"
     "R_pkg 1 1 1\nL_pkg 1n 1n 1n\nC_pkg 1p 1p 1p\n[Pin] signal_name model_name\n1 a b\n"
     "[Model] b\nModel_type I/O\nC_comp 1p NA NA\n[Voltage Range] 1 NA NA\n[Pulldown]\n0 0 NA NA\n"
@@ -256,7 +256,7 @@ GTEST_TEST(Parse, FilesCutAnywhere)
 {
     const TempDir dir;
     Messages messages(1, 0);
-    const std::string text = s_Everything;
+    const std::string text = s_everything;
     const std::string parameters =
         "(r (Reserved_Parameters (Tx_Jitter (Usage Info) (Format DjRj 1 2 \"3\")))\n(Description "
         "\"x\"))";
@@ -274,7 +274,7 @@ GTEST_TEST(Parse, Noise)
     static const char characters[] = "[]|()_/= \"\n\r\t\0\x1a\xff#0.eIBNS";
     const std::string alphabet(characters, sizeof characters - 1);
     for (int round = 0; round < 60; ++round) {
-        std::string bytes = round % 2 == 0 ? "" : s_Everything;
+        std::string bytes = round % 2 == 0 ? "" : s_everything;
         for (int i = 0; i < 300; ++i) {
             const char c = alphabet[random() % alphabet.size()];
             if (bytes.size() < 300)
@@ -284,7 +284,7 @@ GTEST_TEST(Parse, Noise)
         }
         s_readAll(dir, bytes);
     }
-    std::string replaced = s_Everything;
+    std::string replaced = s_everything;
     for (char& c : replaced)
         if (c == '\n') c = '\r';
     s_readAll(dir, replaced);

@@ -13,7 +13,7 @@
 namespace quell {
 namespace {
 
-constexpr double s_Interval = 12.5e-12;
+constexpr double Interval = 12.5e-12;
 
 using Gain = std::function<std::complex<double>(double)>;
 
@@ -35,7 +35,7 @@ std::complex<double> Delayed(double f, double delay)
 std::vector<double> Transformed(const FrequencyResponse& response, size_t samples)
 {
     const ResponseCurve curve(response);
-    return ImpulseResponse([&](double f) { return curve.At(f); }, samples, s_Interval);
+    return ImpulseResponse([&](double f) { return curve.At(f); }, samples, Interval);
 }
 
 GTEST_TEST(FrequencyResponse, PureDelayBecomesOneSample)
@@ -49,7 +49,7 @@ GTEST_TEST(FrequencyResponse, PureDelayBecomesOneSample)
             EXPECT_NEAR(GroupDelay(response), 2e-9, 1e-20);
             const std::vector<double> impulse = Transformed(response, 1024);
             for (size_t n = 0; n < impulse.size(); ++n)
-                EXPECT_NEAR(impulse[n] * s_Interval, n == 160 ? 1 : 0, 1e-9) << n;
+                EXPECT_NEAR(impulse[n] * Interval, n == 160 ? 1 : 0, 1e-9) << n;
         }
     }
 }
@@ -75,10 +75,10 @@ GTEST_TEST(FrequencyResponse, LowPassAgainstItsClosedForm)
         return Delayed(f, 1e-9) / std::complex<double>(1, f / corner);
     };
     const std::vector<double> step =
-        StepResponse(Transformed(Sampled(gain, 20e6, 20e6, 40e9), 8192), s_Interval);
+        StepResponse(Transformed(Sampled(gain, 20e6, 20e6, 40e9), 8192), Interval);
     for (size_t n = 84; n < 1000; ++n) {
         // A sample stands for the interval around it.
-        const double t = (static_cast<double>(n) + 0.5) * s_Interval - 1e-9;
+        const double t = (static_cast<double>(n) + 0.5) * Interval - 1e-9;
         EXPECT_NEAR(step[n], 1 - std::exp(-2 * std::numbers::pi * corner * t), 2e-3) << n;
     }
     EXPECT_NEAR(step[70], 0, 5e-3);
@@ -91,11 +91,11 @@ GTEST_TEST(FrequencyResponse, LossLineAgainstItsClosedForm)
     // still lacks there, three thousandths, onto its beginning.
     const LossLine line = {8, 2.5e9};
     const std::vector<double> step = StepResponse(
-        ImpulseResponse([&](double f) { return line.Gain(f); }, 1U << 18, s_Interval), s_Interval);
+        ImpulseResponse([&](double f) { return line.Gain(f); }, 1U << 18, Interval), Interval);
     const double k = 8 / (20 / std::log(10)) / std::sqrt(2.5e9);
     const double a = k / std::sqrt(std::numbers::pi);
     for (size_t n = 85; n < 4000; n += 5) {
-        const double t = (static_cast<double>(n) + 0.5) * s_Interval - 1e-9;
+        const double t = (static_cast<double>(n) + 0.5) * Interval - 1e-9;
         EXPECT_NEAR(step[n], std::erfc(a / (2 * std::sqrt(t))), 4e-3) << n;
     }
 }
@@ -107,9 +107,9 @@ GTEST_TEST(FrequencyResponse, ABandThatEndsEarlyIsContinued)
     const LossLine line = {8, 2.5e9};
     const Gain gain = [&](double f) { return line.Gain(f); };
     const std::vector<double> whole =
-        PulseResponse(ImpulseResponse(gain, 16384, s_Interval), s_Interval, 16);
+        PulseResponse(ImpulseResponse(gain, 16384, Interval), Interval, 16);
     const std::vector<double> cut =
-        PulseResponse(Transformed(Sampled(gain, 10e6, 10e6, 12e9), 16384), s_Interval, 16);
+        PulseResponse(Transformed(Sampled(gain, 10e6, 10e6, 12e9), 16384), Interval, 16);
     for (size_t n = 0; n < 2000; ++n)
         EXPECT_NEAR(cut[n], whole[n], 8e-3) << n;
 }
@@ -133,10 +133,10 @@ GTEST_TEST(FrequencyResponse, CrosstalkFadesToNothingAtDc)
 GTEST_TEST(Transform, ThereAndBack)
 {
     const std::vector<double> impulse = {1e9, 2e9, -3e9, 0, 5e8, 0};
-    const std::vector<std::complex<double>> gain = TransferFunction(impulse, 12, s_Interval);
+    const std::vector<std::complex<double>> gain = TransferFunction(impulse, 12, Interval);
     size_t k = 0;
     const std::vector<double> back =
-        ImpulseResponse([&](double) { return gain[k++]; }, 12, s_Interval);
+        ImpulseResponse([&](double) { return gain[k++]; }, 12, Interval);
     for (size_t n = 0; n < 12; ++n)
         EXPECT_NEAR(back[n], n < impulse.size() ? impulse[n] : 0, 1e-5) << n;
 }

@@ -9,9 +9,9 @@
 
 using Json = nlohmann::ordered_json;
 
-static const std::string s_Data = QUELL_SOURCE_DIR "/tests/data/";
+static const std::string s_data = QUELL_SOURCE_DIR "/tests/data/";
 
-static const char s_Component[] = R"([IBIS Ver] 5.0
+static const char s_component[] = R"([IBIS Ver] 5.0
 [File Name] c.ibs
 [File Rev] 1.0
 [Date] today
@@ -65,7 +65,7 @@ static Json s_info(const std::string& path)
 GTEST_TEST(Info, Component)
 {
     const ScratchFolder scratch;
-    const Json file = s_info(scratch.Write("c.ibs", s_Component));
+    const Json file = s_info(scratch.Write("c.ibs", s_component));
     EXPECT_EQ(file["format"], 1);
     EXPECT_EQ(file["type"], "component");
     EXPECT_EQ(file["header"]["source"], "first line\nsecond line");
@@ -102,7 +102,7 @@ GTEST_TEST(Info, Component)
 
 GTEST_TEST(Info, PackagesBoardsTestsAndParameters)
 {
-    const Json packages = s_info(s_Data + "package/lgl_mtrx.pkg");
+    const Json packages = s_info(s_data + "package/lgl_mtrx.pkg");
     EXPECT_EQ(packages["type"], "package");
     ASSERT_EQ(packages["package_models"].size(), 2u);
     const Json& package = packages["package_models"][0];
@@ -113,7 +113,7 @@ GTEST_TEST(Info, PackagesBoardsTestsAndParameters)
     EXPECT_EQ(package["matrices"]["resistance"]["bandwidth"], 0);
     EXPECT_EQ(package["matrices"]["capacitance"]["elements"], 5);
 
-    const Json boards = s_info(s_Data + "board/tiny_dimm.ebd");
+    const Json boards = s_info(s_data + "board/tiny_dimm.ebd");
     EXPECT_EQ(boards["type"], "board");
     const Json& board = boards["boards"][0];
     EXPECT_EQ(board["pins"][1]["path"], "P_DQ0");
@@ -122,12 +122,12 @@ GTEST_TEST(Info, PackagesBoardsTestsAndParameters)
               R"([{"pin":"4"},{"node":"U1.13"},{"node":"U2.14"}])");
     EXPECT_EQ(board["designators"][0]["component"], "ZQ100 Demo");
 
-    const Json tests = s_info(s_Data + "testdata/legal_test.ibs");
+    const Json tests = s_info(s_data + "testdata/legal_test.ibs");
     EXPECT_EQ(tests["test_data"][1]["type"], "Differential");
     EXPECT_EQ(tests["test_loads"][0]["values"]["Rp1_far"], 50);
     EXPECT_EQ(tests["test_loads"][0]["V_term2"]["typ"], 0);
 
-    const Json parameters = s_info(s_Data + "parameters/legal.ami");
+    const Json parameters = s_info(s_data + "parameters/legal.ami");
     EXPECT_EQ(parameters["type"], "parameters");
     EXPECT_TRUE(parameters["branches"].contains("Reserved_Parameters"));
 
@@ -138,7 +138,7 @@ GTEST_TEST(Info, PackagesBoardsTestsAndParameters)
 
 GTEST_TEST(Info, LaterVersionIsReadAsTheLastKnown)
 {
-    std::string text = s_Component;
+    std::string text = s_component;
     text.replace(text.find("5.0"), 3, "7.1");
     const ScratchFolder scratch;
     const Json file = s_info(scratch.Write("c.ibs", text));
@@ -150,7 +150,7 @@ GTEST_TEST(Info, LaterVersionIsReadAsTheLastKnown)
 GTEST_TEST(Info, Screen)
 {
     const ScratchFolder scratch;
-    const CommandResult result = RunQuell("info " + scratch.Write("c.ibs", s_Component));
+    const CommandResult result = RunQuell("info " + scratch.Write("c.ibs", s_component));
     EXPECT_EQ(result.exitCode, 0);
     static const char* const lines[] = {
         "  IBIS 5.0, file c.ibs, rev 1.0, date today\n",
@@ -202,7 +202,7 @@ GTEST_TEST(Info, WhatCannotBeReadIsOneLine)
         const char* text;
     } cases[] = {
         {"no such file", "/nowhere/c.ibs", 2, "no such file"},
-        {"another extension", scratch.Write("c.txt", s_Component), 2, "ends in none of"},
+        {"another extension", scratch.Write("c.txt", s_component), 2, "ends in none of"},
         {"no IBIS file", scratch.Write("e.ibs", "nothing\n"), 2, "Could not determine Version"},
         {"no parameters", scratch.Write("e.ami", ""), 2, "e.ami: no parameter tree"},
         {"a cut tree", scratch.Write("cut.ami", "(t (Model_Specific"), 2, "no parameter tree"},

@@ -15,12 +15,12 @@ namespace {
 
 using nlohmann::json;
 
-const std::string s_Models = QUELL_BINARY_DIR "/tests/models/";
-const std::string s_TestModel = " --model " + s_Models + "test_model.so ";
+const std::string Models = QUELL_BINARY_DIR "/tests/models/";
+const std::string TestModel = " --model " + Models + "test_model.so ";
 
 std::string RunTestModel(const std::string& behaviour)
 {
-    return "run loss:8dB@2.5GHz" + s_TestModel + "--set do=" + behaviour + " ";
+    return "run loss:8dB@2.5GHz" + TestModel + "--set do=" + behaviour + " ";
 }
 
 size_t LineCount(const std::string& text)
@@ -43,17 +43,17 @@ GTEST_TEST(Run, ExitCodesAndTheirOneLine)
          "quell: --bit-rate: 'fast' is not a number (see quell --help)\n"},
         {"run x.csv --unit V", 2,
          "quell: --unit: 'V' is none of V/s, V/sample (see quell --help)\n"},
-        {"run /no/x.csv" + s_TestModel + "--params x", 2, "quell: /no/x.csv: no such file\n"},
+        {"run /no/x.csv" + TestModel + "--params x", 2, "quell: /no/x.csv: no such file\n"},
         {"run loss:8dB@2.5GHz --model /no/x.so", 2, "quell: /no/x.so: no such model file\n"},
-        {"run loss:8dB@2.5GHz --params x --model " + s_Models + "model_without_init.so", 2,
-         "quell: " + s_Models + "model_without_init.so: exports no AMI_Init\n"},
-        {"run loss:8dB@2.5GHz --ports 99" + s_TestModel, 2,
+        {"run loss:8dB@2.5GHz --params x --model " + Models + "model_without_init.so", 2,
+         "quell: " + Models + "model_without_init.so: exports no AMI_Init\n"},
+        {"run loss:8dB@2.5GHz --ports 99" + TestModel, 2,
          "quell: --ports '99': expected 13,24 (in at ports 1 and 3, out at 2 and 4) or 1,2\n"},
-        {"run loss:8dB@2.5GHz --params '(x (do fail))'" + s_TestModel, 3,
+        {"run loss:8dB@2.5GHz --params '(x (do fail))'" + TestModel, 3,
          "quell: the model reports failure: AMI_Init returned 0\n"},
-        {"run loss:8dB@2.5GHz --params crash_init" + s_TestModel, 4,
+        {"run loss:8dB@2.5GHz --params crash_init" + TestModel, 4,
          "quell: model crashed in AMI_Init: SIGSEGV\n"},
-        {"run loss:8dB@2.5GHz --timeout 0.2 --params hang" + s_TestModel, 4,
+        {"run loss:8dB@2.5GHz --timeout 0.2 --params hang" + TestModel, 4,
          "quell: model did not come to an end within 0.2 s: stopped in AMI_Init\n"},
     };
     for (const auto& row : rows) {
@@ -175,19 +175,19 @@ GTEST_TEST(Run, RootNameOfTheParameterString)
 {
     const ScratchFolder scratch;
     const std::string ami = scratch.Write("x.ami", "| note\n(Their_Root (Reserved_Parameters))\n");
-    CommandResult result = RunQuell("run x --dry-run --set a=1 --ami " + ami + s_TestModel);
+    CommandResult result = RunQuell("run x --dry-run --set a=1 --ami " + ami + TestModel);
     EXPECT_EQ(result.out, "(Their_Root (a 1))\n");
     EXPECT_EQ(result.err, "");
 
-    result = RunQuell("run x --dry-run --set a=1" + s_TestModel);
+    result = RunQuell("run x --dry-run --set a=1" + TestModel);
     EXPECT_EQ(result.out, "(test_model (a 1))\n");
-    EXPECT_EQ(result.err, "warning: no parameter file " + s_Models +
+    EXPECT_EQ(result.err, "warning: no parameter file " + Models +
                               "test_model.ami: the root name is taken to be test_model\n");
 
-    result = RunQuell("run x --dry-run --params 'as it )( is'" + s_TestModel);
+    result = RunQuell("run x --dry-run --params 'as it )( is'" + TestModel);
     EXPECT_EQ(result.out, "as it )( is\n");
 
-    result = RunQuell("run x --ami " + scratch.Write("y.ami", "nothing\n") + s_TestModel);
+    result = RunQuell("run x --ami " + scratch.Write("y.ami", "nothing\n") + TestModel);
     EXPECT_EQ(result.exitCode, 2);
     EXPECT_EQ(LineCount(result.err), 1u) << result.err;
 }

@@ -7,13 +7,13 @@
 #include <string.h>
 #include <unistd.h>
 
-static char s_Message[64];
-static int s_CrashInClose;
-static int* volatile s_Nowhere; /* read anew, so that the compiler does not know it to be null */
+static char s_message[64];
+static int s_crashInClose;
+static int* volatile s_nowhere; /* read anew, so that the compiler does not know it to be null */
 
 static void crash(void)
 {
-    *s_Nowhere = 1;
+    *s_nowhere = 1;
 }
 
 #ifdef CRASH_WHEN_LOADED
@@ -24,7 +24,7 @@ __attribute__((constructor)) static void loaded(void)
 #endif
 
 #ifndef NO_INIT
-static char s_Out[] = "(test_model (answer 42))";
+static char s_out[] = "(test_model (answer 42))";
 
 static int asked(const char* parameters, const char* behaviour)
 {
@@ -38,14 +38,14 @@ long AMI_Init(double* matrix, long rows, long aggressors, double interval, doubl
     long n;
     (void)interval;
     (void)bitTime;
-    *handle = s_Message;
+    *handle = s_message;
     if (asked(parameters, "halve"))
         for (n = 0; n < size; ++n)
             matrix[n] *= 0.5;
     if (asked(parameters, "speak")) {
-        snprintf(s_Message, sizeof s_Message, "%ld rows, \xff, %ld aggressors", rows, aggressors);
-        *message = s_Message;
-        *out = s_Out;
+        snprintf(s_message, sizeof s_message, "%ld rows, \xff, %ld aggressors", rows, aggressors);
+        *message = s_message;
+        *out = s_out;
     }
     if (asked(parameters, "print")) {
         printf("{ \"unit\": \"mm\" }\n");
@@ -56,7 +56,7 @@ long AMI_Init(double* matrix, long rows, long aggressors, double interval, doubl
     if (asked(parameters, "wild_message")) *message = (char*)16;
     if (asked(parameters, "leave_child") && fork() == 0) sleep(1000);
     if (asked(parameters, "crash_init")) crash();
-    if (asked(parameters, "crash_close")) s_CrashInClose = 1;
+    if (asked(parameters, "crash_close")) s_crashInClose = 1;
     if (asked(parameters, "abort")) abort();
     if (asked(parameters, "exit")) exit(7);
     if (asked(parameters, "stop")) raise(SIGSTOP);
@@ -75,7 +75,7 @@ long AMI_Init(double* matrix, long rows, long aggressors, double interval, doubl
 long AMI_Close(void* handle)
 {
     /* The handle is ours only when AMI_Init was told so. */
-    if (handle != s_Message || s_CrashInClose) crash();
+    if (handle != s_message || s_crashInClose) crash();
     return 1;
 }
 #endif

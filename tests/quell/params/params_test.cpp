@@ -11,7 +11,7 @@
 namespace quell {
 namespace {
 
-constexpr const char* s_File = R"(| a transmitter
+constexpr const char* File = R"(| a transmitter
 (Tx (Description "all of it")
   (Reserved_Parameters
     (Init_Returns_Impulse (Usage Info) (Type Boolean) (Default True) (Description "yes")))
@@ -34,7 +34,7 @@ AmiFile Read(const std::string& text, const std::string& name = "x.ami")
 
 GTEST_TEST(Params, ParametersWithTheirPaths)
 {
-    const AmiFile file = Read(s_File);
+    const AmiFile file = Read(File);
     EXPECT_EQ(file.root, "Tx");
     EXPECT_TRUE(file.problems.empty());
     std::string names;
@@ -122,7 +122,7 @@ GTEST_TEST(Params, SettingsAgainstTheFile)
         {"Init_Returns_Impulse=1",
          " has no such parameter; it has gain, mode, taps.-1, taps.0, on, seen, name"},
     };
-    const AmiFile file = Read(s_File);
+    const AmiFile file = Read(File);
     for (const auto& row : rows) {
         std::string objection;
         try {
@@ -158,7 +158,7 @@ GTEST_TEST(Params, EditDistanceInHalves)
 GTEST_TEST(Params, Command)
 {
     const ScratchFolder scratch;
-    const std::string path = scratch.Write("x.ami", s_File);
+    const std::string path = scratch.Write("x.ami", File);
     const CommandResult table = RunQuell("params " + path);
     EXPECT_EQ(table.exitCode, 0) << table.err;
     EXPECT_NE(

@@ -11,12 +11,12 @@
 namespace quell {
 namespace {
 
-const std::string s_Models = QUELL_BINARY_DIR "/tests/models/";
+const std::string Models = QUELL_BINARY_DIR "/tests/models/";
 
 AmiCall Call(const std::string& behaviour)
 {
     AmiCall call;
-    call.model = s_Models + "test_model.so";
+    call.model = Models + "test_model.so";
     call.parameters = "(test_model (do " + behaviour + "))";
     call.rows = 3;
     call.columns = 2;
@@ -94,17 +94,17 @@ GTEST_TEST(Host, AProcessLeftBehindDoesNotHoldTheCall)
 GTEST_TEST(Host, LibrariesThatAreNoModels)
 {
     AmiCall call = Call("halve");
-    call.model = s_Models + "model_without_init.so";
+    call.model = Models + "model_without_init.so";
     AmiResult result = RunAmiModel(call);
     EXPECT_EQ(result.outcome, AmiOutcome::NotLoadable);
     EXPECT_EQ(result.failure, call.model + ": exports no AMI_Init");
 
-    call.model = s_Models + "model_crashing_when_loaded.so";
+    call.model = Models + "model_crashing_when_loaded.so";
     result = RunAmiModel(call);
     EXPECT_EQ(result.outcome, AmiOutcome::Crashed);
     EXPECT_EQ(result.failure, "model crashed while it was loaded: SIGSEGV");
 
-    call.model = s_Models + "model_without_close.so";
+    call.model = Models + "model_without_close.so";
     result = RunAmiModel(call);
     EXPECT_EQ(result.outcome, AmiOutcome::Returned);
     EXPECT_EQ(result.warnings, std::vector<std::string>{"the model exports no AMI_Close"});

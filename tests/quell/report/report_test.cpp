@@ -18,7 +18,7 @@ using namespace quell;
 
 namespace {
 
-const double s_None = std::nan("");
+const double None = std::nan("");
 
 std::string TickTexts(const AxisLayout& layout)
 {
@@ -85,7 +85,7 @@ GTEST_TEST(Report, TicksAreRoundNumbersInEngineeringUnits)
 // Whatever a model leaves behind, an axis has an end and labels of reasonable length.
 GTEST_TEST(Report, AxesOfHostileRangesStayFinite)
 {
-    const double ends[] = {0, 1, -1, 1e-320, 1e299, -1e299, HUGE_VAL, -HUGE_VAL, s_None, 1e308};
+    const double ends[] = {0, 1, -1, 1e-320, 1e299, -1e299, HUGE_VAL, -HUGE_VAL, None, 1e308};
     for (const double low : ends)
         for (const double high : ends)
             for (const Scale scale : {Scale::Linear, Scale::Log}) {
@@ -132,12 +132,12 @@ GTEST_TEST(Report, GapsInterruptTheCurve)
         size_t dots;
     } rows[] = {
         {"whole", {0, 1, 0, 1, 0}, 1, 0},
-        {"gap inside", {0, 1, s_None, 1, 0}, 2, 0},
-        {"wide gap", {0, s_None, s_None, s_None, 1}, 2, 2},
-        {"gaps at the ends", {s_None, 1, 0, 1, s_None}, 1, 0},
-        {"a point alone", {s_None, s_None, 1, s_None, s_None}, 1, 1},
+        {"gap inside", {0, 1, None, 1, 0}, 2, 0},
+        {"wide gap", {0, None, None, None, 1}, 2, 2},
+        {"gaps at the ends", {None, 1, 0, 1, None}, 1, 0},
+        {"a point alone", {None, None, 1, None, None}, 1, 1},
         {"infinite", {0, 1, HUGE_VAL, 1, 0}, 2, 0},
-        {"nothing", {s_None, s_None, s_None, s_None, s_None}, 0, 0},
+        {"nothing", {None, None, None, None, None}, 0, 0},
     };
     for (const auto& row : rows) {
         const std::string curve = CurveOf(PlotOf({0, 1, 2, 3, 4}, row.y));
@@ -145,7 +145,7 @@ GTEST_TEST(Report, GapsInterruptTheCurve)
         EXPECT_EQ(row.dots, Count(curve, "h0")) << row.label << ": " << curve;
         EXPECT_EQ(0u, Count(curve, "nan")) << row.label;
     }
-    EXPECT_EQ("gap", PlotJson(PlotOf({0, 1, 2}, {0, s_None, 1}))["columns"][1][1]);
+    EXPECT_EQ("gap", PlotJson(PlotOf({0, 1, 2}, {0, None, 1}))["columns"][1][1]);
     LinePlot log = PlotOf({0, 1, 2}, {1, 0, 10});
     log.y.scale = Scale::Log;
     EXPECT_EQ(2u, Count(CurveOf(log), "M"));
@@ -187,7 +187,7 @@ GTEST_TEST(Report, ThinnedCurvesStayWithinTheTolerance)
         noise[i] = static_cast<double>(i * 7919 % 1000);
     }
     noise[54321] = 1e6;
-    noise[777] = s_None;
+    noise[777] = None;
     const std::vector<size_t> few = VisiblePoints(times, noise, 0, 1000);
     EXPECT_LE(few.size(), 1503u);
     EXPECT_NE(few.end(), std::find(few.begin(), few.end(), 54321u));

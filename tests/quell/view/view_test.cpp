@@ -68,22 +68,22 @@ std::string Component(const std::string& model)
 
 // A pulldown of 50 ohm and a pullup of 25 ohm; the supply of the minimum corner is 3 V. Waveforms
 // are into 50 ohm: the high state gives 2.2 V to ground, the low state half the supply.
-const std::string s_Resistors =
+const std::string Resistors =
     "[Model] r\nModel_type Output\nC_comp 1p 1p 1p\n[Voltage Range] 3.3 3.0 3.6\n"
     "[Pulldown]\n-3.3 -66m -66m -66m\n0 0 0 0\n6.6 132m 132m 132m\n"
     "[Pullup]\n-3.3 132m 132m 132m\n0 0 0 0\n6.6 -264m -264m -264m\n"
     "[Ramp]\ndV/dt_r 1.32/1n 1.2/1n 1.44/1n\ndV/dt_f 0.99/1n 0.9/1n 1.08/1n\n";
-const std::string s_Waveforms =
+const std::string WaveformModel =
     "[Rising Waveform]\nR_fixture = 50\nV_fixture = 0\n"
     "0 0 0 0\n1n 1.1 1.0 1.2\n2n 2.2 2.0 2.4\n3n 2.2 2.0 2.4\n"
     "[Falling Waveform]\nR_fixture = 50\nV_fixture = 3.3\nV_fixture_min = 3.0\n"
     "V_fixture_max = 3.6\n0 3.3 3.0 3.6\n1n 2 2 2\n2n 1.65 1.5 1.8\n3n 1.65 1.5 1.8\n";
 
-constexpr double s_Rounding = 1e-12;
+constexpr double Rounding = 1e-12;
 
 GTEST_TEST(ViewCurves, TablesStandOverThePinVoltage)
 {
-    const ReadText text(Component("r") + s_Resistors);
+    const ReadText text(Component("r") + Resistors);
     const std::vector<TableView> views = TableViews(text.Model());
     ASSERT_EQ(views.size(), 2U);
     const struct {
@@ -96,8 +96,8 @@ GTEST_TEST(ViewCurves, TablesStandOverThePinVoltage)
     for (const auto& span : spans) {
         const CornerCurve& curve = views[span.table].curves[span.corner];
         ASSERT_EQ(curve.x.size(), 3U);
-        EXPECT_NEAR(curve.x.front(), span.from, s_Rounding) << span.table << span.corner;
-        EXPECT_NEAR(curve.x.back(), span.to, s_Rounding) << span.table << span.corner;
+        EXPECT_NEAR(curve.x.front(), span.from, Rounding) << span.table << span.corner;
+        EXPECT_NEAR(curve.x.back(), span.to, Rounding) << span.table << span.corner;
         EXPECT_LT(curve.y.front(), curve.y.back());
     }
     EXPECT_TRUE(views[0].falls.empty() && views[1].falls.empty());
@@ -105,7 +105,7 @@ GTEST_TEST(ViewCurves, TablesStandOverThePinVoltage)
 
 GTEST_TEST(ViewCurves, OperatingPointsOfResistors)
 {
-    const ReadText text(Component("r") + s_Resistors + s_Waveforms);
+    const ReadText text(Component("r") + Resistors + WaveformModel);
     const std::vector<LoadLine> loads = LoadLines(text.Model());
     ASSERT_EQ(loads.size(), 2U);
     const std::vector<StateView> states = StateViews(text.Model(), loads);
@@ -122,17 +122,17 @@ GTEST_TEST(ViewCurves, OperatingPointsOfResistors)
         const std::optional<OperatingPoint>& point =
             states[each.state].points[each.load][each.corner];
         ASSERT_TRUE(point);
-        EXPECT_NEAR(point->v, each.v, s_Rounding);
-        EXPECT_NEAR(point->i, each.i, s_Rounding);
+        EXPECT_NEAR(point->v, each.v, Rounding);
+        EXPECT_NEAR(point->i, each.i, Rounding);
         EXPECT_FALSE(point->outside || point->several);
     }
     const std::vector<WaveformView> waveforms = WaveformViews(text.Model());
     ASSERT_EQ(waveforms.size(), 2U);
     const std::vector<WaveformView::End>& ends = waveforms[1].ends;
     ASSERT_EQ(ends.size(), 6U);  // start and end of three corners
-    EXPECT_NEAR(ends[0].volts, 3.3, s_Rounding);
+    EXPECT_NEAR(ends[0].volts, 3.3, Rounding);
     EXPECT_DOUBLE_EQ(ends[1].time, 3e-9);
-    EXPECT_NEAR(ends[5].volts, 1.8, s_Rounding);
+    EXPECT_NEAR(ends[5].volts, 1.8, Rounding);
 }
 
 GTEST_TEST(ViewCurves, CellsWithoutNumbersLieOnTheLineAcross)
@@ -209,7 +209,7 @@ GTEST_TEST(ViewFindings, BelongToTheModelThatTheyName)
 GTEST_TEST(ViewFindings, StandWithThePictureThatShowsThem)
 {
     // The pulldown falls between 1 and 2 V, and the rising waveform ends 0.2 V too low.
-    std::string model = s_Resistors + s_Waveforms;
+    std::string model = Resistors + WaveformModel;
     model.replace(model.find("6.6 132m 132m 132m"), 18,
                   "1 40m 40m 40m\n2 20m 20m 20m\n6.6 132m 132m 132m");
     model.replace(model.find("3n 2.2 2.0 2.4"), 14, "3n 2.0 2.0 2.4");
@@ -230,8 +230,8 @@ GTEST_TEST(ViewFindings, StandWithThePictureThatShowsThem)
     const LinePlot& low = plots[0].plot;
     ASSERT_EQ(low.bands.size(), 1U);  // the same in all corners
     EXPECT_EQ(low.bands[0].label, "falls: 4703");
-    EXPECT_NEAR(low.bands[0].from, 1, s_Rounding);
-    EXPECT_NEAR(low.bands[0].to, 2, s_Rounding);
+    EXPECT_NEAR(low.bands[0].from, 1, Rounding);
+    EXPECT_NEAR(low.bands[0].to, 2, Rounding);
     EXPECT_EQ(TieFinding({Severity::Note, 1, 1, "", 0, "Model 'low state' x"}, plots),
               plots.size());
 }
@@ -240,7 +240,7 @@ GTEST_TEST(ViewPage, ShowsWhatIsAskedFor)
 {
     std::string models;
     for (const char* name : {"a<script>", "b", "c", "d"}) {
-        std::string model = s_Resistors;
+        std::string model = Resistors;
         models += model.replace(8, 1, name);
     }
     const ReadText text(Component("a<script>") + models);
@@ -262,10 +262,10 @@ GTEST_TEST(ViewCommand, ExitCodesAndOutput)
     const ScratchFolder folder;
     const std::string head = "[IBIS Ver] 4.2\n[File Name] t.ibs\n[File Rev] 1\n";
     const std::string good =
-        folder.Write("t.ibs", head + Component("r") + s_Resistors + s_Waveforms + "[End]\n");
+        folder.Write("t.ibs", head + Component("r") + Resistors + WaveformModel + "[End]\n");
     const std::string later =
         folder.Write("later.ibs", "[IBIS Ver] 7.0\n[File Name] later.ibs\n[File Rev] 1\n" +
-                                      Component("r") + s_Resistors + "[End]\n");
+                                      Component("r") + Resistors + "[End]\n");
     const std::string empty = folder.Write("empty.ibs", "");
     const std::string none = folder.Write("none.ibs", head + "[End]\n");
     const struct {
