@@ -9,6 +9,8 @@
 #include <string>
 #include <vector>
 
+#include "tests/support/TempDir.h"
+
 #if defined(__SANITIZE_ADDRESS__)
 #define QUELL_ADDRESS_SANITIZER
 #elif defined(__has_feature)
@@ -70,20 +72,15 @@ std::vector<double> Filter(const Plugin& plugin, void** handle)
     return column;
 }
 
-fs::path TemporaryCopy(const char* file, const char* name)
-{
-    const fs::path copy = fs::temp_directory_path() / (std::to_string(getpid()) + name);
-    fs::copy_file(file, copy, fs::copy_options::overwrite_existing);
-    return copy;
-}
-
 }  // namespace
 
 GTEST_TEST(Plugin, LoadsTwiceUnloadsAndLoadsAgain)
 {
     for (const char* file : LibraryFiles) {
         SCOPED_TRACE(file);
-        const fs::path other = TemporaryCopy(file, "other.so");
+        const TempDir folder;
+        const fs::path other = folder.Path("other.so");
+        fs::copy_file(file, other);
         const Plugin first(file);
         const Plugin second(other);
         ASSERT_TRUE(first.library != nullptr && second.library != nullptr) << dlerror();
@@ -108,7 +105,6 @@ GTEST_TEST(Plugin, LoadsTwiceUnloadsAndLoadsAgain)
         EXPECT_EQ(expected, Filter(again, &handles[0]));
         EXPECT_EQ(1, again.close(handles[0]));
         dlclose(again.library);
-        fs::remove(other);
     }
 }
 

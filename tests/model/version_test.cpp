@@ -7,10 +7,11 @@ GTEST_TEST(Version, PrintsSixLinesThatTextScannersFind)
     testing::internal::CaptureStdout();
     TalvernQuellCodeGen::version();
     EXPECT_EQ(testing::internal::GetCapturedStdout(),
-              "$Id: File Description  Kormavist 2012.06 IBIS-AMI Model $\n"
-              "$Id: File Version      2012.06 $\n"
-              "$Id: Product Name      Kormavist $\n"
-              "$Id: Product Version   2012.06 $\n"
-              "$Id: Company Name       $\n"
-              "$Id: Copyright          $\n");
+              R"($Id: File Description  Kormavist 2012.06 IBIS-AMI Model $
+$Id: File Version      2012.06 $
+$Id: Product Name      Kormavist $
+$Id: Product Version   2012.06 $
+$Id: Company Name       $
+$Id: Copyright          $
+)");
 }

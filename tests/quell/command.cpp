@@ -1,4 +1,4 @@
-// Runs the built command as a user does, and files for it.
+// Runs the built command as a user does.
 #include "tests/quell/command.h"
 
 #include <sys/wait.h>
@@ -7,9 +7,11 @@
 #include <fstream>
 #include <sstream>
 
+#include "tests/support/TempDir.h"
+
 CommandResult RunQuell(const std::string& arguments, const std::string& input)
 {
-    const ScratchFolder scratch;
+    const TempDir scratch;
     const std::string line = QUELL_BINARY_DIR "/bin/quell " + arguments + " >" +
                              scratch.Path("out") + " 2>" + scratch.Path("err") + " <" + input;
     const int status = std::system(line.c_str());
@@ -26,23 +28,4 @@ std::string ReadFile(const std::filesystem::path& path)
     std::ostringstream text;
     text << file.rdbuf();
     return text.str();
-}
-
-ScratchFolder::ScratchFolder()
-{
-    std::string name = (std::filesystem::temp_directory_path() / "quell_test_XXXXXX").string();
-    if (mkdtemp(name.data()) == nullptr) std::abort();
-    m_Folder = name;
-}
-
-ScratchFolder::~ScratchFolder()
-{
-    std::error_code error;
-    std::filesystem::remove_all(m_Folder, error);
-}
-
-std::string ScratchFolder::Write(const std::string& name, const std::string& text) const
-{
-    std::ofstream(m_Folder / name, std::ios::binary) << text;
-    return Path(name);
 }

@@ -3,14 +3,8 @@
 #ifndef TESTS_SUPPORT_IBS_LOG_H
 #define TESTS_SUPPORT_IBS_LOG_H
 
-#include <unistd.h>
-
 #include <cstdio>
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
 #include <initializer_list>
-#include <stdexcept>
 #include <string>
 #include <utility>
 #include <vector>
@@ -18,6 +12,7 @@
 #include "IbisParser/errlog.h"
 #include "IbisParser/parse.h"
 #include "tests/support/LogCapture.h"
+#include "tests/support/TempDir.h"
 
 class IbsLog {
 public:
@@ -29,11 +24,10 @@ public:
     // The three lines of a legal header come before the text, [End] behind it.
     std::string Check(const std::string& version, const std::string& text)
     {
-        char folder[] = "/tmp/ibslogXXXXXX";
-        if (mkdtemp(folder) == nullptr) throw std::runtime_error("no temporary folder");
-        const std::string path = std::string(folder) + "/t.ibs";
-        std::ofstream(path) << "[IBIS Ver] " << version << "\n[File Name] t.ibs\n[File Rev] 1\n"
-                            << text << "[End]\n";
+        const TempDir dir;
+        const std::string path =
+            dir.Write("t.ibs", "[IBIS Ver] " + version + "\n[File Name] t.ibs\n[File Rev] 1\n" +
+                                   text + "[End]\n");
         LogCapture log;
         m_Found.clear();
         gbSuppressBanners = 1;
@@ -43,7 +37,6 @@ public:
         FINI();
         ERRLOG_SetSink(nullptr, nullptr);
         m_Text = log.Text();
-        std::filesystem::remove_all(folder);
         return m_Found;
     }
 

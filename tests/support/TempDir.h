@@ -9,6 +9,7 @@
 #include <stdexcept>
 #include <string>
 #include <string_view>
+#include <system_error>
 
 class TempDir {
 public:
@@ -18,7 +19,11 @@ public:
         if (mkdtemp(name.data()) == nullptr) throw std::runtime_error("no temporary directory");
         m_Path = name;
     }
-    ~TempDir() { std::filesystem::remove_all(m_Path); }
+    ~TempDir()
+    {
+        std::error_code ignored;
+        std::filesystem::remove_all(m_Path, ignored);
+    }
     TempDir(const TempDir&) = delete;
     TempDir& operator=(const TempDir&) = delete;
 
@@ -26,10 +31,10 @@ public:
     std::string Write(const std::string& name, std::string_view content) const
     {
         std::ofstream(m_Path / name, std::ios::binary) << content;
-        return (m_Path / name).string();
+        return Path(name);
     }
-    // The directory, with its trailing "/".
-    std::string Path() const { return m_Path.string() + "/"; }
+    // The path of a name in the directory; of none, the directory with its trailing "/".
+    std::string Path(const std::string& name = {}) const { return (m_Path / name).string(); }
 
 private:
     std::filesystem::path m_Path;

@@ -76,8 +76,19 @@ GTEST_TEST(Header, KeepsFieldsAndTexts)
     Messages messages;
     INIT();
     PARSE(dir.Write("x.pkg",
-                    "[IBIS Ver] 3.2\n[File Name] x.pkg\n[File Rev] 0.9\n[Source]\nbench |here\n"
-                    "  two\n[Notes] one\n[Disclaimer] a\n[Disclaimer]\n[Disclaimer] b\nc\n[End]\n")
+                    R"([IBIS Ver] 3.2
+[File Name] x.pkg
+[File Rev] 0.9
+[Source]
+bench |here
+  two
+[Notes] one
+[Disclaimer] a
+[Disclaimer]
+[Disclaimer] b
+c
+[End]
+)")
               .c_str(),
           FILE_PKG);
     EXPECT_EQ(messages.TakeNumbers(), "");

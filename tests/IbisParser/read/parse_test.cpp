@@ -244,13 +244,38 @@ static void s_readAll(const TempDir& dir, const std::string& bytes)
 }
 
 static const char s_everything[] =
-    "[IBIS Ver] 5.0\n[File Name] x.ibs\n[File Rev] 1\n[Component] c\n[Manufacturer] m\n[Package]\n"
-    "R_pkg 1 1 1\nL_pkg 1n 1n 1n\nC_pkg 1p 1p 1p\n[Pin] signal_name model_name\n1 a b\n"
-    "[Model] b\nModel_type I/O\nC_comp 1p NA NA\n[Voltage Range] 1 NA NA\n[Pulldown]\n0 0 NA NA\n"
-    "1 1m NA NA\n[Ramp]\ndV/dt_r 1/1n NA NA\n[Algorithmic Model]\n"
-    "Executable Linux_gcc_64 a.so x.ami\n[End Algorithmic Model]\n[Submodel] s\n[Pulldown]\n"
-    "[Define Package Model] p\n[Number Of Pins] 1\n[Pin Numbers]\n1 Len=0 L=1n /\n"
-    "[End Package Model]\n[End]\n";
+    R"([IBIS Ver] 5.0
+[File Name] x.ibs
+[File Rev] 1
+[Component] c
+[Manufacturer] m
+[Package]
+R_pkg 1 1 1
+L_pkg 1n 1n 1n
+C_pkg 1p 1p 1p
+[Pin] signal_name model_name
+1 a b
+[Model] b
+Model_type I/O
+C_comp 1p NA NA
+[Voltage Range] 1 NA NA
+[Pulldown]
+0 0 NA NA
+1 1m NA NA
+[Ramp]
+dV/dt_r 1/1n NA NA
+[Algorithmic Model]
+Executable Linux_gcc_64 a.so x.ami
+[End Algorithmic Model]
+[Submodel] s
+[Pulldown]
+[Define Package Model] p
+[Number Of Pins] 1
+[Pin Numbers]
+1 Len=0 L=1n /
+[End Package Model]
+[End]
+)";
 
 GTEST_TEST(Parse, FilesCutAnywhere)
 {

@@ -8,6 +8,7 @@
 #include "quell/base/errors.h"
 #include "quell/base/numbers.h"
 #include "tests/quell/command.h"
+#include "tests/support/TempDir.h"
 
 namespace quell {
 namespace {
@@ -55,7 +56,7 @@ std::string Error(const std::string& victim, const std::vector<std::string>& agg
 
 GTEST_TEST(Channel, FileOfALossLineAgreesWithTheLine)
 {
-    const ScratchFolder scratch;
+    const TempDir scratch;
     const std::string path = scratch.Write("line.s4p", LineFile(1, 0));
     const ImpulseMatrix file = BuildImpulseMatrix(path, {}, {});
     const ImpulseMatrix line = BuildImpulseMatrix("loss:6dB@2.5GHz", {}, {});
@@ -72,7 +73,7 @@ GTEST_TEST(Channel, FileOfALossLineAgreesWithTheLine)
 
 GTEST_TEST(Channel, ColumnsHaveOneLengthAndEndInZeros)
 {
-    const ScratchFolder scratch;
+    const TempDir scratch;
     const std::string table = scratch.Write("two.csv", "time,a,b\n0,8e10,0\n12.5e-12,0,8e10\n");
     const ImpulseMatrix matrix = BuildImpulseMatrix("loss:3dB@2.5GHz", {table}, {});
     ASSERT_EQ(matrix.columns.size(), 3u);
@@ -90,7 +91,7 @@ GTEST_TEST(Channel, ColumnsHaveOneLengthAndEndInZeros)
 
 GTEST_TEST(Channel, ATableMakesTheGridUnlessAnotherIsAskedFor)
 {
-    const ScratchFolder scratch;
+    const TempDir scratch;
     std::string text = "0,0\n1e-11,1e11\n2e-11,0\n3e-11,0\n";
     const std::string table = scratch.Write("t.csv", text);
     ChannelOptions options;
@@ -111,7 +112,7 @@ GTEST_TEST(Channel, ATableMakesTheGridUnlessAnotherIsAskedFor)
 
 GTEST_TEST(Channel, UnitsAndResponseKindsGiveOneImpulse)
 {
-    const ScratchFolder scratch;
+    const TempDir scratch;
     ChannelOptions options;
     options.sampleInterval = 12.5e-12;
     const std::string impulse = scratch.Write("h.csv", "0.25\n0.5\n0.25\n0\n");
@@ -124,7 +125,7 @@ GTEST_TEST(Channel, UnitsAndResponseKindsGiveOneImpulse)
 
 GTEST_TEST(Channel, CrosstalkTakesTheVictimsPorts)
 {
-    const ScratchFolder scratch;
+    const TempDir scratch;
     const std::string victim = scratch.Write("v.s4p", LineFile(1, 0));
     const std::string crosstalk = scratch.Write("x.s4p", LineFile(0.05, 0));
     ImpulseMatrix matrix = BuildImpulseMatrix(victim, {crosstalk}, {});
@@ -139,7 +140,7 @@ GTEST_TEST(Channel, CrosstalkTakesTheVictimsPorts)
 
 GTEST_TEST(Channel, AStrayLowestPointIsLeftOut)
 {
-    const ScratchFolder scratch;
+    const TempDir scratch;
     const ImpulseMatrix good = BuildImpulseMatrix(scratch.Write("a.s4p", LineFile(1, 0)), {}, {});
     const ImpulseMatrix stray = BuildImpulseMatrix(scratch.Write("b.s4p", LineFile(1, 1)), {}, {});
     EXPECT_NE(Warnings(stray).find("degrees off its neighbours; this point is left out"),
@@ -150,7 +151,7 @@ GTEST_TEST(Channel, AStrayLowestPointIsLeftOut)
 
 GTEST_TEST(Channel, WhatWouldSpoilTheResultIsWarnedOf)
 {
-    const ScratchFolder scratch;
+    const TempDir scratch;
     static const struct {
         const char* label;
         const char* table;
@@ -182,7 +183,7 @@ GTEST_TEST(Channel, WhatWouldSpoilTheResultIsWarnedOf)
 
 GTEST_TEST(Channel, NamesThatAreNoChannel)
 {
-    const ScratchFolder scratch;
+    const TempDir scratch;
     const std::string two = scratch.Write("t.s2p", "1 0 0 1 0 1 0 0 0\n2 0 0 1 0 1 0 0 0\n");
     static const struct {
         std::string name;

@@ -87,8 +87,13 @@ GTEST_TEST(Touchstone, LineEndsCommentsWrappingAndNoiseData)
         "! caf\xC3\xA9 \xFF\r\n# Hz S RI R 50\r\n1 0 0 1 0 1 0 0 0\r\n2 0 0 1 0 1 0 0 0\r\n",
         "# Hz S RI R 50\r1 0 0 1 0 1 0 0 0\r2 0 0 1 0 1 0 0 0",
         "# Hz S RI R 50\n1 0 0 1\t0 ! half\n\n! between\n1 0 0 0 2 0 0 1 0 1\n0 0 0",
-        ("# Hz S RI R 50\n1 0 0 1 0 1 0 0 0\n2 0 0 1 0 1 0 0 0\n"
-         "! noise\n1 0.5 0.2 30 0.4\n2 0.6 0.2 31 0.5\n"),
+        (R"(# Hz S RI R 50
+1 0 0 1 0 1 0 0 0
+2 0 0 1 0 1 0 0 0
+! noise
+1 0.5 0.2 30 0.4
+2 0.6 0.2 31 0.5
+)"),
     };
     for (const char* text : texts) {
         const Touchstone file = ParseTouchstone(text, "f", 2);

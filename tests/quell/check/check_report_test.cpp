@@ -11,6 +11,7 @@
 #include "quell/reader/file_types.h"
 #include "quell/reader/version.h"
 #include "tests/quell/command.h"
+#include "tests/support/TempDir.h"
 
 namespace quell {
 namespace {
@@ -39,19 +40,20 @@ GTEST_TEST(CheckReport, FindingsStandInTheOrderOfLinesAndOnesOwnComeFirst)
     collector.Add(At("a.ami", 0, 4, "second companion"));
     collector.Finish();
     EXPECT_EQ(ReportText(report, "", false),
-              "a.ibs:2: error[0003]: two\n"
-              "a.ibs:2: error[0001]: two again\n"
-              "a.ibs:9: error[0001]: nine\n"
-              "a.ibs: ... and 1 more of error[0001]\n"
-              "a.ibs: error[0002]: whole file\n"
-              "b.pkg:1: error[0001]: companion\n"
-              "a.ami: error[0004]: second companion\n"
-              "a.ibs: 7 errors\n");
+              R"(a.ibs:2: error[0003]: two
+a.ibs:2: error[0001]: two again
+a.ibs:9: error[0001]: nine
+a.ibs: ... and 1 more of error[0001]
+a.ibs: error[0002]: whole file
+b.pkg:1: error[0001]: companion
+a.ami: error[0004]: second companion
+a.ibs: 7 errors
+)");
 }
 
 GTEST_TEST(CheckReport, TheCaretStandsUnderTheQuotedText)
 {
-    const ScratchFolder scratch;
+    const TempDir scratch;
     const std::string wide(150, 'x');
     const std::string path = scratch.Write("a.ibs", "first\r\n\tKey 'A\tB' \x1b[31m\n" + wide +
                                                         "needle" + wide + "\n\xC3\xA9 q\nlast");
@@ -143,7 +145,7 @@ GTEST_TEST(CheckReport, VersionIsReplacedInPlace)
         {"[File Name] x\n[IBIS Ver] 7.1\n", nullptr},
         {"", nullptr},
     };
-    const ScratchFolder scratch;
+    const TempDir scratch;
     for (const auto& row : rows) {
         std::FILE* from = std::fopen(scratch.Write("from", row.text).c_str(), "rb");
         const auto place = FindVersion(from);

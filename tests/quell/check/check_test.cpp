@@ -8,6 +8,7 @@
 #include <nlohmann/json.hpp>
 
 #include "tests/quell/command.h"
+#include "tests/support/TempDir.h"
 
 namespace {
 
@@ -22,11 +23,26 @@ std::string File(const std::string& version, const std::string& name, const std:
 std::string Package(const std::string& name)
 {
     return File("3.2", name,
-                "[Define Package Model] qs\n[Manufacturer] q\n[OEM] q\n[Description] d\n"
-                "[Number Of Pins] 1\n[Pin Numbers]\n1\n[Model Data]\n[Resistance Matrix] "
-                "Full_matrix\n[Row] 1\n1\n[Inductance Matrix] Full_matrix\n[Row] 1\n1n\n"
-                "[Capacitance Matrix] Full_matrix\n[Row] 1\n1p\n[End Model Data]\n"
-                "[End Package Model]\n");
+                R"([Define Package Model] qs
+[Manufacturer] q
+[OEM] q
+[Description] d
+[Number Of Pins] 1
+[Pin Numbers]
+1
+[Model Data]
+[Resistance Matrix] Full_matrix
+[Row] 1
+1
+[Inductance Matrix] Full_matrix
+[Row] 1
+1n
+[Capacitance Matrix] Full_matrix
+[Row] 1
+1p
+[End Model Data]
+[End Package Model]
+)");
 }
 
 // What is printed; input is a file.
@@ -40,7 +56,7 @@ std::string Check(const std::string& arguments, int exitCode,
 
 GTEST_TEST(Check, FindingWithItsLineAndCaret)
 {
-    const ScratchFolder scratch;
+    const TempDir scratch;
     const std::string path = scratch.Write("a.pkg", File("3.2", "A.pkg"));
     EXPECT_EQ(Check(path, 1), path +
                                   ":2: error[1010]: File_name 'A.pkg' contains an upper case "
@@ -52,7 +68,7 @@ GTEST_TEST(Check, FindingWithItsLineAndCaret)
 
 GTEST_TEST(Check, InputsAndExitCodes)
 {
-    const ScratchFolder scratch;
+    const TempDir scratch;
     const std::string good = scratch.Write("good.pkg", Package("good.pkg"));
     const std::string other = scratch.Write("other.txt", Package("other.pkg"));
     const std::string later = scratch.Write("later.pkg", File("7.1", "later.pkg"));
@@ -91,7 +107,7 @@ GTEST_TEST(Check, InputsAndExitCodes)
 
 GTEST_TEST(Check, FoldersAreWalkedInOrder)
 {
-    const ScratchFolder scratch;
+    const TempDir scratch;
     std::filesystem::create_directories(scratch.Path("all/b"));
     for (const char* name : {"all/c.pkg", "all/b/z.PKG", "all/b/a.pkg", "all/a.pkg", "all/x.txt"})
         scratch.Write(name, "");
@@ -110,7 +126,7 @@ GTEST_TEST(Check, FoldersAreWalkedInOrder)
 
 GTEST_TEST(Check, ManyOfOneNumberAreCountedInTheTextAndListedInJson)
 {
-    const ScratchFolder scratch;
+    const TempDir scratch;
     std::string rest;
     for (int k = 0; k < 30; ++k)
         rest += "[Nothing]\n";
@@ -130,7 +146,7 @@ GTEST_TEST(Check, ManyOfOneNumberAreCountedInTheTextAndListedInJson)
 // A component whose parameter file lies beside it, through each way of another name.
 GTEST_TEST(Check, CompanionsAreFoundAndKeepTheirNames)
 {
-    const ScratchFolder scratch;
+    const TempDir scratch;
     const std::string kit = QUELL_BINARY_DIR "/kit/";
     std::string ibs = ReadFile(kit + "quell_pcie_gen2_tx.ibs");
     // Two lines name the parameter file, which is told of once.
@@ -167,7 +183,7 @@ GTEST_TEST(Check, CompanionsAreFoundAndKeepTheirNames)
 // A pipe that nobody writes to would be waited for.
 GTEST_TEST(Check, CompanionsThatAreNoPlainFilesAreNotOpened)
 {
-    const ScratchFolder scratch;
+    const TempDir scratch;
     const std::string path = scratch.Write(
         "quell_pcie_gen2_tx.ibs", ReadFile(QUELL_BINARY_DIR "/kit/quell_pcie_gen2_tx.ibs"));
     for (const char* name : {"quell_pcie_gen2_tx.ami", "quell_pcie_gen2_tx.so"})
@@ -180,7 +196,7 @@ GTEST_TEST(Check, CompanionsThatAreNoPlainFilesAreNotOpened)
 // Every log that the reader is held to, through the command: a folder's files at once, in order.
 GTEST_TEST(Check, ClassicIsTheReadersOwnOutput)
 {
-    const ScratchFolder scratch;
+    const TempDir scratch;
     std::map<std::string, std::pair<std::string, std::string>> folders;  // files, their logs
     for (const auto& entry :
          std::filesystem::recursive_directory_iterator(QUELL_SOURCE_DIR "/tests/data")) {

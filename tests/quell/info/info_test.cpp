@@ -6,6 +6,7 @@
 #include <string>
 
 #include "tests/quell/command.h"
+#include "tests/support/TempDir.h"
 
 using Json = nlohmann::ordered_json;
 
@@ -64,7 +65,7 @@ static Json s_info(const std::string& path)
 
 GTEST_TEST(Info, Component)
 {
-    const ScratchFolder scratch;
+    const TempDir scratch;
     const Json file = s_info(scratch.Write("c.ibs", s_component));
     EXPECT_EQ(file["format"], 1);
     EXPECT_EQ(file["type"], "component");
@@ -131,7 +132,7 @@ GTEST_TEST(Info, PackagesBoardsTestsAndParameters)
     EXPECT_EQ(parameters["type"], "parameters");
     EXPECT_TRUE(parameters["branches"].contains("Reserved_Parameters"));
 
-    const ScratchFolder scratch;
+    const TempDir scratch;
     const std::string indented = "(t" + std::string(500, ' ') + "(Model_Specific (p (Usage In))))";
     EXPECT_EQ(s_info(scratch.Write("t.ami", indented))["branches"]["Model_Specific"][0], "p");
 }
@@ -140,7 +141,7 @@ GTEST_TEST(Info, LaterVersionIsReadAsTheLastKnown)
 {
     std::string text = s_component;
     text.replace(text.find("5.0"), 3, "7.1");
-    const ScratchFolder scratch;
+    const TempDir scratch;
     const Json file = s_info(scratch.Write("c.ibs", text));
     EXPECT_EQ(file["read_as"], "5.0");
     EXPECT_EQ(file["header"]["ibis_version"], "7.1");
@@ -149,7 +150,7 @@ GTEST_TEST(Info, LaterVersionIsReadAsTheLastKnown)
 
 GTEST_TEST(Info, Screen)
 {
-    const ScratchFolder scratch;
+    const TempDir scratch;
     const CommandResult result = RunQuell("info " + scratch.Write("c.ibs", s_component));
     EXPECT_EQ(result.exitCode, 0);
     static const char* const lines[] = {
@@ -178,13 +179,16 @@ GTEST_TEST(Info, LongListsAreCut)
         pins += std::to_string(i + 1) + " N" + std::to_string(i) + " NC\n";
         pairs += std::to_string(i) + " " + std::to_string(i + 1) + " NA NA NA NA\n";
     }
-    const ScratchFolder scratch;
-    const std::string path =
-        scratch.Write("l.ibs",
-                      "[IBIS Ver] 3.2\n[File Name] l.ibs\n[File Rev] 1\n[Component] c\n"
-                      "[Manufacturer] m\n[Pin] signal_name model_name\n" +
-                          pins + "[Diff Pin] inv_pin vdiff tdelay_typ tdelay_min tdelay_max\n" +
-                          pairs + "[End]\n");
+    const TempDir scratch;
+    const std::string path = scratch.Write("l.ibs",
+                                           R"([IBIS Ver] 3.2
+[File Name] l.ibs
+[File Rev] 1
+[Component] c
+[Manufacturer] m
+[Pin] signal_name model_name
+)" + pins + "[Diff Pin] inv_pin vdiff tdelay_typ tdelay_min tdelay_max\n" +
+                                               pairs + "[End]\n");
     const CommandResult result = RunQuell("info " + path);
     EXPECT_LT(std::count(result.out.begin(), result.out.end(), '\n'), 40);
     EXPECT_NE(result.out.find("    ... 191 more\n"), std::string::npos) << result.out;
@@ -194,7 +198,7 @@ GTEST_TEST(Info, LongListsAreCut)
 
 GTEST_TEST(Info, WhatCannotBeReadIsOneLine)
 {
-    const ScratchFolder scratch;
+    const TempDir scratch;
     static const struct {
         const char* label;
         std::string argument;

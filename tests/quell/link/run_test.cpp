@@ -10,6 +10,7 @@
 #include "quell/signal/pulse.h"
 #include "quell/signal/time_grid.h"
 #include "tests/quell/command.h"
+#include "tests/support/TempDir.h"
 
 namespace {
 
@@ -135,7 +136,7 @@ GTEST_TEST(Run, NumbersThatAreNoneAreNullInJson)
 
 GTEST_TEST(Run, FilesReadBackBitForBit)
 {
-    const ScratchFolder scratch;
+    const TempDir scratch;
     const CommandResult result = RunQuell(
         RunTestModel("halve") + "--aggressor loss:20dB@2.5GHz --json --out " + scratch.Path("out"));
     ASSERT_EQ(result.exitCode, 0) << result.err;
@@ -173,7 +174,7 @@ GTEST_TEST(Run, TableShowsTheSameNumbersAndTheModelsOutputApart)
 
 GTEST_TEST(Run, RootNameOfTheParameterString)
 {
-    const ScratchFolder scratch;
+    const TempDir scratch;
     const std::string ami = scratch.Write("x.ami", "| note\n(Their_Root (Reserved_Parameters))\n");
     CommandResult result = RunQuell("run x --dry-run --set a=1 --ami " + ami + TestModel);
     EXPECT_EQ(result.out, "(Their_Root (a 1))\n");

@@ -10,6 +10,7 @@
 
 #include "quell/base/errors.h"
 #include "tests/quell/command.h"
+#include "tests/support/TempDir.h"
 
 using namespace quell;
 using nlohmann::json;
@@ -142,7 +143,7 @@ GTEST_TEST(Sweep, GnuParallelPutsASweepTogether)
 {
     if (std::system("command -v parallel >/dev/null 2>&1") != 0)
         GTEST_SKIP() << "GNU parallel is not installed";
-    const ScratchFolder folder;
+    const TempDir folder;
     const std::string command =
         "cd " + folder.Path(".") + " && parallel --will-cite -k -j 2 --joblog log --resume " +
         QUELL_BINARY_DIR "/bin/quell sweep {} --set de_emphasis=3,4 -j 1 --json ::: " +

@@ -7,6 +7,7 @@
 #include "quell/params/ami_file.h"
 #include "quell/params/nearest.h"
 #include "tests/quell/command.h"
+#include "tests/support/TempDir.h"
 
 namespace quell {
 namespace {
@@ -28,7 +29,7 @@ constexpr const char* File = R"(| a transmitter
 
 AmiFile Read(const std::string& text, const std::string& name = "x.ami")
 {
-    const ScratchFolder scratch;
+    const TempDir scratch;
     return ReadAmiFile(scratch.Write(name, text));
 }
 
@@ -46,14 +47,15 @@ GTEST_TEST(Params, ParametersWithTheirPaths)
         names += "\n";
     }
     EXPECT_EQ(names,
-              "!Init_Returns_Impulse:Info:Boolean:True:\n"
-              "gain:In:Float:1:Range,1,0.5,2,\n"
-              "mode:In:Integer::List,0,1,0x2,\n"
-              "taps.-1:InOut:Tap::Increment,0,-0.2,0,0.1,\n"
-              "taps.0:InOut:Tap::\n"
-              "on:In:Boolean:True:\n"
-              "seen:Out:Float::\n"
-              "name:In:String::List,fast one,slow,\n");
+              R"(!Init_Returns_Impulse:Info:Boolean:True:
+gain:In:Float:1:Range,1,0.5,2,
+mode:In:Integer::List,0,1,0x2,
+taps.-1:InOut:Tap::Increment,0,-0.2,0,0.1,
+taps.0:InOut:Tap::
+on:In:Boolean:True:
+seen:Out:Float::
+name:In:String::List,fast one,slow,
+)");
 }
 
 GTEST_TEST(Params, RootNameOfAnyFile)
@@ -157,7 +159,7 @@ GTEST_TEST(Params, EditDistanceInHalves)
 
 GTEST_TEST(Params, Command)
 {
-    const ScratchFolder scratch;
+    const TempDir scratch;
     const std::string path = scratch.Write("x.ami", File);
     const CommandResult table = RunQuell("params " + path);
     EXPECT_EQ(table.exitCode, 0) << table.err;

@@ -13,6 +13,7 @@
 #include "quell/report/plot.h"
 #include "quell/report/thin.h"
 #include "tests/quell/command.h"
+#include "tests/support/TempDir.h"
 
 using namespace quell;
 
@@ -210,7 +211,7 @@ GTEST_TEST(Report, PlotsOfNoiseStaySmall)
 
 GTEST_TEST(Report, FilesAreWholeOrNotThere)
 {
-    const ScratchFolder folder;
+    const TempDir folder;
     const std::string path = folder.Path("page.html");
     WriteWholeFile(path, "one");
     WriteWholeFile(path, "two");
@@ -233,7 +234,7 @@ GTEST_TEST(Report, FilesAreWholeOrNotThere)
 
 GTEST_TEST(Report, CommandsWriteReportsOrSayWhyNot)
 {
-    const ScratchFolder folder;
+    const TempDir folder;
     const std::string page = folder.Path("page.html");
     const std::string run = "run loss:8dB@2.5GHz --set de_emphasis=3.5 ";
     ASSERT_EQ(0, RunQuell(run + "--html " + page + " --svg " + folder.Path("svg")).exitCode);

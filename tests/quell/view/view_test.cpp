@@ -12,6 +12,7 @@
 #include "quell/view/model_plots.h"
 #include "quell/view/view_page.h"
 #include "tests/quell/command.h"
+#include "tests/support/TempDir.h"
 
 namespace quell {
 namespace {
@@ -55,29 +56,60 @@ public:
     FileReport report;
 
 private:
-    ScratchFolder m_Folder;
+    TempDir m_Folder;
     Opening m_Opening;
 };
 
 std::string Component(const std::string& model)
 {
-    return "[Component] parts\n[Manufacturer] m\n[Package]\nR_pkg 0 NA NA\nL_pkg 1n NA NA\n"
-           "C_pkg 1p NA NA\n[Pin] signal_name model_name R_pin L_pin C_pin\n1 a " +
-           model + "\n";
+    return R"([Component] parts
+[Manufacturer] m
+[Package]
+R_pkg 0 NA NA
+L_pkg 1n NA NA
+C_pkg 1p NA NA
+[Pin] signal_name model_name R_pin L_pin C_pin
+1 a )" + model +
+           "\n";
 }
 
 // A pulldown of 50 ohm and a pullup of 25 ohm; the supply of the minimum corner is 3 V. Waveforms
 // are into 50 ohm: the high state gives 2.2 V to ground, the low state half the supply.
 const std::string Resistors =
-    "[Model] r\nModel_type Output\nC_comp 1p 1p 1p\n[Voltage Range] 3.3 3.0 3.6\n"
-    "[Pulldown]\n-3.3 -66m -66m -66m\n0 0 0 0\n6.6 132m 132m 132m\n"
-    "[Pullup]\n-3.3 132m 132m 132m\n0 0 0 0\n6.6 -264m -264m -264m\n"
-    "[Ramp]\ndV/dt_r 1.32/1n 1.2/1n 1.44/1n\ndV/dt_f 0.99/1n 0.9/1n 1.08/1n\n";
+    R"([Model] r
+Model_type Output
+C_comp 1p 1p 1p
+[Voltage Range] 3.3 3.0 3.6
+[Pulldown]
+-3.3 -66m -66m -66m
+0 0 0 0
+6.6 132m 132m 132m
+[Pullup]
+-3.3 132m 132m 132m
+0 0 0 0
+6.6 -264m -264m -264m
+[Ramp]
+dV/dt_r 1.32/1n 1.2/1n 1.44/1n
+dV/dt_f 0.99/1n 0.9/1n 1.08/1n
+)";
 const std::string WaveformModel =
-    "[Rising Waveform]\nR_fixture = 50\nV_fixture = 0\n"
-    "0 0 0 0\n1n 1.1 1.0 1.2\n2n 2.2 2.0 2.4\n3n 2.2 2.0 2.4\n"
-    "[Falling Waveform]\nR_fixture = 50\nV_fixture = 3.3\nV_fixture_min = 3.0\n"
-    "V_fixture_max = 3.6\n0 3.3 3.0 3.6\n1n 2 2 2\n2n 1.65 1.5 1.8\n3n 1.65 1.5 1.8\n";
+    R"([Rising Waveform]
+R_fixture = 50
+V_fixture = 0
+0 0 0 0
+1n 1.1 1.0 1.2
+2n 2.2 2.0 2.4
+3n 2.2 2.0 2.4
+[Falling Waveform]
+R_fixture = 50
+V_fixture = 3.3
+V_fixture_min = 3.0
+V_fixture_max = 3.6
+0 3.3 3.0 3.6
+1n 2 2 2
+2n 1.65 1.5 1.8
+3n 1.65 1.5 1.8
+)";
 
 constexpr double Rounding = 1e-12;
 
@@ -138,9 +170,19 @@ GTEST_TEST(ViewCurves, OperatingPointsOfResistors)
 GTEST_TEST(ViewCurves, CellsWithoutNumbersLieOnTheLineAcross)
 {
     const ReadText text(Component("c") +
-                        "[Model] c\nModel_type Input\nVinl 1\nVinh 2\nC_comp 1p 1p 1p\n"
-                        "[Voltage Range] 3 3 3\n[GND Clamp]\n-3 -3 NA NA\n-2 NA -1 NA\n"
-                        "-1 -1 -0.5 NA\n0 0 NA NA\n1 0\n");
+                        R"([Model] c
+Model_type Input
+Vinl 1
+Vinh 2
+C_comp 1p 1p 1p
+[Voltage Range] 3 3 3
+[GND Clamp]
+-3 -3 NA NA
+-2 NA -1 NA
+-1 -1 -0.5 NA
+0 0 NA NA
+1 0
+)");
     const std::vector<CornerCurve> curves = TableViews(text.Model())[0].curves;
     ASSERT_EQ(curves.size(), 2U);  // none of the maximum column
     EXPECT_EQ(curves[0].holeX, std::vector<double>{-2});
@@ -259,7 +301,7 @@ GTEST_TEST(ViewPage, ShowsWhatIsAskedFor)
 
 GTEST_TEST(ViewCommand, ExitCodesAndOutput)
 {
-    const ScratchFolder folder;
+    const TempDir folder;
     const std::string head = "[IBIS Ver] 4.2\n[File Name] t.ibs\n[File Rev] 1\n";
     const std::string good =
         folder.Write("t.ibs", head + Component("r") + Resistors + WaveformModel + "[End]\n");

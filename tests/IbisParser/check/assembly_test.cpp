@@ -14,10 +14,17 @@
 static std::string s_board(const std::string& name, const std::string& next)
 {
     return "[IBIS Ver] 3.2\n[File Name] " + name +
-           "\n[File Rev] 1\n[Begin Board Description] b\n[Number Of Pins] 1\n"
-           "[Pin List] signal_name\n1 S\n[Path Description] p\nPin 1 Len=1 L=1n / Node J1.1\n"
-           "[Reference Designator Map]\nJ1 " +
-           next + " b\n[End Board Description]\n[End]\n";
+           R"(
+[File Rev] 1
+[Begin Board Description] b
+[Number Of Pins] 1
+[Pin List] signal_name
+1 S
+[Path Description] p
+Pin 1 Len=1 L=1n / Node J1.1
+[Reference Designator Map]
+J1 )" + next +
+           " b\n[End Board Description]\n[End]\n";
 }
 
 // The messages of a chain of so many boards, the last of which names the file `end`.

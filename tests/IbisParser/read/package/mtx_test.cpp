@@ -11,8 +11,14 @@
 #include "tests/support/TempDir.h"
 
 static const char s_head[] =
-    "[IBIS Ver] 3.2\n[File Name] m.pkg\n[File Rev] 1\n[Define Package Model] m\n"
-    "[Manufacturer] a\n[OEM] b\n[Description] c\n";
+    R"([IBIS Ver] 3.2
+[File Name] m.pkg
+[File Rev] 1
+[Define Package Model] m
+[Manufacturer] a
+[OEM] b
+[Description] c
+)";
 
 // A package model in memory, with the numbers of the messages that its reading gave.
 class Package {
@@ -73,20 +79,61 @@ GTEST_TEST(Matrix, TheSameElementsWhateverTheKind)
         double far;  // element (0, 3)
     } matrices[] = {
         {"full",
-         "Full_matrix\n[Row] p0\n4e-9 1e-9\n0 0\n[Row] p1\n4e-9 2e-9 0\n[Row] p2\n4e-9 3e-9\n"
-         "[Row] p3\n4e-9\n",
+         R"(Full_matrix
+[Row] p0
+4e-9 1e-9
+0 0
+[Row] p1
+4e-9 2e-9 0
+[Row] p2
+4e-9 3e-9
+[Row] p3
+4e-9
+)",
          0},
         {"banded",
-         "Banded_matrix\n[Bandwidth] 1\n[Row] p0\n4e-9 1e-9\n[Row] p1\n4e-9\n2e-9\n[Row] p2\n"
-         "4e-9 3e-9\n[Row] p3\n4e-9\n",
+         R"(Banded_matrix
+[Bandwidth] 1
+[Row] p0
+4e-9 1e-9
+[Row] p1
+4e-9
+2e-9
+[Row] p2
+4e-9 3e-9
+[Row] p3
+4e-9
+)",
          -1},
         {"sparse, upper half",
-         "Sparse_matrix\n[Row] p0\np0 4e-9\np1 1e-9\n[Row] p1\np1 4e-9\np2 2e-9\n[Row] p2\n"
-         "p2 4e-9\np3 3e-9\n[Row] p3\np3 4e-9\n",
+         R"(Sparse_matrix
+[Row] p0
+p0 4e-9
+p1 1e-9
+[Row] p1
+p1 4e-9
+p2 2e-9
+[Row] p2
+p2 4e-9
+p3 3e-9
+[Row] p3
+p3 4e-9
+)",
          -1},
         {"sparse, lower half, backwards",
-         "Sparse_matrix\n[Row] p3\np3 4e-9\np2 3e-9\n[Row] p2\np1 2e-9\np2 4e-9\n[Row] p1\n"
-         "p1 4e-9\np0 1e-9\n[Row] p0\np0 4e-9\n",
+         R"(Sparse_matrix
+[Row] p3
+p3 4e-9
+p2 3e-9
+[Row] p2
+p1 2e-9
+p2 4e-9
+[Row] p1
+p1 4e-9
+p0 1e-9
+[Row] p0
+p0 4e-9
+)",
          -1},
     };
     for (const auto& matrix : matrices) {
