@@ -3,6 +3,7 @@
 #include <cmath>
 
 #include "IbisParser/check/acdc.h"
+#include "IbisParser/check/waveforms.h"
 #include "IbisParser/cmn.h"
 #include "IbisParser/errlog.h"
 #include "IbisParser/read/model/table.h"

@@ -4,8 +4,10 @@
 
 #include <cstring>
 
+#include "IbisParser/algmod.h"
 #include "IbisParser/cmn.h"
 #include "IbisParser/errlog.h"
+#include "IbisParser/parse.h"
 
 static const char s_Module[] = "IbisParser/amicheck";
 
@@ -315,4 +317,59 @@ void AMICHECK_Tree(const _tagTreeStruct* tree)
         }
     }
     if (!reservedFound) ERRLOG_ErrorNew(4622);
+}
+
+// The text of a parameter file.
+
+// What a parse result of the parameter tree means to the user; all others are internal.
+struct TreeRow {
+    int result;
+    unsigned number;
+};
+static const TreeRow s_treeResults[] = {
+    {TREE_UNBALANCED, 4619},       {TREE_NO_LIST, 4620},   {TREE_NO_RECORD, 4635},
+    {TREE_CLOSED_TOO_EARLY, 4635}, {TREE_BAD_TOKEN, 4634},
+};
+
+void AMICHECK_FreeText()
+{
+    if (gsBuffer == nullptr) return;
+    void* block = gsBuffer;
+    CMN_freeSetNull(&block);
+    gsBuffer = nullptr;
+}
+
+static void s_reportTree(int result)
+{
+    for (const TreeRow& row : s_treeResults) {
+        if (row.result == result) {
+            ERRLOG_ErrorNew(row.number);
+            return;
+        }
+    }
+    ERRLOG_BugNew(4621);
+}
+
+_tagTreeStruct* AMICHECK_Parameters()
+{
+    if (gsBuffer == nullptr) return nullptr;
+    // Long runs of blanks are legal here: a line may be indented by any number.
+    const int saved = gbAllowAnyLineLength;
+    gbAllowAnyLineLength = 1;
+    _tagTreeStruct* tree = nullptr;
+    const int result = GetParsedTree(gsBuffer, &tree);
+    gbAllowAnyLineLength = saved;
+    AMICHECK_FreeText();
+    if (result == TREE_OK)
+        AMICHECK_Tree(tree);
+    else
+        s_reportTree(result);
+    return tree;
+}
+
+int AMI_Test(void)
+{
+    _tagTreeStruct* tree = AMICHECK_Parameters();
+    FreeParsedTree(&tree);
+    return 1;
 }

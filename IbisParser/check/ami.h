@@ -5,5 +5,10 @@
 #include "IbisParser/amitree.h"
 
 void AMICHECK_Tree(const _tagTreeStruct* tree);
+// Parses and checks the text of the parameter file last read and releases the text. Null when there
+// is no tree.
+_tagTreeStruct* AMICHECK_Parameters();
+// Releases that text unread.
+void AMICHECK_FreeText();
 
 #endif

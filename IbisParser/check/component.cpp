@@ -1,54 +1,9 @@
-// The checks of components that need the whole document.
+// Components against the document: the order of their checks, pins, locations, EMI domains.
+#include "IbisParser/check/component.h"
+#include "IbisParser/check/companions.h"
 #include "IbisParser/errlog.h"
 #include "IbisParser/ext.h"
 #include "IbisParser/read/component/cmpnt.h"
-
-static const char s_Module[] = "IbisParser/cmpnttest";
-
-// Stands for a selector of which no model is defined.
-static const char s_none = 0;
-
-CmpntNames::CmpntNames(const Mdl* models, const Msel* selectors)
-    : m_Models(models), m_Selectors(selectors), m_Defaults{nullptr, 0, 0}
-{
-}
-
-CmpntNames::~CmpntNames()
-{
-    IDX_Clear(&m_Defaults);
-}
-
-const Mdl* CmpntNames::Resolve(const char* name) const
-{
-    if (m_LastName == nullptr || std::strcmp(name, m_LastName) != 0) {
-        m_Last = Find(name);
-        m_LastName = name;
-    }
-    return m_Last;
-}
-
-const Mdl* CmpntNames::Find(const char* name) const
-{
-    const Mdl* model = m_Models.Find(name);
-    const Msel* selector = model == nullptr ? m_Selectors.Find(name) : nullptr;
-    if (selector == nullptr) return model;
-    void** value = nullptr;
-    if (!IDX_SlotName(&m_Defaults, selector->name, &value)) return nullptr;
-    if (*value == nullptr) {
-        for (const MselRow* row = selector->rows; row != nullptr && model == nullptr;
-             row = row->next)
-            model = m_Models.Find(row->model);
-        const void* found = model != nullptr ? static_cast<const void*>(model) : &s_none;
-        *value = const_cast<void*>(found);
-    }
-    return *value == &s_none ? nullptr : static_cast<const Mdl*>(*value);
-}
-
-const char* CMPNT_TypeName(const Mdl* model)
-{
-    const MdlTypeInfo* type = MDL_TypeInfo(model->type);
-    return type != nullptr ? type->name : "unknown";
-}
 
 static void s_testPin(const Cmpnt* component, const Pin* pin, const CmpntNames& names)
 {
@@ -94,46 +49,28 @@ static void s_testLocations(const Cmpnt* component)
         ERRLOG_WarnNew(541, component->name, "Timing_location");
 }
 
-static void s_comparePins(const Cmpnt* component, const PkgMdl* package)
+static void s_testEmi(const Cmpnt* component)
 {
-    for (const PkgPin* pin = package->pins; pin != nullptr; pin = pin->next)
-        if (CMPNT_FindPin(component, pin->name) == nullptr) {
-            ERRLOG_WarnNew(534, component->name, package->name, pin->name);
-            break;
-        }
-    unsigned supplies = 0;
-    for (const Pin* pin = component->pins; pin != nullptr; pin = pin->next) {
-        if (pin->repeated || PKGMDL_HasPin(package, pin->name)) continue;
-        if (pin->kind == PIN_MODEL)
-            ERRLOG_WarnNew(535, component->name, pin->name, package->name);
-        else if (pin->kind == PIN_POWER || pin->kind == PIN_GND || pin->kind == PIN_NC)
-            ++supplies;
+    if (component->emi == nullptr) return;
+    const CmpntEmi* emi = component->emi;
+    SecSet listed = {};
+    SecSet used = {};
+    long sum = 0;
+    for (const EmiPinDomain* domain = emi->domains; domain != nullptr; domain = domain->next) {
+        SEC_SetAdd(&listed, domain->name);
+        if (domain->percent > 0) sum += domain->percent;
     }
-    if (supplies > 0) ERRLOG_NoteNew(536, component->name, supplies, package->name);
-}
-
-static int s_testPackage(const Cmpnt* component, PkgFinder* finder)
-{
-    if (component->packageModel[0] == '\0') return 1;
-    const PkgPlace place = PKGFINDER_Find(finder, component->packageModel);
-    if (place.where == PKG_NO_FILE)
-        ERRLOG_WarnNew(533, component->name, component->packageModel, place.fileName);
-    else if (place.where == PKG_NOT_IN_FILE)
-        ERRLOG_ErrorNew(532, component->name, component->packageModel, place.fileName);
-    else if (place.package->pins != nullptr && component->pins != nullptr)
-        s_comparePins(component, place.package);
-    return place.where == PKG_FOUND;
-}
-
-int CMPNT_TestPkgMdl(const Cmpnt* component)
-{
-    CMN_ASSERT(component != nullptr);
-    IbisRoot* root = nullptr;
-    PkgFinder* finder = IBIS_GetIBIS(&root) ? PKGFINDER_New(root->pkgMdls) : nullptr;
-    if (finder == nullptr) return 0;
-    const int done = s_testPackage(component, finder);
-    PKGFINDER_Free(finder);
-    return done;
+    if (sum > 100) ERRLOG_ErrorNew(816, component->name, static_cast<int>(sum));
+    for (const EmiPin* pin = emi->pins; pin != nullptr; pin = pin->next) {
+        if (pin->domain[0] == '\0') continue;
+        SEC_SetAdd(&used, pin->domain);
+        if (emi->domains != nullptr && !SEC_SetHas(&listed, pin->domain))
+            ERRLOG_ErrorNew(817, component->name, pin->domain, pin->name);
+    }
+    for (const EmiPinDomain* domain = emi->domains; domain != nullptr; domain = domain->next)
+        if (SEC_SetAdd(&used, domain->name)) ERRLOG_WarnNew(818, component->name, domain->name);
+    SEC_SetClear(&listed);
+    SEC_SetClear(&used);
 }
 
 int CMPNT_TestList(Cmpnt* components, Ext* externals, Mdl* models)
@@ -154,9 +91,9 @@ int CMPNT_TestList(Cmpnt* components, Ext* externals, Mdl* models)
             DIFFPIN_Test(component, names);
             SERMAP_Test(component, names);
             APKG_Test(component, finder);
-            s_testPackage(component, finder);
+            PACKAGE_Test(component, finder);
             CIRCUIT_Test(component, circuits);
-            CMPNTEMI_Test(component);
+            s_testEmi(component);
         }
         EXT_TestList(externals, components);
     }

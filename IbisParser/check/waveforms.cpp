@@ -4,6 +4,7 @@
 #include <initializer_list>
 
 #include "IbisParser/check/curve.h"
+#include "IbisParser/check/waveforms.h"
 #include "IbisParser/cmn.h"
 #include "IbisParser/errlog.h"
 #include "IbisParser/mdl.h"

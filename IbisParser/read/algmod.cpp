@@ -1,30 +1,17 @@
-// [Algorithmic Model] blocks and the files that they name.
+// [Algorithmic Model] blocks.
 #include "IbisParser/algmod.h"
 
 #include <climits>
 #include <cstring>
 
 #include "IbisParser/base/index.h"
-#include "IbisParser/check/ami.h"
 #include "IbisParser/cmn.h"
 #include "IbisParser/errlog.h"
-#include "IbisParser/mdl.h"
-#include "IbisParser/read/parse.h"
-#include "IbisParser/store/section.h"
+#include "IbisParser/parse.h"
 
 static const char s_Module[] = "IbisParser/algmod";
 
 enum { ITEMS = 4, DIGITS_MAX = 9 };
-
-// What a parse result of the parameter tree means to the user; all others are internal.
-struct TreeRow {
-    int result;
-    unsigned number;
-};
-static const TreeRow s_treeResults[] = {
-    {TREE_UNBALANCED, 4619},       {TREE_NO_LIST, 4620},   {TREE_NO_RECORD, 4635},
-    {TREE_CLOSED_TOO_EARLY, 4635}, {TREE_BAD_TOKEN, 4634},
-};
 
 // Line of the current [Algorithmic Model].
 static int s_keywordLine = 0;
@@ -147,85 +134,6 @@ static void s_checkExec(const ExecKey* key)
                         s_keywordLine);
 }
 
-static void s_freeBuffer(void)
-{
-    if (gsBuffer == nullptr) return;
-    void* block = gsBuffer;
-    CMN_freeSetNull(&block);
-    gsBuffer = nullptr;
-}
-
-static void s_reportTree(int result)
-{
-    for (const TreeRow& row : s_treeResults) {
-        if (row.result == result) {
-            ERRLOG_ErrorNew(row.number);
-            return;
-        }
-    }
-    ERRLOG_BugNew(4621);
-}
-
-// Parses and checks the text of the parameter file last read and releases the text. Null when there
-// is no tree.
-static _tagTreeStruct* s_checkParameters(void)
-{
-    if (gsBuffer == nullptr) return nullptr;
-    // Long runs of blanks are legal here: a line may be indented by any number.
-    const int saved = gbAllowAnyLineLength;
-    gbAllowAnyLineLength = 1;
-    _tagTreeStruct* tree = nullptr;
-    const int result = GetParsedTree(gsBuffer, &tree);
-    gbAllowAnyLineLength = saved;
-    s_freeBuffer();
-    if (result == TREE_OK)
-        AMICHECK_Tree(tree);
-    else
-        s_reportTree(result);
-    return tree;
-}
-
-// Opens a file that an entry names: it stands beside the IBIS file.
-static std::FILE* s_openBeside(const char* name)
-{
-    char path[CMN_PATH_MAX + 1 + ALGMOD_NAME_MAX + 1];
-    const std::size_t length = std::strlen(gsFilePath_ibs);
-    const char* separator = length > 0 && gsFilePath_ibs[length - 1] != '/' ? "/" : "";
-    std::snprintf(path, sizeof path, "%s%s%s", gsFilePath_ibs, separator, name);
-    return SEC_OpenFile(path);
-}
-
-static void s_testParameterFile(AlgModExec* exec, const char* model)
-{
-    if (std::strchr(exec->parameterFile, '.') == nullptr) {
-        ERRLOG_ErrorNew(4617, exec->parameterFile, model);
-        return;
-    }
-    std::FILE* file = s_openBeside(exec->parameterFile);
-    if (file == nullptr) {
-        ERRLOG_ErrorNew(4618, exec->parameterFile, model);
-        return;
-    }
-    ParseState state;
-    PARSE_SaveState(&state);
-    FreeParsedTree(&exec->tree);
-    if (PARSE_ReadParameters(exec->parameterFile, file))
-        exec->tree = s_checkParameters();
-    else
-        s_freeBuffer();
-    PARSE_RestoreState(&state);
-}
-
-static void s_testExec(AlgModExec* exec, const char* model)
-{
-    std::FILE* code = s_openBeside(exec->codeFile);
-    if (code != nullptr)
-        std::fclose(code);
-    else
-        ERRLOG_ErrorNew(4616, exec->codeFile, model);
-    s_testParameterFile(exec, model);
-}
-
 int ALGMOD_New(char* line, AlgMod** slot)
 {
     CMN_ASSERT(line != nullptr && slot != nullptr);
@@ -296,22 +204,4 @@ void ALGMOD_Free(AlgMod* record)
     }
     void* block = record;
     CMN_freeSetNull(&block);
-}
-
-int ALGMOD_Test(Mdl* models)
-{
-    for (Mdl* model = models; model != nullptr; model = model->next) {
-        if (model->algMod == nullptr) continue;
-        if (model->algMod->execs == nullptr) ERRLOG_ErrorNew(4615, model->name);
-        for (AlgModExec* exec = model->algMod->execs; exec != nullptr; exec = exec->next)
-            s_testExec(exec, model->name);
-    }
-    return 1;
-}
-
-int AMI_Test(void)
-{
-    _tagTreeStruct* tree = s_checkParameters();
-    FreeParsedTree(&tree);
-    return 1;
 }

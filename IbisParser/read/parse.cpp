@@ -4,7 +4,6 @@
 #include <climits>
 #include <cstring>
 
-#include "IbisParser/algmod.h"
 #include "IbisParser/base/textbuf.h"
 #include "IbisParser/errlog.h"
 #include "IbisParser/ibis.h"
@@ -254,19 +253,6 @@ int PARSE(const char* name, int fileType)
     s_beginParameters(name);
     std::FILE* file = nullptr;
     return CMN_OpenFile(name, FILE_AMI, &file, gsFileName) && s_readParameters(file);
-}
-
-void TEST(int fileType, int deep)
-{
-    IbisRoot* root = nullptr;
-    if (fileType == FILE_AMI)
-        AMI_Test();
-    else if (!IBIS_GetIBIS(&root))
-        return;
-    else if (fileType == FILE_IBS)
-        IBIS_Test(root);
-    else
-        EBD_Test(root, deep);
 }
 
 int FINI(void)

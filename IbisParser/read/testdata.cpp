@@ -73,11 +73,10 @@ static int s_subParameterLine(const char* line)
     return row != nullptr;
 }
 
-template <typename Kind>
-static bool s_hasWaveform(const TestData* data, Kind isKind)
+static bool s_hasWaveform(const TestData* data)
 {
-    for (int i = 0; i < TEST_WAVEFORMS; ++i)
-        if (data->waveforms[i] != nullptr && isKind(KEY_RISING_WAVEFORM_NEAR + i)) return true;
+    for (const Wvfrm* waveform : data->waveforms)
+        if (waveform != nullptr) return true;
     return false;
 }
 
@@ -110,7 +109,7 @@ void TESTDATA_Close(void)
         const bool given = (s_open->found >> (&row - s_subParameters) & 1u) != 0;
         if (row.required && !given) ERRLOG_LineErrorNew(3809, s_open->name, row.name);
     }
-    if (!s_hasWaveform(s_open, [](int) { return true; })) ERRLOG_LineErrorNew(3811, s_open->name);
+    if (!s_hasWaveform(s_open)) ERRLOG_LineErrorNew(3811, s_open->name);
     s_open = nullptr;
 }
 
@@ -205,63 +204,4 @@ TestData* TESTDATA_FindByName(TestData* head, const char* name)
 const char* TESTDATA_KindName(int kind)
 {
     return kind == TEST_SINGLE_ENDED || kind == TEST_DIFFERENTIAL ? s_kindNames[kind - 1] : nullptr;
-}
-
-static bool s_isFar(int code)
-{
-    return code == KEY_RISING_WAVEFORM_FAR || code == KEY_FALLING_WAVEFORM_FAR ||
-           code == KEY_DIFF_RISING_WAVEFORM_FAR || code == KEY_DIFF_FALLING_WAVEFORM_FAR;
-}
-
-// The model of that name, after a complaint when it is missing or does not drive.
-static const Mdl* s_testDriver(const TestData* data, const char* name,
-                               const SecNameIndex<Mdl>& models)
-{
-    if (name[0] == '\0') return nullptr;
-    const Mdl* model = models.Find(name);
-    if (model == nullptr) {
-        ERRLOG_ErrorNew(3815, data->name, name);
-        return nullptr;
-    }
-    const MdlTypeInfo* type = MDL_TypeInfo(model->type);
-    if (type != nullptr && !type->drives) ERRLOG_ErrorNew(3816, data->name, name, type->name);
-    return model;
-}
-
-static void s_testLoad(const TestData* data, const SecNameIndex<TestLoad>& loads)
-{
-    if (data->load[0] == '\0') return;
-    const TestLoad* load = loads.Find(data->load);
-    if (load == nullptr) {
-        ERRLOG_ErrorNew(3817, data->name, data->load);
-        return;
-    }
-    const char* dataKind = TESTDATA_KindName(data->type);
-    const char* loadKind = TESTDATA_KindName(load->type);
-    if (dataKind != nullptr && loadKind != nullptr && data->type != load->type)
-        ERRLOG_ErrorNew(3818, data->name, dataKind, data->load, loadKind);
-    if (s_hasWaveform(data, s_isFar) &&
-        (load->values[LOAD_TD].state != CELL_NUMBER || load->values[LOAD_ZO].state != CELL_NUMBER))
-        ERRLOG_WarnNew(3820, data->name, data->load);
-}
-
-int TESTDATA_TestList(TestData* list)
-{
-    TESTDATA_Close();
-    NML_CheckUnique(list, offsetof(TestData, name), offsetof(TestData, next), "Test Data");
-    IbisRoot* root = nullptr;
-    if (!IBIS_GetIBIS(&root)) return 0;
-    const SecNameIndex<Mdl> models(root->mdls);
-    const SecNameIndex<TestLoad> loads(root->testLoads);
-    for (const TestData* data : SecFileOrder<TestData>(list)) {
-        const Mdl* driver = s_testDriver(data, data->driver, models);
-        const Mdl* inverse = s_testDriver(data, data->driverInv, models);
-        if (driver != nullptr && inverse != nullptr && driver->type != inverse->type)
-            ERRLOG_WarnNew(3819, data->name, data->driver, data->driverInv);
-        s_testLoad(data, loads);
-        for (const Wvfrm* waveform : data->waveforms)
-            for (; waveform != nullptr; waveform = waveform->next)
-                WVFRM_Check(waveform);
-    }
-    return 1;
 }

@@ -1,19 +1,13 @@
-// The document store, and the order in which its parts are checked and released.
+// The document store, and the order in which its parts are released.
 #include "IbisParser/ibis.h"
 
-#include "IbisParser/acdc.h"
-#include "IbisParser/algmod.h"
-#include "IbisParser/chk.h"
-#include "IbisParser/chkcmpnt.h"
 #include "IbisParser/cmn.h"
 #include "IbisParser/cmpnt.h"
 #include "IbisParser/ebdmdl.h"
-#include "IbisParser/errlog.h"
 #include "IbisParser/ext.h"
 #include "IbisParser/hdr.h"
 #include "IbisParser/mdl.h"
 #include "IbisParser/msel.h"
-#include "IbisParser/parse.h"
 #include "IbisParser/pkgmdl.h"
 #include "IbisParser/submdl.h"
 #include "IbisParser/testdata.h"
@@ -32,44 +26,6 @@ static void s_with(IbisRoot* root)
 {
     if (root->*List != nullptr) Function(root->*List);
 }
-
-static void s_testComponents(IbisRoot* root)
-{
-    if (root->cmpnts == nullptr) {
-        ERRLOG_ErrorNew(3901, "Component", gsFileName);
-        return;
-    }
-    chk_CheckAllComponents(root->cmpnts);
-    CMPNT_TestList(root->cmpnts, root->exts, root->mdls);
-}
-
-static void s_testSubModels(IbisRoot* root)
-{
-    if (root->subMdls != nullptr) MDL_TestSubMdlReferences(root->mdls, root->subMdls);
-}
-
-static void s_testAddedSubModels(IbisRoot* root)
-{
-    MDL_TestSubMdls(root->mdls, root->subMdls);
-}
-
-static RootStep* const s_testSteps[] = {
-    s_with<&IbisRoot::mdls, RCVTH_Check>,
-    s_with<&IbisRoot::mdls, acdc_CheckAllModels>,
-    s_with<&IbisRoot::mdls, chk_CheckAllModels>,
-    s_with<&IbisRoot::mdls, DRVSH_Test>,
-    s_with<&IbisRoot::mdls, ALGMOD_Test>,
-    s_with<&IbisRoot::msels, MSEL_TestList>,
-    s_testComponents,
-    s_with<&IbisRoot::pkgMdls, PKGMDL_TestList>,
-    s_with<&IbisRoot::testData, TESTDATA_TestList>,
-    s_with<&IbisRoot::testLoads, TESTLOAD_TestList>,
-    s_testSubModels,
-    s_with<&IbisRoot::subMdls, chk_CheckAllSubModels>,
-    s_with<&IbisRoot::subMdls, acdc_CheckAllSubModels>,
-    s_testAddedSubModels,
-    s_with<&IbisRoot::mdls, MDL_TestMdlReference>,
-};
 
 // External circuits have no place of their own in the order; nothing that is released before them
 // points at them.
@@ -155,18 +111,3 @@ int IBIS_GetMsels(IbisRoot* root, Msel** head)        { return s_get(root, &Ibis
 int IBIS_GetTestData(IbisRoot* root, TestData** head) { return s_get(root, &IbisRoot::testData, head); }
 int IBIS_GetTestLoad(IbisRoot* root, TestLoad** head) { return s_get(root, &IbisRoot::testLoads, head); }
 // clang-format on
-
-void IBIS_Test(IbisRoot* root)
-{
-    CMN_ASSERT(root != nullptr);
-    for (RootStep* step : s_testSteps)
-        step(root);
-}
-
-void EBD_Test(IbisRoot* root, int deep)
-{
-    CMN_ASSERT(root != nullptr);
-    // No list check runs for package files: a record that the file left open ends here.
-    PKGMDL_Close();
-    EBDMDL_TestList(root->ebdMdls, deep);
-}

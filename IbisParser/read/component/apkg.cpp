@@ -45,21 +45,6 @@ int APKG_Fini(Cmpnt* component)
     return APKG_End(component);
 }
 
-void APKG_Test(const Cmpnt* component, PkgFinder* finder)
-{
-    const Apkg* first = component->alternates;
-    if (first == nullptr) return;
-    int hasDefault = 0;
-    for (const Apkg* item = first; item != nullptr; item = item->next)
-        hasDefault = hasDefault || std::strcmp(item->name, component->packageModel) == 0;
-    if (!hasDefault && component->packageModel[0] != '\0')
-        ERRLOG_NoteNew(609, component->name, component->packageModel);
-    for (const Apkg* item = first; item != nullptr; item = item->next)
-        if (PKGFINDER_Find(finder, item->name).where != PKG_FOUND)
-            ERRLOG_WarnNew(610, component->name, item->name);
-    if (first->next == nullptr) ERRLOG_NoteNew(611, component->name);
-}
-
 void APKG_FreeList(Apkg* head)
 {
     SEC_FreeList(head, SEC_FreeRecord<Apkg>);

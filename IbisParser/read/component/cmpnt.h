@@ -75,6 +75,9 @@ struct CmpntItems {
     CmpntItems& operator=(const CmpntItems&) = delete;
 };
 
+// The columns of [Pin Mapping] after the pin.
+extern const char* const pinmapColumns[PINMAP_COLUMNS];
+
 // Splits a line of the part and keeps at most max items; 0 after the message.
 int CMPNT_SplitLine(const PartFailure* failure, int line, const char* keyword, const char* text,
                     int max, CmpntItems* items);
@@ -82,53 +85,5 @@ int CMPNT_SplitLine(const PartFailure* failure, int line, const char* keyword, c
 // 1 when the component's list has the pin, or when no [Pin] came before, which is reported once
 // for the keyword instead.
 int CMPNT_HasPin(const Cmpnt* component, const char* pin);
-
-// Models and selectors of a document by name, for the checks of a whole file. Both lists must
-// outlive it, as must the names that are looked up.
-class CmpntNames {
-public:
-    CmpntNames(const Mdl* models, const Msel* selectors);
-    ~CmpntNames();
-    CmpntNames(const CmpntNames&) = delete;
-    CmpntNames& operator=(const CmpntNames&) = delete;
-
-    const Mdl* Model(const char* name) const { return m_Models.Find(name); }
-    const Msel* Selector(const char* name) const { return m_Selectors.Find(name); }
-    // The model of that name, else the first defined model of that selector, else null.
-    const Mdl* Resolve(const char* name) const;
-
-private:
-    SecNameIndex<const Mdl> m_Models;
-    SecNameIndex<const Msel> m_Selectors;
-    const Mdl* Find(const char* name) const;
-
-    mutable IdxTable m_Defaults;               // models of the selectors, as they are found
-    mutable const char* m_LastName = nullptr;  // neighbouring pins mostly share a model
-    mutable const Mdl* m_Last = nullptr;
-};
-
-// The type as a file writes it; "unknown" when the model gave none.
-const char* CMPNT_TypeName(const Mdl* model);
-
-// Where package models are looked for: the document, then a package file of the model's name. Each
-// file is read once.
-struct PkgFinder;
-enum PkgWhere { PKG_NO_FILE, PKG_NOT_IN_FILE, PKG_FOUND };
-struct PkgPlace {
-    PkgWhere where;
-    const PkgMdl* package;         // when found
-    char fileName[SIZE_NAME + 5];  // of the package file, without its folder
-};
-PkgFinder* PKGFINDER_New(const PkgMdl* packages);
-void PKGFINDER_Free(PkgFinder* finder);
-PkgPlace PKGFINDER_Find(PkgFinder* finder, const char* name);
-
-// The document checks of the parts.
-void PINMAP_Test(const Cmpnt* component, const CmpntNames& names);
-void DIFFPIN_Test(const Cmpnt* component, const CmpntNames& names);
-void SERMAP_Test(const Cmpnt* component, const CmpntNames& names);
-void APKG_Test(const Cmpnt* component, PkgFinder* finder);
-void CIRCUIT_Test(const Cmpnt* component, const SecNameIndex<const Ext>& externals);
-void CMPNTEMI_Test(const Cmpnt* component);
 
 #endif

@@ -160,30 +160,6 @@ int CMPNTEMI_Fini(Cmpnt* component)
     return 1;
 }
 
-void CMPNTEMI_Test(const Cmpnt* component)
-{
-    if (component->emi == nullptr) return;
-    const CmpntEmi* emi = component->emi;
-    SecSet listed = {};
-    SecSet used = {};
-    long sum = 0;
-    for (const EmiPinDomain* domain = emi->domains; domain != nullptr; domain = domain->next) {
-        SEC_SetAdd(&listed, domain->name);
-        if (domain->percent > 0) sum += domain->percent;
-    }
-    if (sum > WHOLE) ERRLOG_ErrorNew(816, component->name, static_cast<int>(sum));
-    for (const EmiPin* pin = emi->pins; pin != nullptr; pin = pin->next) {
-        if (pin->domain[0] == '\0') continue;
-        SEC_SetAdd(&used, pin->domain);
-        if (emi->domains != nullptr && !SEC_SetHas(&listed, pin->domain))
-            ERRLOG_ErrorNew(817, component->name, pin->domain, pin->name);
-    }
-    for (const EmiPinDomain* domain = emi->domains; domain != nullptr; domain = domain->next)
-        if (SEC_SetAdd(&used, domain->name)) ERRLOG_WarnNew(818, component->name, domain->name);
-    SEC_SetClear(&listed);
-    SEC_SetClear(&used);
-}
-
 void CMPNTEMI_Free(CmpntEmi* emi)
 {
     if (emi == nullptr) return;

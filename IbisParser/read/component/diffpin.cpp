@@ -113,31 +113,6 @@ DiffPin* DIFFPIN_Find(DiffPin* head, const char* pin)
     return nullptr;
 }
 
-static const Mdl* s_testPin(const Cmpnt* component, const Pin* pin, const CmpntNames& names)
-{
-    if (pin == nullptr) return nullptr;
-    if (pin->kind == PIN_POWER || pin->kind == PIN_GND || pin->kind == PIN_NC)
-        ERRLOG_ErrorNew(1511, component->name, pin->name, pin->model);
-    return pin->kind == PIN_MODEL ? names.Resolve(pin->model) : nullptr;
-}
-
-void DIFFPIN_Test(const Cmpnt* component, const CmpntNames& names)
-{
-    for (const DiffPin* pair = component->diffPins; pair != nullptr; pair = pair->next) {
-        const Mdl* model = s_testPin(component, pair->pins[0], names);
-        const Mdl* inverse = s_testPin(component, pair->pins[1], names);
-        if (model == nullptr) continue;
-        const MdlTypeInfo* type = MDL_TypeInfo(model->type);
-        if (type == nullptr) continue;
-        const MdlTypeInfo* inverseType = inverse != nullptr ? MDL_TypeInfo(inverse->type) : nullptr;
-        if (inverseType != nullptr && inverseType != type)
-            ERRLOG_WarnNew(1512, component->name, pair->name, pair->invPin, type->name,
-                           inverseType->name);
-        if (type->receives && pair->vdiff.state == CELL_NA)
-            ERRLOG_NoteNew(1513, component->name, pair->name);
-    }
-}
-
 void DIFFPIN_FreeList(DiffPin* head)
 {
     SEC_FreeList(head, SEC_FreeRecord<DiffPin>);

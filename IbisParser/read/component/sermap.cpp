@@ -240,46 +240,6 @@ SerMap* SERMAP_Find(SerMap* head, const char* pin)
     return nullptr;
 }
 
-static void s_testRow(const Cmpnt* component, const SerMap* row, const CmpntNames& names,
-                      const SecSet* switched)
-{
-    const Mdl* model = names.Resolve(row->model);
-    if (model == nullptr) {
-        if (names.Selector(row->model) == nullptr)
-            ERRLOG_ErrorNew(1716, component->name, row->name, row->model);
-        return;
-    }
-    if (model->type == MDL_TYPE_UNSET) return;
-    const int hasGroup = row->group[0] != '\0';
-    if (model->type != MDL_SERIES && model->type != MDL_SERIES_SWITCH)
-        ERRLOG_ErrorNew(1717, component->name, row->model, row->name, CMPNT_TypeName(model));
-    else if (model->type == MDL_SERIES_SWITCH && !hasGroup)
-        ERRLOG_ErrorNew(1718, component->name, row->name);
-    else if (model->type == MDL_SERIES && hasGroup)
-        ERRLOG_WarnNew(1720, component->name, row->group, row->name, "belongs to a Series model");
-    else if (hasGroup && !SEC_SetHas(switched, row->group))
-        ERRLOG_WarnNew(1720, component->name, row->group, row->name, "is in no switch state");
-}
-
-void SERMAP_Test(const Cmpnt* component, const CmpntNames& names)
-{
-    SecSet used = {};
-    SecSet switched = {};
-    for (const SerMap* row = component->seriesPins; row != nullptr; row = row->next)
-        if (row->group[0] != '\0') SEC_SetAdd(&used, row->group);
-    for (const SerState* state = component->switchStates; state != nullptr; state = state->next)
-        for (const SerGroup* group = state->groups; group != nullptr; group = group->next)
-            SEC_SetAdd(&switched, group->name);
-
-    for (const SerMap* row = component->seriesPins; row != nullptr; row = row->next)
-        s_testRow(component, row, names, &switched);
-    for (const SerState* state = component->switchStates; state != nullptr; state = state->next)
-        for (const SerGroup* group = state->groups; group != nullptr; group = group->next)
-            if (SEC_SetAdd(&used, group->name)) ERRLOG_ErrorNew(1719, component->name, group->name);
-    SEC_SetClear(&used);
-    SEC_SetClear(&switched);
-}
-
 void SERMAP_FreeList(SerMap* head)
 {
     SEC_FreeList(head, SEC_FreeRecord<SerMap>);

@@ -432,59 +432,6 @@ int EXT_HasPort(const Ext* item, const char* port)
     return item->portIndex != nullptr && IDX_FindName(item->portIndex, port) != nullptr;
 }
 
-void EXT_FindWired(Ext* item)
-{
-    CMN_ASSERT(item != nullptr);
-    SecSet inside = {};
-    for (const ExtConversion* row = item->conversions; row != nullptr; row = row->next)
-        for (const char* name : {row->digital, row->port1, row->port2})
-            SEC_SetAdd(&inside, name);
-    ExtName** link = &item->wired;
-    for (ExtName* port = item->ports; port != nullptr; port = port->next)
-        if (std::strncmp(port->name, "D_", 2) != 0 && !SEC_SetHas(&inside, port->name)) {
-            *link = port;
-            link = &port->nextWired;
-        }
-    *link = nullptr;
-    SEC_SetClear(&inside);
-}
-
-static void s_testFiles(const char* keyword, const Ext* item)
-{
-    for (const ExtCornerRow* row = item->corners; row != nullptr; row = row->next) {
-        if (row->file == nullptr) continue;
-        char path[2 * CMN_PATH_MAX + 2];
-        CMN_GetIbsPath(path);
-        CMN_strncpy(path + std::strlen(path), row->file, CMN_PATH_MAX);
-        std::FILE* file = SEC_OpenFile(path);
-        if (file == nullptr)
-            ERRLOG_WarnNew(3418, keyword, item->name, row->file);
-        else
-            std::fclose(file);
-    }
-}
-
-int EXT_TestList(Ext* externals, const Cmpnt* components)
-{
-    if (s_circuit.item != nullptr) {
-        ERRLOG_ErrorNew(3408, s_circuit.item->name);
-        s_finish(&s_circuit);
-    }
-    NML_CheckUnique(externals, offsetof(Ext, name), offsetof(Ext, next), "External Circuit");
-    SecSet called = {};
-    for (; components != nullptr; components = components->next)
-        for (const Circuit* call = components->calls; call != nullptr; call = call->next)
-            SEC_SetAdd(&called, call->name);
-    for (const Ext* item : SecFileOrder<const Ext>(externals)) {
-        s_testFiles("External Circuit", item);
-        // A circuit without a name was reported as that.
-        if (item->name[0] != '\0' && !SEC_SetHas(&called, item->name))
-            ERRLOG_WarnNew(3718, item->name);
-    }
-    SEC_SetClear(&called);
-    return 1;
-}
-
 int EXT_MdlNew(Mdl* model, const char* line)
 {
     CMN_ASSERT(model != nullptr && line != nullptr);
@@ -532,12 +479,9 @@ int EXT_MdlFini(Mdl* model)
     return 0;
 }
 
-int EXT_MdlTest(const Mdl* model)
+void EXT_CloseCircuit()
 {
-    CMN_ASSERT(model != nullptr);
-    if (model->external == nullptr) return 1;
-    s_testFiles("External Model", model->external);
-    if (EXT_HasPort(model->external, "A_extref") && model->externalRef == nullptr)
-        ERRLOG_NoteNew(3447, model->name);
-    return 1;
+    if (s_circuit.item == nullptr) return;
+    ERRLOG_ErrorNew(3408, s_circuit.item->name);
+    s_finish(&s_circuit);
 }

@@ -27,5 +27,7 @@ const char* EXT_ConversionName(const ExtConversion* row);
 int EXT_HasConversion(const Ext* item, const char* digital);
 // The ports that the model's type asks for, and those it has no use for.
 void EXT_CheckModel(const Mdl* model, const Ext* item);
+// Ends the circuit that the file left open, with the message.
+void EXT_CloseCircuit();
 
 #endif

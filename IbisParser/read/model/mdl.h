@@ -3,6 +3,7 @@
 #define IBISPARSER_READ_MODEL_MDL_H
 
 #include "IbisParser/cmn.h"
+#include "IbisParser/drvsh.h"
 #include "IbisParser/mdl.h"
 #include "IbisParser/store/section.h"
 
@@ -44,20 +45,10 @@ int MDL_HasPartCapacitance(const Mdl* model);
 int MDL_HasRangeLine(int code);
 int MDL_RangeLine(Mdl* model, int code, const char* text);
 
+// Of [Driver Schedule], by DrvShDelay.
+extern const char* const drvshDelayNames[DELAY_COUNT];
+
 // The rules of a whole record.
 void MDL_EndOfRecord(const Mdl* model);
-
-// Names of the models that stand at a pin of a differential pair, selectors taken apart.
-class MdlPairs {
-public:
-    explicit MdlPairs(IbisRoot* root);
-    ~MdlPairs();
-    MdlPairs(const MdlPairs&) = delete;
-    MdlPairs& operator=(const MdlPairs&) = delete;
-    int Has(const char* model) const;
-
-private:
-    IdxTable m_Names = {nullptr, 0, 0};
-};
 
 #endif

@@ -2,8 +2,9 @@
 #include "IbisParser/msel.h"
 
 #include "IbisParser/errlog.h"
-#include "IbisParser/nml.h"
-#include "IbisParser/read/component/cmpnt.h"
+#include "IbisParser/parse.h"
+#include "IbisParser/read/model/msel.h"
+#include "IbisParser/store/section.h"
 
 static const char s_Module[] = "IbisParser/msel";
 static const SecFrame s_frame = {s_Module, 1100, 1101, 1102, 1103, 1104, 1105};
@@ -12,8 +13,9 @@ static Msel* s_open = nullptr;
 static MselRow** s_tail = nullptr;  // end of its rows
 static SecSet s_models = {};        // in its rows
 
-static void s_close(void)
+void MSEL_Close()
 {
+    if (s_open == nullptr) return;
     if (s_open->rows == nullptr) ERRLOG_LineErrorNew(1110, s_open->name);
     SEC_SetClear(&s_models);
     s_open = nullptr;
@@ -31,7 +33,7 @@ static void s_free(Msel* selector)
 
 int MSEL_Init(void)
 {
-    if (s_open != nullptr) s_close();
+    MSEL_Close();
     IbisRoot* root = SEC_Root(&s_frame, __LINE__);
     if (root == nullptr) return 0;
     s_open = static_cast<Msel*>(SEC_NewRecord(&s_frame, sizeof(Msel)));
@@ -87,7 +89,7 @@ int MSEL_ReceiveLine(int kind, int code, char* line)
 
 int MSEL_Fini(int nextCode)
 {
-    if (s_open != nullptr && nextCode != NOT_KEY) s_close();
+    if (nextCode != NOT_KEY) MSEL_Close();
     return 1;
 }
 
@@ -106,60 +108,4 @@ Msel* MSEL_FindByName(Msel* head, const char* name)
 {
     CMN_ASSERT(name != nullptr);
     return SEC_FindByName(head, name);
-}
-
-static int s_isSeries(const MdlTypeInfo* type)
-{
-    return type->group == MDL_GROUP_SERIES || type->group == MDL_GROUP_SERIES_SWITCH;
-}
-
-static void s_testRows(const Msel* selector, const CmpntNames& names)
-{
-    const MdlTypeInfo* first = nullptr;
-    int isMixed = 0;
-    for (const MselRow* row = selector->rows; row != nullptr; row = row->next) {
-        const Mdl* model = names.Model(row->model);
-        if (model == nullptr && names.Selector(row->model) != nullptr)
-            ERRLOG_ErrorNew(1115, selector->name, row->model);
-        else if (model == nullptr)
-            ERRLOG_ErrorNew(1111, selector->name, row->model);
-        const MdlTypeInfo* type = model != nullptr ? MDL_TypeInfo(model->type) : nullptr;
-        if (type == nullptr) continue;
-        if (first == nullptr) first = type;
-        if (!isMixed && s_isSeries(first) != s_isSeries(type)) {
-            ERRLOG_WarnNew(1114, selector->name, first->name, type->name);
-            isMixed = 1;
-        }
-    }
-}
-
-// The names in the model columns of every component.
-static void s_collectUses(const Cmpnt* components, SecSet* used)
-{
-    for (; components != nullptr; components = components->next) {
-        for (const Pin* pin = components->pins; pin != nullptr; pin = pin->next)
-            if (pin->kind == PIN_MODEL) SEC_SetAdd(used, pin->model);
-        for (const SerMap* row = components->seriesPins; row != nullptr; row = row->next)
-            SEC_SetAdd(used, row->model);
-    }
-}
-
-int MSEL_TestList(Msel* selectors)
-{
-    if (s_open != nullptr) s_close();
-    IbisRoot* root = SEC_Root(&s_frame, __LINE__);
-    if (root == nullptr) return 0;
-    NML_CheckUnique(selectors, offsetof(Msel, name), offsetof(Msel, next), "Model Selector");
-    const CmpntNames names(root->mdls, selectors);
-    SecSet used = {};
-    s_collectUses(root->cmpnts, &used);
-    for (const Msel* selector : SecFileOrder<const Msel>(selectors)) {
-        if (names.Model(selector->name) != nullptr) ERRLOG_ErrorNew(1112, selector->name);
-        s_testRows(selector, names);
-        // A selector without a name was reported as that.
-        if (selector->name[0] != '\0' && !SEC_SetHas(&used, selector->name))
-            ERRLOG_WarnNew(1113, selector->name);
-    }
-    SEC_SetClear(&used);
-    return 1;
 }

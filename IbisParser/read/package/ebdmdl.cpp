@@ -9,8 +9,8 @@
 #include "IbisParser/base/token.h"
 #include "IbisParser/cmn.h"
 #include "IbisParser/errlog.h"
-#include "IbisParser/nml.h"
 #include "IbisParser/parse.h"
+#include "IbisParser/read/package/board.h"
 #include "IbisParser/store/section.h"
 
 static const char s_Module[] = "IbisParser/ebdmdl";
@@ -178,7 +178,7 @@ static void s_finishKeyword()
 }
 
 // Such a board needs no path.
-static bool s_hasNoSignal(const EbdMdl* board)
+bool EBDMDL_HasNoSignal(const EbdMdl* board)
 {
     const EbdPin* pin = board->pins;
     while (pin != nullptr && pin->kind != EBDPIN_SIGNAL)
@@ -193,7 +193,7 @@ static void s_checkRecord()
                                    KEY_PATH_DESCRIPTION};
     for (const int code : required) {
         const bool excused = (code == KEY_EBDMDL_MANUFACTURER && s_hasLateManufacturer) ||
-                             (code == KEY_PATH_DESCRIPTION && s_hasNoSignal(board));
+                             (code == KEY_PATH_DESCRIPTION && EBDMDL_HasNoSignal(board));
         if (!s_hasFound(code) && !excused)
             ERRLOG_LineErrorNew(4310, board->name, SEC_KeywordName(code));
     }
@@ -402,68 +402,4 @@ EbdPin* EBDMDL_FindPin(const EbdMdl* board, const char* name)
     CMN_ASSERT(board != nullptr && name != nullptr);
     if (board->pinIndex == nullptr) return nullptr;
     return static_cast<EbdPin*>(IDX_FindName(board->pinIndex, name));
-}
-
-// Checks of the whole board.
-
-// What the paths of one board share.
-struct NodeCheck {
-    const EbdMdl* board;
-    IdxTable owners;  // first path of each node
-    SecSet unmapped;  // designators that were reported
-    bool hasNodes;
-};
-
-static void s_testNode(NodeCheck* check, EbdPath* path, const SectItem* node)
-{
-    check->hasNodes = true;
-    const char* period = std::strchr(node->text, '.');
-    if (period == nullptr) return;
-    void** owner = nullptr;
-    if (!IDX_SlotName(&check->owners, node->text, &owner)) return;
-    if (*owner == nullptr)
-        *owner = path;
-    else if (*owner != path)
-        ERRLOG_ErrorNew(4337, check->board->name, node->text,
-                        static_cast<const EbdPath*>(*owner)->name, path->name);
-    if (check->board->map == nullptr) return;
-    char name[SIZE_NAME + 1];
-    CMN_strncpy(name, node->text, static_cast<std::size_t>(period - node->text));
-    if (REFDES_Find(check->board, name) == nullptr && SEC_SetAdd(&check->unmapped, name))
-        ERRLOG_ErrorNew(4336, check->board->name, path->name, name);
-}
-
-static void s_testBoard(const EbdMdl* board)
-{
-    for (const EbdPin* pin = board->pins; pin != nullptr; pin = pin->next)
-        if (pin->kind == EBDPIN_SIGNAL && pin->path == nullptr)
-            ERRLOG_ErrorNew(4335, board->name, pin->name);
-    NodeCheck check = {board, {nullptr, 0, 0}, {}, false};
-    for (EbdPath* path = board->paths; path != nullptr; path = path->next) {
-        bool hasNode = false;
-        for (const SectItem* item = path->path.head; item != nullptr; item = item->next) {
-            if (item->kind != SECT_NODE) continue;
-            hasNode = true;
-            s_testNode(&check, path, item);
-        }
-        if (!hasNode) ERRLOG_WarnNew(4339, board->name, path->name);
-    }
-    if (check.hasNodes && board->map == nullptr) ERRLOG_ErrorNew(4338, board->name);
-    if (board->paths == nullptr && s_hasNoSignal(board)) ERRLOG_NoteNew(4341, board->name);
-    IDX_Clear(&check.owners);
-    SEC_SetClear(&check.unmapped);
-}
-
-int EBDMDL_TestList(EbdMdl* boards, int deep)
-{
-    EBDMDL_Close();
-    if (boards == nullptr) {
-        if (geCurrFileType == FILE_EBD) ERRLOG_ErrorNew(4340);
-        return 0;
-    }
-    NML_CheckUnique(boards, offsetof(EbdMdl, name), offsetof(EbdMdl, next), "Board");
-    for (const EbdMdl* board : SecFileOrder<EbdMdl>(boards))
-        s_testBoard(board);
-    REFDES_Test(boards, deep);
-    return 1;
 }

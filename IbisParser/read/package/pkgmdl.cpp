@@ -463,21 +463,3 @@ PkgMdl* PKGMDL_GetOpen(void)
 {
     return s_open;
 }
-
-int PKGMDL_TestList(PkgMdl* packages)
-{
-    PKGMDL_Close();
-    NML_CheckUnique(packages, offsetof(PkgMdl, name), offsetof(PkgMdl, next), "Package Model");
-    IbisRoot* root = nullptr;
-    if (!IBIS_GetIBIS(&root) || root->cmpnts == nullptr) return 1;
-    SecSet used = {};
-    for (const Cmpnt* component = root->cmpnts; component != nullptr; component = component->next) {
-        SEC_SetAdd(&used, component->packageModel);
-        for (const Apkg* row = component->alternates; row != nullptr; row = row->next)
-            SEC_SetAdd(&used, row->name);
-    }
-    for (const PkgMdl* package : SecFileOrder<PkgMdl>(packages))
-        if (!SEC_SetHas(&used, package->name)) ERRLOG_WarnNew(2331, package->name);
-    SEC_SetClear(&used);
-    return 1;
-}

@@ -1,23 +1,19 @@
-// [Reference Designator Map], and the assembly that it describes: boards of components and boards.
+// [Reference Designator Map].
 #include "IbisParser/refdes.h"
 
 #include <cstring>
 
 #include "IbisParser/base/token.h"
 #include "IbisParser/cmn.h"
-#include "IbisParser/cmpnt.h"
 #include "IbisParser/ebdmdl.h"
 #include "IbisParser/errlog.h"
 #include "IbisParser/parse.h"
-#include "IbisParser/read/parse.h"
+#include "IbisParser/read/package/board.h"
 #include "IbisParser/store/section.h"
 
 static const char s_Module[] = "IbisParser/refdes";
 
-enum { DEEPEST_BOARD = 8 };
-
-// 0: the name has neither of the two extensions.
-static int s_fileType(const char* name)
+int REFDES_FileType(const char* name)
 {
     const std::size_t length = std::strlen(name);
     if (length < 4) return 0;
@@ -59,7 +55,7 @@ int REFDES_ReceiveLine(EbdMdl* board, char* line)
         ERRLOG_LineErrorNew(4503, name);
         return 0;
     }
-    if (s_fileType(file) == 0) ERRLOG_LineErrorNew(4504, file, name);
+    if (REFDES_FileType(file) == 0) ERRLOG_LineErrorNew(4504, file, name);
     RefDes* row = s_newRow(board, name);
     if (row == nullptr) return 0;
     row->file = CMN_StrMake(file);
@@ -84,276 +80,4 @@ void REFDES_FreeList(RefDes* head)
         if (file != nullptr) CMN_freeSetNull(&file);
         SEC_FreeRecord(row);
     });
-}
-
-// A file that designators name, looked for and read once for the whole test.
-struct AssemblyFile {
-    AssemblyFile* next;
-    char* name;  // as the map has it
-    int type;
-    int exists;
-    IbisRoot* root;  // null unless it was read
-    int depth;       // boards around it
-    IdxTable parts;  // components or boards by name
-};
-
-// A board whose references wait to be looked up.
-struct WaitingBoard {
-    WaitingBoard* next;
-    const EbdMdl* board;
-    int depth;
-};
-
-// The whole assembly. Files are kept until the end of the test, so that a board used in many places
-// is looked into again without being read again.
-struct Assembly {
-    int deep;
-    AssemblyFile* files;  // newest first
-    IdxTable byName;
-    WaitingBoard* first;
-    WaitingBoard* last;
-};
-
-// The nodes of a board by designator: heads has a link for each row of the map. A link is the place
-// of a node from 1, 0 ends a chain.
-struct NodeLink {
-    const SectItem* node;
-    int next;
-};
-struct BoardNodes {
-    NodeLink* links;
-    int* heads;
-    int* tails;
-    int count;
-};
-
-static void s_wait(Assembly* assembly, const EbdMdl* board, int depth)
-{
-    WaitingBoard* item =
-        static_cast<WaitingBoard*>(SEC_NewPart(1908, s_Module, __LINE__, sizeof(WaitingBoard)));
-    if (item == nullptr) return;
-    item->board = board;
-    item->depth = depth;
-    if (assembly->last != nullptr)
-        assembly->last->next = item;
-    else
-        assembly->first = item;
-    assembly->last = item;
-}
-
-template <typename Record>
-static void s_indexParts(AssemblyFile* file, Record* head)
-{
-    for (Record* part : SecFileOrder<Record>(head)) {
-        void** value = nullptr;
-        if (IDX_SlotName(&file->parts, part->name, &value) && *value == nullptr) *value = part;
-    }
-}
-
-// As the reader opens files: the name as it is, in lower case, in upper case.
-static int s_exists(char* path)
-{
-    static void (*const changes[])(char*) = {nullptr, CMN_ConvertToLower, CMN_ConvertToUpper};
-    for (void (*change)(char*) : changes) {
-        if (change != nullptr) change(path);
-        std::FILE* stream = SEC_OpenFile(path);
-        if (stream == nullptr) continue;
-        std::fclose(stream);
-        return 1;
-    }
-    return 0;
-}
-
-// "name" in the folder of the board file; owned.
-static char* s_pathOf(const char* name)
-{
-    const std::size_t length = std::strlen(gsFilePath_ibs) + std::strlen(name);
-    void* block = nullptr;
-    if (!CMN_malloc(&block, length + 1)) return nullptr;
-    char* path = static_cast<char*>(block);
-    std::snprintf(path, length + 1, "%s%s", gsFilePath_ibs, name);
-    return path;
-}
-
-static void s_freeText(char* text)
-{
-    void* block = text;
-    if (block != nullptr) CMN_freeSetNull(&block);
-}
-
-// Reads the file into a store of its own.
-static void s_read(Assembly* assembly, AssemblyFile* file, const char* path)
-{
-    if (!IBIS_New()) return;
-    ParseState state;
-    PARSE_SaveState(&state);
-    IbisRoot* root = nullptr;
-    IBIS_GetIBIS(&root);
-    const int isRead = PARSE(path, file->type);
-    EBDMDL_Close();
-    PARSE_RestoreState(&state);
-    if (!isRead) {
-        IBIS_Free(root);
-        return;
-    }
-    file->root = root;
-    if (file->type == FILE_IBS) {
-        s_indexParts(file, root->cmpnts);
-        return;
-    }
-    s_indexParts(file, root->ebdMdls);
-    if (file->depth >= DEEPEST_BOARD) return;
-    for (const EbdMdl* board : SecFileOrder<EbdMdl>(root->ebdMdls))
-        s_wait(assembly, board, file->depth);
-}
-
-static AssemblyFile* s_newFile(Assembly* assembly, const char* name)
-{
-    AssemblyFile* file =
-        static_cast<AssemblyFile*>(SEC_NewPart(1908, s_Module, __LINE__, sizeof(AssemblyFile)));
-    if (file == nullptr) return nullptr;
-    file->name = CMN_StrMake(name);
-    file->type = s_fileType(name);
-    file->next = assembly->files;
-    assembly->files = file;
-    void** value = nullptr;
-    if (file->name != nullptr && IDX_SlotName(&assembly->byName, file->name, &value)) *value = file;
-    return file;
-}
-
-static const AssemblyFile* s_getFile(Assembly* assembly, const char* name, int depth)
-{
-    void* known = IDX_FindName(&assembly->byName, name);
-    if (known != nullptr) return static_cast<AssemblyFile*>(known);
-    AssemblyFile* file = s_newFile(assembly, name);
-    char* path = file != nullptr ? s_pathOf(name) : nullptr;
-    char* probe = CMN_StrMake(path);
-    if (probe != nullptr) {
-        file->depth = depth + 1;
-        file->exists = s_exists(probe);
-        if (file->exists && assembly->deep) s_read(assembly, file, path);
-    }
-    s_freeText(probe);
-    s_freeText(path);
-    return file;
-}
-
-static bool s_hasPin(const AssemblyFile* file, const void* part, const char* pin)
-{
-    if (file->type == FILE_IBS)
-        return CMPNT_FindPin(static_cast<const Cmpnt*>(part), pin) != nullptr;
-    return EBDMDL_FindPin(static_cast<const EbdMdl*>(part), pin) != nullptr;
-}
-
-static void s_lookUp(Assembly* assembly, const WaitingBoard* waiting, const RefDes* row,
-                     const BoardNodes* nodes)
-{
-    if (row->file == nullptr || s_fileType(row->file) == 0) return;
-    const char* boardName = waiting->board->name;
-    const AssemblyFile* file = s_getFile(assembly, row->file, waiting->depth);
-    if (file == nullptr) return;
-    if (!file->exists) {
-        ERRLOG_WarnNew(4506, boardName, "file", row->file, row->name);
-        return;
-    }
-    if (file->root == nullptr) return;
-    const void* part = IDX_FindName(&file->parts, row->component);
-    if (part == nullptr) {
-        const char* kind = file->type == FILE_IBS ? "component" : "board";
-        ERRLOG_WarnNew(4506, boardName, kind, row->component, row->name);
-        return;
-    }
-    for (int link = nodes->heads[row->index]; link != 0; link = nodes->links[link - 1].next) {
-        const char* pin = std::strchr(nodes->links[link - 1].node->text, '.') + 1;
-        if (!s_hasPin(file, part, pin)) ERRLOG_WarnNew(4506, boardName, "pin", pin, row->name);
-    }
-}
-
-static int s_countNodes(const EbdMdl* board)
-{
-    int count = 0;
-    for (const EbdPath* path = board->paths; path != nullptr; path = path->next)
-        for (const SectItem* item = path->path.head; item != nullptr; item = item->next)
-            count += item->kind == SECT_NODE;
-    return count;
-}
-
-template <typename T>
-static T* s_array(int count)
-{
-    const std::size_t size = static_cast<std::size_t>(count > 0 ? count : 1) * sizeof(T);
-    return static_cast<T*>(SEC_NewPart(1908, s_Module, __LINE__, size));
-}
-
-template <typename T>
-static void s_freeArray(T** array)
-{
-    void* block = *array;
-    if (block != nullptr) CMN_freeSetNull(&block);
-    *array = nullptr;
-}
-
-static void s_chainNode(const EbdMdl* board, BoardNodes* nodes, const SectItem* node)
-{
-    const char* period = std::strchr(node->text, '.');
-    if (period == nullptr) return;
-    char name[SIZE_NAME + 1];
-    CMN_strncpy(name, node->text, static_cast<std::size_t>(period - node->text));
-    const RefDes* row = REFDES_Find(board, name);
-    if (row == nullptr) return;
-    nodes->links[nodes->count++] = {node, 0};
-    int* tail = &nodes->tails[row->index];
-    (*tail == 0 ? nodes->heads[row->index] : nodes->links[*tail - 1].next) = nodes->count;
-    *tail = nodes->count;
-}
-
-static void s_testBoard(Assembly* assembly, const WaitingBoard* waiting)
-{
-    const EbdMdl* board = waiting->board;
-    BoardNodes nodes = {s_array<NodeLink>(s_countNodes(board)), s_array<int>(board->refDesCount),
-                        s_array<int>(board->refDesCount), 0};
-    if (nodes.links != nullptr && nodes.heads != nullptr && nodes.tails != nullptr) {
-        for (const EbdPath* path = board->paths; path != nullptr; path = path->next)
-            for (const SectItem* item = path->path.head; item != nullptr; item = item->next)
-                if (item->kind == SECT_NODE) s_chainNode(board, &nodes, item);
-        for (const RefDes* row = board->map; row != nullptr; row = row->next) {
-            if (waiting->depth == 0 && nodes.heads[row->index] == 0)
-                ERRLOG_WarnNew(4505, board->name, row->name);
-            s_lookUp(assembly, waiting, row, &nodes);
-        }
-    }
-    s_freeArray(&nodes.links);
-    s_freeArray(&nodes.heads);
-    s_freeArray(&nodes.tails);
-}
-
-static void s_freeAssembly(Assembly* assembly)
-{
-    SEC_FreeList(assembly->files, [](AssemblyFile* file) {
-        if (file->root != nullptr && file->depth > 0) IBIS_Free(file->root);
-        IDX_Clear(&file->parts);
-        s_freeText(file->name);
-        SEC_FreeRecord(file);
-    });
-    SEC_FreeList(assembly->first, SEC_FreeRecord<WaitingBoard>);
-    IDX_Clear(&assembly->byName);
-}
-
-int REFDES_Test(const EbdMdl* boards, int deep)
-{
-    Assembly assembly = {deep, nullptr, {nullptr, 0, 0}, nullptr, nullptr};
-    // A board that uses its own file must not read it again.
-    AssemblyFile* self = s_newFile(&assembly, gsFileName);
-    IbisRoot* root = nullptr;
-    if (self != nullptr && IBIS_GetIBIS(&root)) {
-        self->exists = 1;
-        self->root = deep ? root : nullptr;
-        s_indexParts(self, root->ebdMdls);
-    }
-    for (const EbdMdl* board : SecFileOrder<const EbdMdl>(boards))
-        s_wait(&assembly, board, 0);
-    for (const WaitingBoard* item = assembly.first; item != nullptr; item = item->next)
-        s_testBoard(&assembly, item);
-    s_freeAssembly(&assembly);
-    return 1;
 }

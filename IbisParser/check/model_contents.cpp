@@ -1,7 +1,7 @@
 // Completeness and plausibility of models.
 #include <cmath>
 
-#include "IbisParser/check/chk.h"
+#include "IbisParser/check/model.h"
 #include "IbisParser/errlog.h"
 #include "IbisParser/read/model/table.h"
 #include "IbisParser/store/section.h"

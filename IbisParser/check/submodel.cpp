@@ -1,136 +1,15 @@
-// The checks of all models and submodels, in file order.
-#include "IbisParser/chk.h"
-
+// The checks of all submodels, in file order.
 #include <cstddef>
 #include <initializer_list>
 
-#include "IbisParser/check/chk.h"
 #include "IbisParser/check/curve.h"
+#include "IbisParser/check/model.h"
+#include "IbisParser/check/table.h"
+#include "IbisParser/check/waveforms.h"
+#include "IbisParser/chk.h"
 #include "IbisParser/cmn.h"
 #include "IbisParser/errlog.h"
-#include "IbisParser/ext.h"
-#include "IbisParser/isso.h"
-#include "IbisParser/nml.h"
-#include "IbisParser/read/model/table.h"
-#include "IbisParser/read/model/vitbl.h"
-#include "IbisParser/read/model/wvfrm.h"
-#include "IbisParser/serel.h"
 #include "IbisParser/submdl.h"
-
-void CHK_MarkTable(const Vitbl* list, bool* hasCorner)
-{
-    for (; list != nullptr; list = list->next) {
-        for (int corner = 0; corner < CORNER_COUNT; ++corner) {
-            if (!hasCorner[corner]) hasCorner[corner] = VITBL_CountNumbers(list, corner) > 0;
-        }
-    }
-}
-
-void CHK_MarkWaveforms(const Wvfrm* list, bool* hasCorner)
-{
-    for (; list != nullptr; list = list->next) {
-        for (int corner = 0; corner < CORNER_COUNT; ++corner) {
-            double volts = 0.0;
-            if (!hasCorner[corner]) hasCorner[corner] = WVFRM_EndPoint(list, corner, 0, &volts);
-        }
-    }
-}
-
-static void s_markModel(const Mdl* model, bool* hasCorner)
-{
-    for (const Vitbl* table : {model->pulldown, model->pullup, model->gndClamp, model->powerClamp})
-        CHK_MarkTable(table, hasCorner);
-    for (const SerEl* elements : model->series) {
-        if (elements == nullptr) continue;
-        CHK_MarkTable(elements->current, hasCorner);
-        CHK_MarkTable(elements->mosfets, hasCorner);
-    }
-    CHK_MarkWaveforms(model->rising, hasCorner);
-    CHK_MarkWaveforms(model->falling, hasCorner);
-}
-
-// How the shape of a table is judged that the combined curves of these states hold.
-static VitblShape s_shapeBy(const CurveFalls* falls, const bool* holds)
-{
-    bool any = false;
-    bool beyond = false;
-    for (int state = 0; state < CURVE_STATES; ++state) {
-        if (!holds[state] || !falls->checked[state]) continue;
-        if (falls->falls[state]) return VITBL_OWN_SHAPE;
-        any = true;
-        beyond = beyond || falls->beyond[state];
-    }
-    return beyond ? VITBL_ANY_SHAPE : any ? VITBL_SOUND : VITBL_OWN_SHAPE;
-}
-
-static void s_checkModelTables(const Mdl* model, const CurveFalls* falls, const bool* hasCorner)
-{
-    static const bool low[CURVE_STATES] = {true, false, false};
-    static const bool high[CURVE_STATES] = {false, true, false};
-    static const bool all[CURVE_STATES] = {true, true, true};
-    const MdlTypeInfo* info = MDL_TypeInfo(model->type);
-    const CurveSupply drive = CURVE_DriveSupply(model);
-    const CurveSupply clamp = CURVE_ClampSupply(model);
-    const bool pulldownConducts = info == nullptr || info->pulldown != MDL_ZERO;
-    const bool pullupConducts = info == nullptr || info->pullup != MDL_ZERO;
-    bool soundSaid = false;
-    const struct {
-        const Vitbl* table;
-        const CurveSupply* supply;
-        const bool* holds;
-        bool mustConduct, comparesCorners;
-    } rows[] = {
-        {model->pulldown, &drive, low, pulldownConducts, true},
-        {model->pullup, &drive, high, pullupConducts, true},
-        {model->gndClamp, &clamp, all, false, false},
-        {model->powerClamp, &clamp, all, false, false},
-        {model->issoPD, &drive, nullptr, false, false},
-        {model->issoPU, &drive, nullptr, false, false},
-    };
-    for (const auto& row : rows) {
-        VitblContext context = {
-            *row.supply,
-            {hasCorner[0], hasCorner[1], hasCorner[2]},
-            row.mustConduct,
-            row.comparesCorners,
-            row.holds != nullptr ? s_shapeBy(falls, row.holds) : VITBL_ANY_SHAPE,
-            &soundSaid};
-        VITBL_Check(row.table, &context);
-    }
-    VitblContext series = {drive,           {hasCorner[0], hasCorner[1], hasCorner[2]},
-                           false,           false,
-                           VITBL_OWN_SHAPE, &soundSaid};
-    for (const SerEl* elements : model->series) {
-        if (elements == nullptr) continue;
-        VITBL_Check(elements->current, &series);
-        VITBL_CheckMosfets(elements->mosfets, &series);
-    }
-}
-
-static void s_checkModel(const Mdl* model, const CurveSubMdls* submodels)
-{
-    bool hasCorner[CORNER_COUNT] = {false, false, false};
-    s_markModel(model, hasCorner);
-    CHK_Model(model, hasCorner);
-    const CurveSet set(model, submodels);
-    CurveFalls falls;
-    CURVE_CheckShape(model, &set, &falls, false);
-    s_checkModelTables(model, &falls, hasCorner);
-    CURVE_CheckShape(model, &set, &falls, true);
-    CURVE_CheckTables(model, &set);
-    WVFRM_CheckModel(model, hasCorner);
-    ISSO_Test(model);
-    if (model->external != nullptr) EXT_MdlTest(model);
-}
-
-int chk_CheckAllModels(const Mdl* models)
-{
-    NML_CheckUnique(models, offsetof(Mdl, name), offsetof(Mdl, next), "Model");
-    const CurveSubMdls submodels(CURVE_StoredSubMdls());
-    for (const Mdl* model : SecFileOrder<const Mdl>(models))
-        s_checkModel(model, &submodels);
-    return 1;
-}
 
 // Who adds each submodel, by its name.
 struct Users {
@@ -248,7 +127,7 @@ static VitblShape s_shapeOfClamp(const SubMdl* submodel, const Mdl* user, const 
     const CurveFalls* falls = s_falls(users, user, submodels);
     const bool driving = (row->mode & ADDSUB_DRIVING) != 0;
     const bool holds[CURVE_STATES] = {driving, driving, (row->mode & ADDSUB_NON_DRIVING) != 0};
-    return falls != nullptr ? s_shapeBy(falls, holds) : VITBL_OWN_SHAPE;
+    return falls != nullptr ? VITBL_ShapeBy(falls, holds) : VITBL_OWN_SHAPE;
 }
 
 static void s_checkSubMdlTables(const SubMdl* submodel, const Mdl* user, VitblShape shape,

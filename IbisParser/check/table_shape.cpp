@@ -3,10 +3,10 @@
 #include <cmath>
 
 #include "IbisParser/check/curve.h"
+#include "IbisParser/check/table.h"
 #include "IbisParser/cmn.h"
 #include "IbisParser/errlog.h"
 #include "IbisParser/read/model/table.h"
-#include "IbisParser/read/model/vitbl.h"
 
 static const char s_Module[] = "IbisParser/vitbl_check";
 
@@ -243,4 +243,17 @@ void VITBL_CheckMosfets(const Vitbl* list, const VitblContext* context)
             return;
         }
     }
+}
+
+VitblShape VITBL_ShapeBy(const CurveFalls* falls, const bool* holds)
+{
+    bool any = false;
+    bool beyond = false;
+    for (int state = 0; state < CURVE_STATES; ++state) {
+        if (!holds[state] || !falls->checked[state]) continue;
+        if (falls->falls[state]) return VITBL_OWN_SHAPE;
+        any = true;
+        beyond = beyond || falls->beyond[state];
+    }
+    return beyond ? VITBL_ANY_SHAPE : any ? VITBL_SOUND : VITBL_OWN_SHAPE;
 }

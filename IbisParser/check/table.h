@@ -5,8 +5,8 @@
 //   size       up to 1000 A and 100 V
 //   reach      0 V lies within the table, or within 10 mV of it
 //   corners    at half the supply of each corner the minimum carries at most 1.1 times the maximum
-#ifndef IBISPARSER_READ_MODEL_VITBL_H
-#define IBISPARSER_READ_MODEL_VITBL_H
+#ifndef IBISPARSER_CHECK_TABLE_H
+#define IBISPARSER_CHECK_TABLE_H
 
 #include "IbisParser/check/curve.h"
 
@@ -16,6 +16,9 @@ enum VitblShape {
     VITBL_SOUND,      // the combined curves that hold it do not fall, which is worth a note
     VITBL_ANY_SHAPE   // ISSO tables, and what a message on the combined curves tells
 };
+
+// How the shape of a table is judged that the combined curves of these states hold.
+VitblShape VITBL_ShapeBy(const CurveFalls* falls, const bool* holds);
 
 struct VitblContext {
     CurveSupply supply;            // the span in which currents matter

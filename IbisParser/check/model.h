@@ -1,6 +1,6 @@
 // What the checks of models and submodels share.
-#ifndef IBISPARSER_CHECK_CHK_H
-#define IBISPARSER_CHECK_CHK_H
+#ifndef IBISPARSER_CHECK_MODEL_H
+#define IBISPARSER_CHECK_MODEL_H
 
 #include "IbisParser/mdl.h"
 #include "IbisParser/vitbl.h"

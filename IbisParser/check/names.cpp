@@ -1,0 +1,126 @@
+// The names of a document: which are defined twice, and whom they stand for.
+#include "IbisParser/check/names.h"
+
+#include <cstring>
+
+#include "IbisParser/base/index.h"
+#include "IbisParser/cmn.h"
+#include "IbisParser/errlog.h"
+#include "IbisParser/nml.h"
+
+static const char s_Module[] = "IbisParser/nml";
+
+int NML_CheckUnique(const void* head, size_t nameOffset, size_t nextOffset, const char* kindText)
+{
+    CMN_ASSERT(kindText != nullptr);
+    const auto nameOf = [=](const void* record) {
+        return static_cast<const char*>(record) + nameOffset;
+    };
+    const auto nextOf = [=](const void* record) {
+        return *reinterpret_cast<const void* const*>(static_cast<const char*>(record) + nextOffset);
+    };
+    std::size_t count = 0;
+    for (const void* record = head; record != nullptr; record = nextOf(record))
+        ++count;
+    void* block = nullptr;
+    if (count < 2 || !CMN_malloc(&block, count * sizeof(char*))) return count < 2;
+
+    const char** names = static_cast<const char**>(block);
+    std::size_t place = count;
+    for (const void* record = head; record != nullptr; record = nextOf(record))
+        names[--place] = nameOf(record);
+    IdxTable known = {nullptr, 0, 0};
+    int unique = 1;
+    for (std::size_t i = 0; i < count; ++i) {
+        void** value = nullptr;
+        if (names[i][0] == '\0' || !IDX_SlotName(&known, names[i], &value)) continue;
+        if (*value != nullptr) {
+            ERRLOG_ErrorNew(3600, kindText, names[i]);
+            unique = 0;
+        }
+        *value = block;
+    }
+    IDX_Clear(&known);
+    CMN_freeSetNull(&block);
+    return unique;
+}
+
+// Stands for a selector of which no model is defined.
+static const char s_none = 0;
+
+CmpntNames::CmpntNames(const Mdl* models, const Msel* selectors)
+    : m_Models(models), m_Selectors(selectors), m_Defaults{nullptr, 0, 0}
+{
+}
+
+CmpntNames::~CmpntNames()
+{
+    IDX_Clear(&m_Defaults);
+}
+
+const Mdl* CmpntNames::Resolve(const char* name) const
+{
+    if (m_LastName == nullptr || std::strcmp(name, m_LastName) != 0) {
+        m_Last = Find(name);
+        m_LastName = name;
+    }
+    return m_Last;
+}
+
+const Mdl* CmpntNames::Find(const char* name) const
+{
+    const Mdl* model = m_Models.Find(name);
+    const Msel* selector = model == nullptr ? m_Selectors.Find(name) : nullptr;
+    if (selector == nullptr) return model;
+    void** value = nullptr;
+    if (!IDX_SlotName(&m_Defaults, selector->name, &value)) return nullptr;
+    if (*value == nullptr) {
+        for (const MselRow* row = selector->rows; row != nullptr && model == nullptr;
+             row = row->next)
+            model = m_Models.Find(row->model);
+        const void* found = model != nullptr ? static_cast<const void*>(model) : &s_none;
+        *value = const_cast<void*>(found);
+    }
+    return *value == &s_none ? nullptr : static_cast<const Mdl*>(*value);
+}
+
+const char* CMPNT_TypeName(const Mdl* model)
+{
+    const MdlTypeInfo* type = MDL_TypeInfo(model->type);
+    return type != nullptr ? type->name : "unknown";
+}
+
+MdlPairs::MdlPairs(IbisRoot* root)
+{
+    if (root == nullptr) return;
+    const SecNameIndex<const Msel> selectors(root->msels);
+    const auto add = [this](const char* name) {
+        void** value = nullptr;
+        if (!IDX_SlotName(&m_Names, name, &value)) return false;
+        const bool isNew = *value == nullptr;
+        *value = this;
+        return isNew;
+    };
+    const char* previous = "";
+    for (const Cmpnt* component = root->cmpnts; component; component = component->next)
+        for (const DiffPin* pair = component->diffPins; pair; pair = pair->next)
+            for (const Pin* pin : pair->pins) {
+                if (pin == nullptr || pin->kind != PIN_MODEL) continue;
+                if (std::strcmp(pin->model, previous) == 0 || !add(pin->model)) continue;
+                previous = pin->model;
+                const Msel* selector = selectors.Find(pin->model);
+                if (selector == nullptr) continue;
+                for (const MselRow* row = selector->rows; row; row = row->next)
+                    add(row->model);
+            }
+}
+
+MdlPairs::~MdlPairs()
+{
+    IDX_Clear(&m_Names);
+}
+
+int MdlPairs::Has(const char* model) const
+{
+    return IDX_FindName(&m_Names, model) != nullptr;
+}

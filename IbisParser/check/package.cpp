@@ -1,0 +1,83 @@
+// Package models: whom components ask for, and what they hold against the components' pins.
+#include "IbisParser/check/companions.h"
+#include "IbisParser/check/component.h"
+#include "IbisParser/errlog.h"
+#include "IbisParser/nml.h"
+#include "IbisParser/read/component/cmpnt.h"
+
+static const char s_Module[] = "IbisParser/cmpnttest";
+
+static void s_comparePins(const Cmpnt* component, const PkgMdl* package)
+{
+    for (const PkgPin* pin = package->pins; pin != nullptr; pin = pin->next)
+        if (CMPNT_FindPin(component, pin->name) == nullptr) {
+            ERRLOG_WarnNew(534, component->name, package->name, pin->name);
+            break;
+        }
+    unsigned supplies = 0;
+    for (const Pin* pin = component->pins; pin != nullptr; pin = pin->next) {
+        if (pin->repeated || PKGMDL_HasPin(package, pin->name)) continue;
+        if (pin->kind == PIN_MODEL)
+            ERRLOG_WarnNew(535, component->name, pin->name, package->name);
+        else if (pin->kind == PIN_POWER || pin->kind == PIN_GND || pin->kind == PIN_NC)
+            ++supplies;
+    }
+    if (supplies > 0) ERRLOG_NoteNew(536, component->name, supplies, package->name);
+}
+
+int PACKAGE_Test(const Cmpnt* component, PkgFinder* finder)
+{
+    if (component->packageModel[0] == '\0') return 1;
+    const PkgPlace place = PKGFINDER_Find(finder, component->packageModel);
+    if (place.where == PKG_NO_FILE)
+        ERRLOG_WarnNew(533, component->name, component->packageModel, place.fileName);
+    else if (place.where == PKG_NOT_IN_FILE)
+        ERRLOG_ErrorNew(532, component->name, component->packageModel, place.fileName);
+    else if (place.package->pins != nullptr && component->pins != nullptr)
+        s_comparePins(component, place.package);
+    return place.where == PKG_FOUND;
+}
+
+int CMPNT_TestPkgMdl(const Cmpnt* component)
+{
+    CMN_ASSERT(component != nullptr);
+    IbisRoot* root = nullptr;
+    PkgFinder* finder = IBIS_GetIBIS(&root) ? PKGFINDER_New(root->pkgMdls) : nullptr;
+    if (finder == nullptr) return 0;
+    const int done = PACKAGE_Test(component, finder);
+    PKGFINDER_Free(finder);
+    return done;
+}
+
+void APKG_Test(const Cmpnt* component, PkgFinder* finder)
+{
+    const Apkg* first = component->alternates;
+    if (first == nullptr) return;
+    int hasDefault = 0;
+    for (const Apkg* item = first; item != nullptr; item = item->next)
+        hasDefault = hasDefault || std::strcmp(item->name, component->packageModel) == 0;
+    if (!hasDefault && component->packageModel[0] != '\0')
+        ERRLOG_NoteNew(609, component->name, component->packageModel);
+    for (const Apkg* item = first; item != nullptr; item = item->next)
+        if (PKGFINDER_Find(finder, item->name).where != PKG_FOUND)
+            ERRLOG_WarnNew(610, component->name, item->name);
+    if (first->next == nullptr) ERRLOG_NoteNew(611, component->name);
+}
+
+int PKGMDL_TestList(PkgMdl* packages)
+{
+    PKGMDL_Close();
+    NML_CheckUnique(packages, offsetof(PkgMdl, name), offsetof(PkgMdl, next), "Package Model");
+    IbisRoot* root = nullptr;
+    if (!IBIS_GetIBIS(&root) || root->cmpnts == nullptr) return 1;
+    SecSet used = {};
+    for (const Cmpnt* component = root->cmpnts; component != nullptr; component = component->next) {
+        SEC_SetAdd(&used, component->packageModel);
+        for (const Apkg* row = component->alternates; row != nullptr; row = row->next)
+            SEC_SetAdd(&used, row->name);
+    }
+    for (const PkgMdl* package : SecFileOrder<PkgMdl>(packages))
+        if (!SEC_SetHas(&used, package->name)) ERRLOG_WarnNew(2331, package->name);
+    SEC_SetClear(&used);
+    return 1;
+}

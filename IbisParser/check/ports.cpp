@@ -1,0 +1,138 @@
+// External circuits and models against the document: ports and who wires them, calls, files.
+#include "IbisParser/check/component.h"
+#include "IbisParser/errlog.h"
+#include "IbisParser/ext.h"
+#include "IbisParser/nml.h"
+#include "IbisParser/read/component/cmpnt.h"
+#include "IbisParser/read/model/ext.h"
+
+static const char s_Module[] = "IbisParser/ext";
+
+void EXT_FindWired(Ext* item)
+{
+    CMN_ASSERT(item != nullptr);
+    SecSet inside = {};
+    for (const ExtConversion* row = item->conversions; row != nullptr; row = row->next)
+        for (const char* name : {row->digital, row->port1, row->port2})
+            SEC_SetAdd(&inside, name);
+    ExtName** link = &item->wired;
+    for (ExtName* port = item->ports; port != nullptr; port = port->next)
+        if (std::strncmp(port->name, "D_", 2) != 0 && !SEC_SetHas(&inside, port->name)) {
+            *link = port;
+            link = &port->nextWired;
+        }
+    *link = nullptr;
+    SEC_SetClear(&inside);
+}
+
+static void s_testFiles(const char* keyword, const Ext* item)
+{
+    for (const ExtCornerRow* row = item->corners; row != nullptr; row = row->next) {
+        if (row->file == nullptr) continue;
+        char path[2 * CMN_PATH_MAX + 2];
+        CMN_GetIbsPath(path);
+        CMN_strncpy(path + std::strlen(path), row->file, CMN_PATH_MAX);
+        std::FILE* file = SEC_OpenFile(path);
+        if (file == nullptr)
+            ERRLOG_WarnNew(3418, keyword, item->name, row->file);
+        else
+            std::fclose(file);
+    }
+}
+
+int EXT_TestList(Ext* externals, const Cmpnt* components)
+{
+    EXT_CloseCircuit();
+    NML_CheckUnique(externals, offsetof(Ext, name), offsetof(Ext, next), "External Circuit");
+    SecSet called = {};
+    for (; components != nullptr; components = components->next)
+        for (const Circuit* call = components->calls; call != nullptr; call = call->next)
+            SEC_SetAdd(&called, call->name);
+    for (const Ext* item : SecFileOrder<const Ext>(externals)) {
+        s_testFiles("External Circuit", item);
+        // A circuit without a name was reported as that.
+        if (item->name[0] != '\0' && !SEC_SetHas(&called, item->name))
+            ERRLOG_WarnNew(3718, item->name);
+    }
+    SEC_SetClear(&called);
+    return 1;
+}
+
+int EXT_MdlTest(const Mdl* model)
+{
+    CMN_ASSERT(model != nullptr);
+    if (model->external == nullptr) return 1;
+    s_testFiles("External Model", model->external);
+    if (EXT_HasPort(model->external, "A_extref") && model->externalRef == nullptr)
+        ERRLOG_NoteNew(3447, model->name);
+    return 1;
+}
+
+// What a component's calls use, and what was told of them.
+struct CallUse {
+    const Cmpnt* component;
+    SecSet nodes;  // declared
+    SecSet used;   // nodes and pins
+    SecSet told;   // pins
+};
+
+static void s_usePin(CallUse* use, const Pin* pin)
+{
+    SEC_SetAdd(&use->used, pin->name);
+    const int isFree =
+        pin->kind == PIN_CIRCUITCALL || pin->kind == PIN_POWER || pin->kind == PIN_GND;
+    if (!isFree && SEC_SetAdd(&use->told, pin->name))
+        ERRLOG_ErrorNew(3717, use->component->name, pin->name, pin->model);
+}
+
+static void s_testPorts(CallUse* use, const Circuit* call, const Ext* circuit)
+{
+    SecSet mapped = {};
+    for (const CircuitPort* port = call->ports; port != nullptr; port = port->next) {
+        SEC_SetAdd(&mapped, port->port);
+        if (circuit != nullptr && !EXT_HasPort(circuit, port->port))
+            ERRLOG_ErrorNew(3714, use->component->name, call->name, port->port);
+        const Pin* pin = CMPNT_FindPin(use->component, port->node);
+        if (pin != nullptr)
+            s_usePin(use, pin);
+        else if (SEC_SetHas(&use->nodes, port->node))
+            SEC_SetAdd(&use->used, port->node);
+        else
+            ERRLOG_ErrorNew(3716, use->component->name, port->node);
+    }
+    for (const ExtName* port = circuit != nullptr ? circuit->wired : nullptr; port != nullptr;
+         port = port->nextWired)
+        if (!SEC_SetHas(&mapped, port->name))
+            ERRLOG_WarnNew(3715, use->component->name, port->name, call->name);
+    SEC_SetClear(&mapped);
+}
+
+static void s_testCall(CallUse* use, const Circuit* call, const Ext* circuit)
+{
+    if (circuit == nullptr && call->name[0] != '\0')
+        ERRLOG_ErrorNew(3713, use->component->name, call->name);
+    const char* pins[] = {call->signalPin, call->diffPins[0], call->diffPins[1],
+                          call->seriesPins[0], call->seriesPins[1]};
+    for (const char* name : pins) {
+        const Pin* pin = *name != '\0' ? CMPNT_FindPin(use->component, name) : nullptr;
+        if (pin != nullptr) s_usePin(use, pin);
+    }
+    s_testPorts(use, call, circuit);
+}
+
+void CIRCUIT_Test(const Cmpnt* component, const SecNameIndex<const Ext>& externals)
+{
+    CallUse use = {component, {}, {}, {}};
+    for (const Node* node = component->nodes; node != nullptr; node = node->next)
+        SEC_SetAdd(&use.nodes, node->name);
+    for (const Circuit* call = component->calls; call != nullptr; call = call->next)
+        s_testCall(&use, call, externals.Find(call->name));
+    for (const Node* node = component->nodes; node != nullptr; node = node->next)
+        if (!SEC_SetHas(&use.used, node->name)) ERRLOG_WarnNew(2908, component->name, node->name);
+    for (const Pin* pin = component->pins; pin != nullptr; pin = pin->next)
+        if (pin->kind == PIN_CIRCUITCALL && !pin->repeated && !SEC_SetHas(&use.used, pin->name))
+            ERRLOG_ErrorNew(537, component->name, pin->name);
+    SEC_SetClear(&use.nodes);
+    SEC_SetClear(&use.used);
+    SEC_SetClear(&use.told);
+}
