@@ -1,4 +1,4 @@
-// What goes wrong in a command, and the exit code that it ends with.
+// What goes wrong in a command, the exit code that it ends with, and what it says of it.
 #ifndef QUELL_BASE_ERRORS_H
 #define QUELL_BASE_ERRORS_H
 
@@ -36,6 +36,10 @@ public:
     {
     }
 };
+
+// One line on standard error: "quell: TEXT", "warning: TEXT". Line ends in it become blanks.
+void PrintError(const std::string& text);
+void PrintWarning(const std::string& text);
 
 }  // namespace quell
 

@@ -1,6 +1,8 @@
 // Findings as JSON, for programs.
 #include "quell/check/json_view.h"
 
+#include "quell/base/json.h"
+
 namespace quell {
 
 namespace {
@@ -43,7 +45,7 @@ std::string ReportHead(const FileReport& report)
     json["declared_version"] = OrNull(report.declared);
     json["checked_as"] = OrNull(report.checkedAs);
     AddCounts(json, report.counts);
-    std::string text = JsonLine(json);
+    std::string text = JsonAsciiLine(json);
     text.pop_back();
     return text + ",\"findings\":[";
 }
@@ -59,11 +61,6 @@ Json TotalsJson(const Totals& totals)
     json["reader_failed"] = totals.failed;
     AddCounts(json, totals.counts);
     return json;
-}
-
-std::string JsonLine(const Json& json)
-{
-    return json.dump(-1, ' ', true, Json::error_handler_t::replace);
 }
 
 }  // namespace quell

@@ -8,12 +8,9 @@
 
 namespace quell {
 
-// Texts are as the reader gave them; bytes that are no UTF-8 are replaced when it is written.
+// Texts are as the reader gave them.
 nlohmann::ordered_json FindingJson(const Finding& finding);
 nlohmann::ordered_json TotalsJson(const Totals& totals);
-
-// A value on one line.
-std::string JsonLine(const nlohmann::ordered_json& json);
 
 // The object of a report up to its list of findings, which may be too many to be held: they follow,
 // separated by commas, and then what closes the list and the object.

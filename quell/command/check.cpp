@@ -7,6 +7,7 @@
 #include <thread>
 
 #include "quell/base/errors.h"
+#include "quell/base/json.h"
 #include "quell/base/printable.h"
 #include "quell/base/progress.h"
 #include "quell/check/files.h"
@@ -84,7 +85,7 @@ public:
         RunQueue(m_Files.size(), Jobs(), *this);
         m_Progress.Clear();
         if (m_Options.format == Format::Json)
-            std::cout << "\n],\n\"total\": " << JsonLine(TotalsJson(m_Totals)) << "\n}\n";
+            std::cout << "\n],\n\"total\": " << JsonAsciiLine(TotalsJson(m_Totals)) << "\n}\n";
         if (m_Options.format == Format::Text) std::cout << TotalsText(m_Totals);
         return m_Totals.ExitCode();
     }
@@ -109,7 +110,7 @@ public:
         if (json)
             running.receiver->TellEach([&waiting = running.waiting](const Finding& finding) {
                 waiting.Append((waiting.Empty() ? "\n  " : ",\n  ") +
-                               JsonLine(FindingJson(finding)));
+                               JsonAsciiLine(FindingJson(finding)));
             });
         const Opening opening = OpeningOf(file, task, running.folder);
         return std::make_unique<Child>(

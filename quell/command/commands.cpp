@@ -1,8 +1,6 @@
 // What the command lines of the subcommands share.
 #include "quell/command/commands.h"
 
-#include <iostream>
-
 #include "quell/base/numbers.h"
 
 namespace quell {
@@ -20,14 +18,6 @@ CLI::Option* AddNumber(CLI::App& command, const std::string& name, const std::st
     };
     return command.add_option_function<std::string>(name, parse, description)
         ->type_name(unit.empty() ? "NUMBER" : unit);
-}
-
-void PrintWarning(const std::string& text)
-{
-    std::string line = text;
-    for (char& c : line)
-        if (c == '\n' || c == '\r') c = ' ';
-    std::cerr << "warning: " << line << '\n';
 }
 
 }  // namespace quell

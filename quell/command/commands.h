@@ -47,9 +47,6 @@ CLI::Option* AddChoice(CLI::App& command, const std::string& name, T& value,
         ->type_name("WORD");
 }
 
-// Prints "warning: TEXT" on standard error, one line.
-void PrintWarning(const std::string& text);
-
 }  // namespace quell
 
 #endif

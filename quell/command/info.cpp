@@ -5,10 +5,10 @@
 
 #include "IbisParser/errlog.h"
 #include "quell/base/errors.h"
+#include "quell/base/json.h"
 #include "quell/command/commands.h"
 #include "quell/info/describe.h"
 #include "quell/info/screen.h"
-#include "quell/link/json.h"
 #include "quell/process/child.h"
 #include "quell/process/private_folder.h"
 #include "quell/reader/version.h"

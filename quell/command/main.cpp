@@ -12,12 +12,9 @@ constexpr quell::AddCommand Commands[] = {
     quell::AddView, quell::AddCheck, quell::AddParams,
 };
 
-int ReportError(const char* text, int code)
+int Fail(const char* text, int code)
 {
-    std::string line = text;
-    for (char& c : line)
-        if (c == '\n' || c == '\r') c = ' ';
-    std::cerr << "quell: " << line << '\n';
+    quell::PrintError(text);
     return code;
 }
 
@@ -51,10 +48,10 @@ int main(int argc, char** argv)
     try {
         return ParseAndRun(argc, argv);
     } catch (const quell::CommandError& error) {
-        return ReportError(error.what(), error.Code());
+        return Fail(error.what(), error.Code());
     } catch (const std::bad_alloc&) {
-        return ReportError("out of memory", quell::EXIT_BAD_INPUT);
+        return Fail("out of memory", quell::EXIT_BAD_INPUT);
     } catch (const std::exception& error) {
-        return ReportError(error.what(), quell::EXIT_BAD_INPUT);
+        return Fail(error.what(), quell::EXIT_BAD_INPUT);
     }
 }

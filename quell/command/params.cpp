@@ -4,9 +4,9 @@
 #include <nlohmann/json.hpp>
 
 #include "quell/base/errors.h"
+#include "quell/base/json.h"
 #include "quell/base/printable.h"
 #include "quell/command/commands.h"
-#include "quell/link/json.h"
 #include "quell/params/ami_file.h"
 
 namespace quell {

@@ -5,6 +5,7 @@
 
 #include "quell/base/errors.h"
 #include "quell/base/files.h"
+#include "quell/base/json.h"
 #include "quell/base/lines.h"
 #include "quell/base/numbers.h"
 #include "quell/command/commands.h"

@@ -7,6 +7,7 @@
 
 #include "quell/base/errors.h"
 #include "quell/base/files.h"
+#include "quell/base/json.h"
 #include "quell/base/numbers.h"
 #include "quell/base/progress.h"
 #include "quell/command/commands.h"
@@ -80,9 +81,7 @@ void PrintJson(const SweepResult& result)
 {
     for (size_t c = 0; c < result.channels.size(); ++c)
         for (size_t i = 0; i < result.grid.size(); ++i)
-            std::cout << SweepPointJson(result, c, i)
-                             .dump(-1, ' ', false, nlohmann::json::error_handler_t::replace)
-                      << '\n';
+            std::cout << JsonLine(SweepPointJson(result, c, i)) << '\n';
 }
 
 int Sweep(SweepOptions options)

@@ -85,9 +85,4 @@ nlohmann::ordered_json ResultJson(const LinkResult& result, const std::optional<
     return json;
 }
 
-std::string JsonText(const nlohmann::ordered_json& json)
-{
-    return json.dump(2, ' ', false, Json::error_handler_t::replace) + "\n";
-}
-
 }  // namespace quell

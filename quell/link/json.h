@@ -12,9 +12,6 @@ namespace quell {
 // not part of it.
 nlohmann::ordered_json ResultJson(const LinkResult& result, const std::optional<LinkEye>& eye);
 
-// Indented text with a line end. Bytes of a model's message that are no UTF-8 are replaced.
-std::string JsonText(const nlohmann::ordered_json& json);
-
 }  // namespace quell
 
 #endif

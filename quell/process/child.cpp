@@ -2,12 +2,9 @@
 // result, or where it was when a signal ended it.
 #include "quell/process/child.h"
 
-#include <fcntl.h>
 #include <poll.h>
 #include <signal.h>
 #include <sys/mman.h>
-#include <sys/prctl.h>
-#include <sys/resource.h>
 #include <sys/time.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -17,9 +14,8 @@
 #include <cerrno>
 #include <cmath>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
-#include <iostream>
-#include <new>
 
 #include "IbisParser/parse.h"
 #include "quell/base/errors.h"
@@ -28,6 +24,13 @@
 
 namespace quell {
 
+struct ChildNote {
+    std::atomic<bool> done = false;
+    int result = 0;
+    unsigned long line = 0;
+    char file[CMN_PATH_MAX + 1] = "";
+};
+
 namespace {
 
 constexpr double LeastTime = 30;       // s
@@ -35,13 +38,6 @@ constexpr double TimePerByte = 2e-6;   // s, some hundred times what reading tak
 constexpr double Grace = 5;            // s between the child's own clock and ours
 constexpr size_t TailSize = 4096;      // bytes
 constexpr size_t StackSize = 1 << 16;  // for the handler when the stack itself is the fault
-
-struct ChildNote {
-    std::atomic<bool> done = false;
-    int result = 0;
-    unsigned long line = 0;
-    char file[CMN_PATH_MAX + 1] = "";
-};
 
 // Of the child's process.
 ChildNote* Note = nullptr;
@@ -62,59 +58,48 @@ void WatchSignals()
     stack.ss_sp = Stack;
     stack.ss_size = sizeof Stack;
     sigaltstack(&stack, nullptr);
-    for (const int number : {SIGINT, SIGTERM, SIGHUP, SIGPIPE})
-        signal(number, SIG_DFL);
     struct sigaction action = {};
     action.sa_handler = QuellNoteDeath;
     action.sa_flags = static_cast<int>(SA_ONSTACK | SA_RESETHAND);
     for (const int number : {SIGABRT, SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGTRAP, SIGALRM})
         sigaction(number, &action, nullptr);
-    sigset_t none;
-    sigemptyset(&none);
-    sigprocmask(SIG_SETMASK, &none, nullptr);
 }
 
 void StartClock(double limit)
 {
-    const double whole = std::floor(std::min(limit, 1e8));
+    const double seconds = std::min(limit, LongestTime);
+    const double whole = std::floor(seconds);
     itimerval timer = {};
     timer.it_value.tv_sec = static_cast<time_t>(whole);
     timer.it_value.tv_usec =
-        std::max<suseconds_t>(1, static_cast<suseconds_t>((std::min(limit, 1e8) - whole) * 1e6));
+        std::max<suseconds_t>(1, static_cast<suseconds_t>((seconds - whole) * 1e6));
     setitimer(ITIMER_REAL, &timer, nullptr);
 }
 
-[[noreturn]] void RunWork(const Child::Work& work, ChildNote* note, int printed, int output,
-                          double limit, pid_t parent)
+// The child's exit status.
+int RunWork(const Child::Work& work, ChildNote& note, int output, double limit)
 {
-    prctl(PR_SET_PDEATHSIG, SIGKILL);
-    if (getppid() != parent) _exit(1);
-    const int null = open("/dev/null", O_RDONLY | O_CLOEXEC);
-    dup2(null, STDIN_FILENO);
-    dup2(printed, STDOUT_FILENO);
-    const rlimit noCore = {0, 0};
-    setrlimit(RLIMIT_CORE, &noCore);
     // Line by line, so that a crash loses nothing that was printed.
     std::setvbuf(stdout, nullptr, _IOLBF, BUFSIZ);
 
     FrameWriter writer(output);
-    Note = note;
+    Note = &note;
     Writer = &writer;
     WatchSignals();
     StartClock(limit);
     try {
-        note->result = work(writer);
+        note.result = work(writer);
         writer.Flush();
         std::fflush(nullptr);
-        note->done = true;
+        note.done = true;
+        return EXIT_SUCCESS;
     } catch (const std::exception& error) {
         // Ends like a failed assertion: with its reason in the last line.
         writer.Flush();
         std::printf("\n%s\n", error.what());
         std::fflush(nullptr);
-        _exit(1);
+        return EXIT_FAILURE;
     }
-    _exit(0);
 }
 
 std::string LastLine(std::string_view text)
@@ -136,9 +121,22 @@ std::string FileTail(int descriptor)
     return tail;
 }
 
-[[noreturn]] void NoProcess(const char* what)
+// Where it goes that the child prints; none when that is the pipe.
+int PrintedFile(ChildStream stream)
 {
-    throw CommandError(EXIT_BAD_INPUT, std::string(what) + ": " + std::strerror(errno));
+    if (stream == ChildStream::Printed) return -1;
+    const int file = memfd_create("printed", MFD_CLOEXEC);
+    if (file < 0)
+        throw CommandError(EXIT_BAD_INPUT,
+                           std::string("no file in memory: ") + std::strerror(errno));
+    return file;
+}
+
+ForkSetup SetupOf(const Descriptor& printed)
+{
+    ForkSetup setup;
+    setup.standardOutput = printed.Number();
+    return setup;
 }
 
 }  // namespace
@@ -149,48 +147,18 @@ double ReadingTime(unsigned long long bytes)
 }
 
 Child::Child(const Work& work, ChildStream stream, double limit)
-    : m_NoteBlock(sizeof(ChildNote)), m_Limit(limit)
+    : m_Limit(limit),
+      m_Printed(PrintedFile(stream)),
+      m_Process(SetupOf(m_Printed),
+                [&](int output) { return RunWork(work, *m_Note, output, limit); }),
+      m_Deadline(TimeAfter(limit + Grace))
 {
-    ChildNote* note = new (m_NoteBlock.Data()) ChildNote;
-    int ends[2];
-    if (pipe2(ends, O_CLOEXEC) != 0) NoProcess("no pipe");
-    m_Output = ends[0];
-    if (stream == ChildStream::Frames) m_Printed = memfd_create("printed", MFD_CLOEXEC);
-    // The child would write a second time what lies in our buffers.
-    std::cout.flush();
-    std::fflush(nullptr);
-    const pid_t parent = getpid();
-    m_Process = fork();
-    if (m_Process == 0)
-        RunWork(work, note, stream == ChildStream::Frames ? m_Printed : ends[1], ends[1], limit,
-                parent);
-    close(ends[1]);
-    if (m_Process < 0) {
-        const int reason = errno;
-        close(m_Output);
-        if (m_Printed >= 0) close(m_Printed);
-        errno = reason;
-        NoProcess("no process");
-    }
-    m_Deadline = Clock::now() + std::chrono::duration_cast<Clock::duration>(
-                                    std::chrono::duration<double>(std::min(limit, 1e8) + Grace));
-}
-
-Child::~Child()
-{
-    if (m_Process > 0) {
-        Kill();
-        while (waitpid(m_Process, nullptr, 0) < 0 && errno == EINTR) {
-        }
-    }
-    close(m_Output);
-    if (m_Printed >= 0) close(m_Printed);
 }
 
 ssize_t Child::Read(char* buffer, size_t size)
 {
-    const ssize_t count = read(m_Output, buffer, size);
-    if (count > 0 && m_Printed < 0) {
+    const ssize_t count = read(Output(), buffer, size);
+    if (count > 0 && !m_Printed.IsOpen()) {
         m_Tail.append(buffer, static_cast<size_t>(count));
         if (m_Tail.size() > TailSize) m_Tail.erase(0, m_Tail.size() - TailSize);
     }
@@ -200,14 +168,14 @@ ssize_t Child::Read(char* buffer, size_t size)
 void Child::Kill()
 {
     m_Killed = true;
-    kill(m_Process, SIGKILL);
+    m_Process.Kill();
 }
 
 std::string Child::Reason(int status) const
 {
     if (m_Killed || (WIFSIGNALED(status) && WTERMSIG(status) == SIGALRM))
         return "it did not come to an end within " + ShortText(m_Limit) + " s";
-    const std::string said = LastLine(m_Printed >= 0 ? FileTail(m_Printed) : m_Tail);
+    const std::string said = LastLine(m_Printed.IsOpen() ? FileTail(m_Printed.Number()) : m_Tail);
     if (WIFSIGNALED(status)) {
         const bool asserted = WTERMSIG(status) == SIGABRT && said.ends_with("assertion failed.");
         return asserted ? said : SignalName(WTERMSIG(status));
@@ -217,11 +185,8 @@ std::string Child::Reason(int status) const
 
 ChildEnd Child::Wait()
 {
-    int status = 0;
-    while (waitpid(m_Process, &status, 0) < 0 && errno == EINTR) {
-    }
-    m_Process = -1;
-    const ChildNote& note = *static_cast<const ChildNote*>(m_NoteBlock.Data());
+    const int status = m_Process.Wait();
+    const ChildNote& note = *m_Note;
     ChildEnd end;
     end.done = note.done && WIFEXITED(status) && WEXITSTATUS(status) == 0;
     end.result = note.result;
@@ -244,7 +209,7 @@ ChildEnd RunChild(const Child::Work& work, double limit,
         pollfd polled = {child.Output(), POLLIN, 0};
         poll(&polled, 1, 100);
         if (polled.revents == 0) {
-            if (Child::Clock::now() > child.Deadline()) child.Kill();
+            if (Clock::now() > child.Deadline()) child.Kill();
             continue;
         }
         const ssize_t size = child.Read(buffer, sizeof buffer);

@@ -3,13 +3,12 @@
 #ifndef QUELL_PROCESS_CHILD_H
 #define QUELL_PROCESS_CHILD_H
 
-#include <sys/types.h>
-
-#include <chrono>
 #include <cstddef>
 #include <functional>
 #include <string>
 
+#include "quell/process/clock.h"
+#include "quell/process/forked_process.h"
 #include "quell/process/frames.h"
 #include "quell/process/shared_block.h"
 
@@ -32,20 +31,17 @@ struct ChildEnd {
 // A time for reading a file of so many bytes that none needs that is read at all, s.
 double ReadingTime(unsigned long long bytes);
 
+struct ChildNote;
+
 class Child {
 public:
     using Work = std::function<int(FrameWriter&)>;
-    using Clock = std::chrono::steady_clock;
 
     // Forks and runs the work there; limit in s. Throws CommandError when the system gives no
     // process.
     Child(const Work& work, ChildStream stream, double limit);
-    // Kills it when it has not ended.
-    ~Child();
-    Child(const Child&) = delete;
-    Child& operator=(const Child&) = delete;
 
-    int Output() const { return m_Output; }  // the end of the pipe to wait at
+    int Output() const { return m_Process.Output(); }  // the end of the pipe to wait at
     // As read(2); 0 when the child has closed its end.
     ssize_t Read(char* buffer, size_t size);
     // The child ends itself when its time is over; one that cannot any more is to be killed then.
@@ -57,12 +53,11 @@ public:
 private:
     std::string Reason(int status) const;
 
-    SharedBlock m_NoteBlock;
+    Shared<ChildNote> m_Note;
     double m_Limit;
+    Descriptor m_Printed;  // a file with what is printed beside frames
+    ForkedProcess m_Process;
     Clock::time_point m_Deadline;
-    pid_t m_Process = -1;
-    int m_Output = -1;
-    int m_Printed = -1;  // a file with what is printed beside frames
     bool m_Killed = false;
     std::string m_Tail;  // the last of a printed stream
 };

@@ -6,8 +6,6 @@
 #include <fcntl.h>
 #include <poll.h>
 #include <signal.h>
-#include <sys/prctl.h>
-#include <sys/resource.h>
 #include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -21,12 +19,12 @@
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
-#include <iostream>
-#include <new>
 
 #include "quell/base/errors.h"
 #include "quell/base/lines.h"
 #include "quell/base/numbers.h"
+#include "quell/process/clock.h"
+#include "quell/process/forked_process.h"
 #include "quell/process/shared_block.h"
 #include "quell/process/signal_name.h"
 
@@ -103,27 +101,6 @@ std::string SharedString(const SharedText& shared)
     return std::string(shared.text, std::min(shared.size, TextLimit));
 }
 
-// In the child, before any foreign code runs.
-void PrepareChild(int output, pid_t parent)
-{
-    setpgid(0, 0);
-    prctl(PR_SET_PDEATHSIG, SIGKILL);
-    if (getppid() != parent) _exit(EXIT_MODEL_BROKEN);
-    const int null = open("/dev/null", O_RDONLY);
-    dup2(null, STDIN_FILENO);
-    dup2(output, STDOUT_FILENO);
-    dup2(output, STDERR_FILENO);
-    const rlimit noCore = {0, 0};
-    setrlimit(RLIMIT_CORE, &noCore);
-    // A model's faults go to the system and not to a handler of ours or of a sanitizer.
-    for (const int number : {SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGABRT, SIGTRAP, SIGPIPE, SIGTERM,
-                             SIGINT, SIGHUP, SIGALRM})
-        signal(number, SIG_DFL);
-    sigset_t none;
-    sigemptyset(&none);
-    sigprocmask(SIG_SETMASK, &none, nullptr);
-}
-
 template <typename Function>
 Function Symbol(void* library, const char* name)
 {
@@ -168,20 +145,16 @@ void CallModel(const AmiCall& call, const std::string& path, double* matrix, Rep
     report.stage = STAGE_DONE;
 }
 
-[[noreturn]] void RunChild(const AmiCall& call, const std::string& path, double* matrix,
-                           Report& report, int output, pid_t parent)
+int RunModel(const AmiCall& call, const std::string& path, double* matrix, Report& report)
 {
-    PrepareChild(output, parent);
     try {
         CallModel(call, path, matrix, report);
     } catch (...) {
         report.threw = true;
     }
     std::fflush(nullptr);
-    _exit(0);
+    return EXIT_SUCCESS;
 }
-
-using Clock = std::chrono::steady_clock;
 
 // Keeps what the model prints, up to the limit; the rest is read and dropped, so that the model is
 // never held up.
@@ -219,13 +192,11 @@ private:
 };
 
 // Waits for the child's end; false when the time is over first.
-bool WaitForChild(pid_t child, OutputReader& output, int outputEnd, double timeout)
+bool WaitForChild(const ForkedProcess& child, OutputReader& output, double timeout)
 {
-    const Clock::time_point deadline =
-        Clock::now() + std::chrono::duration_cast<Clock::duration>(
-                           std::chrono::duration<double>(std::min(timeout, 1e8)));
+    const Clock::time_point deadline = TimeAfter(timeout);
     // Through the system call: not every C library's header of it serves C++.
-    const int ended = static_cast<int>(syscall(SYS_pidfd_open, child, 0));
+    const Descriptor ended(static_cast<int>(syscall(SYS_pidfd_open, child.Id(), 0)));
     bool open = true;
     bool finished = false;
     output.PauseAt(deadline);
@@ -234,17 +205,16 @@ bool WaitForChild(pid_t child, OutputReader& output, int outputEnd, double timeo
             std::chrono::duration_cast<std::chrono::milliseconds>(deadline - Clock::now()).count();
         if (left < 0) break;
         // Without a process descriptor (an old kernel) look every ten milliseconds.
-        const long long longest = ended >= 0 ? 60'000 : 10;
-        pollfd polled[] = {{outputEnd, POLLIN, 0}, {ended, POLLIN, 0}};
+        const long long longest = ended.IsOpen() ? 60'000 : 10;
+        pollfd polled[] = {{child.Output(), POLLIN, 0}, {ended.Number(), POLLIN, 0}};
         if (!open) polled[0].fd = -1;
         poll(polled, 2, static_cast<int>(std::min<long long>(left + 1, longest)));
         if (polled[0].revents != 0) open = output.Read();
         siginfo_t info = {};
         finished =
-            waitid(P_PID, static_cast<id_t>(child), &info, WEXITED | WNOHANG | WNOWAIT) == 0 &&
-            info.si_pid == child;
+            waitid(P_PID, static_cast<id_t>(child.Id()), &info, WEXITED | WNOHANG | WNOWAIT) == 0 &&
+            info.si_pid == child.Id();
     }
-    if (ended >= 0) close(ended);
     return finished;
 }
 
@@ -265,42 +235,25 @@ std::string Failure(const Report& report, int status, bool finished, double time
 
 AmiResult RunAmiModel(const AmiCall& call)
 {
-    SharedBlock reportBlock(sizeof(Report));
-    Report& report = *new (reportBlock.Data()) Report;
-    const size_t bytes = call.matrix.size() * sizeof(double);
-    SharedBlock matrixBlock(bytes);
+    const Shared<Report> shared;
+    Report& report = *shared;
+    const SharedBlock matrixBlock(call.matrix.size() * sizeof(double));
     double* const matrix = static_cast<double*>(matrixBlock.Data());
     std::copy(call.matrix.begin(), call.matrix.end(), matrix);
 
     // A name without a slash would be looked for on the library path.
     const std::string path = std::filesystem::absolute(call.model).string();
-    int ends[2];
-    if (pipe2(ends, O_CLOEXEC) != 0)
-        throw CommandError(EXIT_MODEL_BROKEN, std::string("no pipe: ") + std::strerror(errno));
-    // The child would write a second time what lies in our buffers.
-    std::cout.flush();
-    std::fflush(nullptr);
-    const pid_t parent = getpid();
-    const pid_t child = fork();
-    if (child < 0) {
-        close(ends[0]);
-        close(ends[1]);
-        throw CommandError(EXIT_MODEL_BROKEN, std::string("no process: ") + std::strerror(errno));
-    }
-    if (child == 0) RunChild(call, path, matrix, report, ends[1], parent);
-
-    setpgid(child, child);
-    close(ends[1]);
-    OutputReader output(ends[0]);
-    const bool finished = WaitForChild(child, output, ends[0], call.timeout);
-    kill(-child, SIGKILL);
-    if (!finished) kill(child, SIGKILL);
-    int status = 0;
-    while (waitpid(child, &status, 0) < 0 && errno == EINTR) {
-    }
+    ForkSetup setup;
+    setup.errorsToPipe = true;
+    setup.ownGroup = true;
+    setup.whenNone = EXIT_MODEL_BROKEN;
+    ForkedProcess child(setup, [&](int) { return RunModel(call, path, matrix, report); });
+    OutputReader output(child.Output());
+    const bool finished = WaitForChild(child, output, call.timeout);
+    child.Kill();
+    const int status = child.Wait();
     output.PauseAt(Clock::now() + std::chrono::seconds(KillGrace));
     output.Read();
-    close(ends[0]);
 
     AmiResult result;
     result.printed = output.text;

@@ -96,7 +96,7 @@ private:
         for (const auto& [task, child] : m_Running) {
             polled.push_back({child->Output(), POLLIN, 0});
             tasks.push_back(task);
-            if (Child::Clock::now() > child->Deadline()) child->Kill();
+            if (Clock::now() > child->Deadline()) child->Kill();
         }
         if (poll(polled.data(), polled.size(), LongestWait) <= 0) return;
         for (size_t k = 0; k < polled.size(); ++k)

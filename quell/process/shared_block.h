@@ -3,6 +3,7 @@
 #define QUELL_PROCESS_SHARED_BLOCK_H
 
 #include <cstddef>
+#include <new>
 
 namespace quell {
 
@@ -22,6 +23,20 @@ private:
     void* m_Mapping;
     size_t m_Length;
     void* m_Data;
+};
+
+// One object in a block of its own.
+template <typename T>
+class Shared {
+public:
+    Shared() : m_Block(sizeof(T)), m_Object(new (m_Block.Data()) T) {}
+
+    T& operator*() const { return *m_Object; }
+    T* operator->() const { return m_Object; }
+
+private:
+    SharedBlock m_Block;
+    T* m_Object;
 };
 
 }  // namespace quell

@@ -3,6 +3,8 @@
 
 #include <cmath>
 
+#include "quell/base/json.h"
+
 namespace quell {
 
 namespace {
@@ -21,8 +23,7 @@ constexpr struct {
 // Bytes that are no UTF-8 replaced, as in the JSON.
 std::string Utf8(std::string_view text)
 {
-    return Json::parse(Json(std::string(text)).dump(-1, ' ', false, Json::error_handler_t::replace))
-        .get<std::string>();
+    return Json::parse(JsonLine(std::string(text))).get<std::string>();
 }
 
 }  // namespace
@@ -47,7 +48,7 @@ std::string Escaped(std::string_view text)
 std::string ScriptJson(const nlohmann::ordered_json& json)
 {
     std::string text;
-    for (const char c : json.dump(-1, ' ', false, Json::error_handler_t::replace)) {
+    for (const char c : JsonLine(json)) {
         if (c == '<')
             text += "\\u003c";
         else

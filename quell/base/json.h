@@ -1,0 +1,20 @@
+// JSON as text. Bytes that are no UTF-8 are replaced.
+#ifndef QUELL_BASE_JSON_H
+#define QUELL_BASE_JSON_H
+
+#include <nlohmann/json.hpp>
+#include <string>
+
+namespace quell {
+
+// Indented, with a line end.
+std::string JsonText(const nlohmann::ordered_json& json);
+
+// On one line, without a line end.
+std::string JsonLine(const nlohmann::ordered_json& json);
+// The same with every other letter than those of ASCII escaped.
+std::string JsonAsciiLine(const nlohmann::ordered_json& json);
+
+}  // namespace quell
+
+#endif
