@@ -1,4 +1,4 @@
-// Files that the command writes, and the checksums of those it used.
+// Files that the command reads and writes, and the checksums of those it used.
 #include "quell/base/files.h"
 
 #include <fcntl.h>
@@ -48,6 +48,18 @@ int WriteNamed(const std::string& path, int flags, std::string_view content)
 }
 
 }  // namespace
+
+std::string WhyNotReadable(const std::string& path, unsigned long long& size)
+{
+    std::error_code error;
+    const fs::file_status status = fs::status(path, error);
+    if (status.type() == fs::file_type::not_found) return "no such file";
+    if (error) return error.message();
+    if (!fs::is_regular_file(status)) return "not a regular file";
+    if (access(path.c_str(), R_OK) != 0) return std::strerror(errno);
+    size = fs::file_size(path, error);
+    return error ? error.message() : "";
+}
 
 void WriteWholeFile(const std::string& path, std::string_view content)
 {

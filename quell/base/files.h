@@ -1,4 +1,4 @@
-// Files that the command writes, and the checksums of those it used.
+// Files that the command reads and writes, and the checksums of those it used.
 #ifndef QUELL_BASE_FILES_H
 #define QUELL_BASE_FILES_H
 
@@ -6,6 +6,10 @@
 #include <string_view>
 
 namespace quell {
+
+// Why a file is none that can be read whole, in one line; empty when it is, and its size in bytes
+// is stored.
+std::string WhyNotReadable(const std::string& path, unsigned long long& size);
 
 // Writes a file that is there whole or not at all: under another name first, which then takes the
 // place of the file. Devices and pipes are written as they are. Throws InputError.

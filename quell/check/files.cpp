@@ -10,7 +10,8 @@
 #include <filesystem>
 
 #include "quell/base/errors.h"
-#include "quell/reader/opening.h"
+#include "quell/base/file_pointer.h"
+#include "quell/base/files.h"
 
 namespace quell {
 
@@ -78,8 +79,8 @@ void AddStandardInput(std::vector<CheckFile>& files, const FileSearch& search)
     if (name.empty()) name = std::string("stdin.") + TypeWord(type);
     if (BaseName(name).empty()) throw InputError("--stdin-name " + name + " is a folder");
     const std::string path = (search.spool->Path() / "stdin").string();
-    std::FILE* spool = std::fopen(path.c_str(), "wbxe");
-    if (spool == nullptr) {
+    FilePointer spool = OpenFile(path, "wbxe");
+    if (!spool) {
         if (errno != EEXIST) throw InputError(path, 0, std::strerror(errno));
         throw InputError("'-' is given twice");
     }
@@ -89,11 +90,12 @@ void AddStandardInput(std::vector<CheckFile>& files, const FileSearch& search)
     while (written && (size = read(STDIN_FILENO, buffer, sizeof buffer)) != 0) {
         if (size < 0 && errno == EINTR) continue;
         if (size < 0) break;
-        written =
-            std::fwrite(buffer, 1, static_cast<size_t>(size), spool) == static_cast<size_t>(size);
+        const size_t count = static_cast<size_t>(size);
+        written = std::fwrite(buffer, 1, count, spool.get()) == count;
     }
     const int reason = errno;
-    if (std::fclose(spool) != 0 || !written) throw InputError(path, 0, std::strerror(errno));
+    if (std::fclose(spool.release()) != 0 || !written)
+        throw InputError(path, 0, std::strerror(errno));
     if (size < 0)
         AddProblem(files, name, std::string("standard input: ") + std::strerror(reason));
     else

@@ -65,35 +65,18 @@ int Run(const Opening& opening, FrameWriter* writer)
 }  // namespace
 
 FindingSink::FindingSink(const Opening& opening, std::function<void(Finding)> take)
-    : m_Take(std::move(take)),
-      m_OwnNames{BaseName(opening.name), LegalName(BaseName(opening.name), opening.type)},
-      m_Nowhere(std::fopen("/dev/null", "we"))
+    : m_Messages([own = OwnNames(opening.name, opening.type),
+                  take = std::move(take)](const ErrRecord& record) {
+          Finding finding;
+          finding.severity = Severities[record.severity];
+          finding.asked = record.asked;
+          finding.number = record.shown;
+          finding.file = own.Has(record.file) ? "" : record.file;
+          finding.line = record.line;
+          finding.text = record.text;
+          take(std::move(finding));
+      })
 {
-    ERRLOG_SetOutputFile(m_Nowhere);
-    ERRLOG_SetSink(Receive, this);
-    PARSE_SuppressBanners(1);
-}
-
-FindingSink::~FindingSink()
-{
-    ERRLOG_SetSink(nullptr, nullptr);
-    ERRLOG_SetOutputFile(nullptr);
-    if (m_Nowhere != nullptr) std::fclose(m_Nowhere);
-}
-
-void FindingSink::Receive(const ErrRecord* record, void* user)
-{
-    const FindingSink& sink = *static_cast<FindingSink*>(user);
-    const std::string_view file = record->file;
-    const bool own = file.empty() || file == sink.m_OwnNames[0] || file == sink.m_OwnNames[1];
-    Finding finding;
-    finding.severity = Severities[record->severity];
-    finding.asked = record->asked;
-    finding.number = record->shown;
-    finding.file = own ? "" : file;
-    finding.line = record->line;
-    finding.text = record->text;
-    sink.m_Take(std::move(finding));
 }
 
 int SendFindings(const Opening& opening, FrameWriter& writer)
@@ -102,7 +85,7 @@ int SendFindings(const Opening& opening, FrameWriter& writer)
     return Run(opening, &writer);
 }
 
-int PrintClassic(const Opening& opening)
+int PrintClassic(const Opening& opening, FrameWriter&)
 {
     return Run(opening, nullptr);
 }
@@ -141,11 +124,9 @@ void ReportReceiver::Receive(FrameFields frame)
 void ReportReceiver::End(const ChildEnd& end)
 {
     if (!end.done) {
-        const std::string base = BaseName(m_Report.name);
         FileType type = FILE_IBS;
-        const bool typed = TypeOfName("." + m_Report.type, type);
-        const bool own =
-            end.file.empty() || end.file == base || (typed && end.file == LegalName(base, type));
+        TypeOfName("." + m_Report.type, type);
+        const bool own = OwnNames(m_Report.name, type).Has(end.file);
         m_Report.status = FileStatus::Failed;
         m_Report.reason = end.failure;
         m_Report.failedLine = end.line;
@@ -161,8 +142,9 @@ void ReportReceiver::End(const ChildEnd& end)
 
 std::string BeyondText(const std::string& version)
 {
-    return "declares version " + version +
-           ", beyond 5.0, the last one known here (--as 5.0 checks it all the same)";
+    const std::string last = LastKnownVersion;
+    return "declares version " + version + ", beyond " + last + ", the last one known here (--as " +
+           last + " checks it all the same)";
 }
 
 }  // namespace quell

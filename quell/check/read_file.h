@@ -2,14 +2,13 @@
 #ifndef QUELL_CHECK_READ_FILE_H
 #define QUELL_CHECK_READ_FILE_H
 
-#include <cstdio>
 #include <functional>
 #include <string>
 #include <unordered_set>
 
-#include "IbisParser/errlog.h"
 #include "quell/check/report.h"
 #include "quell/process/child.h"
+#include "quell/reader/message_sink.h"
 #include "quell/reader/opening.h"
 
 namespace quell {
@@ -19,25 +18,18 @@ namespace quell {
 class FindingSink {
 public:
     FindingSink(const Opening& opening, std::function<void(Finding)> take);
-    ~FindingSink();
-    FindingSink(const FindingSink&) = delete;
-    FindingSink& operator=(const FindingSink&) = delete;
 
 private:
-    static void Receive(const ErrRecord* record, void* user);
-
-    std::function<void(Finding)> m_Take;
-    std::string m_OwnNames[2];  // of the file: where it lies, and as the reader opens it
-    std::FILE* m_Nowhere;
+    MessageSink m_Messages;
 };
 
 // The whole run of the library over one file, its messages as frames. A file that declares a
 // version beyond the known ones is not checked, unless the opening tells the version.
 int SendFindings(const Opening& opening, FrameWriter& writer);
 
-// The same run as the library shows it, banner and totals included, on standard output. Returns the
-// number of bugs and errors.
-int PrintClassic(const Opening& opening);
+// The same run as the library shows it, banner and totals included, on standard output; nothing is
+// sent. Returns the number of bugs and errors.
+int PrintClassic(const Opening& opening, FrameWriter& writer);
 
 // Builds the report from the frames of SendFindings.
 class ReportReceiver {

@@ -7,7 +7,7 @@
 #include <algorithm>
 #include <cerrno>
 
-#include "quell/reader/opening.h"
+#include "quell/base/files.h"
 
 namespace quell {
 

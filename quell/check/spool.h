@@ -2,11 +2,11 @@
 #ifndef QUELL_CHECK_SPOOL_H
 #define QUELL_CHECK_SPOOL_H
 
-#include <cstdio>
 #include <functional>
-#include <memory>
 #include <string>
 #include <string_view>
+
+#include "quell/base/file_pointer.h"
 
 namespace quell {
 
@@ -21,13 +21,10 @@ public:
     void Pour(const std::function<void(std::string_view)>& take);
 
 private:
-    struct Closing {
-        void operator()(std::FILE* file) const { std::fclose(file); }
-    };
     void MoveToFile();
 
     std::string m_Text;  // behind what is in the file
-    std::unique_ptr<std::FILE, Closing> m_File;
+    FilePointer m_File;
 };
 
 }  // namespace quell

@@ -1,20 +1,15 @@
 // quell check: files against the rules of the IBIS standard.
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstdlib>
-#include <filesystem>
 #include <iostream>
+#include <memory>
 #include <thread>
 
 #include "quell/base/errors.h"
-#include "quell/base/json.h"
-#include "quell/base/printable.h"
-#include "quell/base/progress.h"
-#include "quell/check/files.h"
-#include "quell/check/json_view.h"
-#include "quell/check/read_file.h"
-#include "quell/check/spool.h"
-#include "quell/check/text_view.h"
+#include "quell/check/check_files.h"
+#include "quell/check/formats.h"
 #include "quell/command/commands.h"
 #include "quell/process/queue.h"
 
@@ -22,14 +17,9 @@ namespace quell {
 
 namespace {
 
-enum class Format { Text, Classic, Json };
 enum class ColourUse { Auto, Always, Never };
 
-constexpr size_t ShownPerNumber = 20;  // findings of one number in a file, in the text
 constexpr size_t MostJobs = 256;
-
-constexpr std::pair<const char*, Format> Formats[] = {
-    {"text", Format::Text}, {"classic", Format::Classic}, {"json", Format::Json}};
 
 constexpr std::pair<const char*, ColourUse> ColourUses[] = {
     {"auto", ColourUse::Auto}, {"always", ColourUse::Always}, {"never", ColourUse::Never}};
@@ -45,7 +35,7 @@ struct CheckOptions {
     bool typeGiven = false;
     std::string stdinName;
     const char* version = "";
-    Format format = Format::Text;
+    MakeFormat format = Make<TextFormat>;
     ColourUse colour = ColourUse::Auto;
     size_t jobs = 0;  // 0: one for each core
 };
@@ -59,168 +49,11 @@ bool UseColour(ColourUse use)
            (terminal == nullptr || std::string_view(terminal) != "dumb");
 }
 
-// A file on its way: what has come back of it so far.
-struct RunningFile {
-    FileReport report;
-    std::unique_ptr<ReportReceiver> receiver;
-    FrameReader frames;
-    Spool waiting;                 // printed text or findings as JSON, until it is its turn
-    std::filesystem::path folder;  // private, for another name or version
-};
-
-class Check : public QueueClient {
-public:
-    Check(const CheckOptions& options, std::vector<CheckFile> files)
-        : m_Options(options),
-          m_Files(std::move(files)),
-          m_Running(m_Files.size()),
-          m_Colour(UseColour(options.colour)),
-          m_Progress(m_Files.size(), "files")
-    {
-    }
-
-    int Run()
-    {
-        if (m_Options.format == Format::Json) std::cout << "{\n\"files\": [";
-        RunQueue(m_Files.size(), Jobs(), *this);
-        m_Progress.Clear();
-        if (m_Options.format == Format::Json)
-            std::cout << "\n],\n\"total\": " << JsonAsciiLine(TotalsJson(m_Totals)) << "\n}\n";
-        if (m_Options.format == Format::Text) std::cout << TotalsText(m_Totals);
-        return m_Totals.ExitCode();
-    }
-
-    std::unique_ptr<Child> Start(size_t task) override
-    {
-        const CheckFile& file = m_Files[task];
-        m_Running[task] = std::make_unique<RunningFile>();
-        RunningFile& running = *m_Running[task];
-        running.report.name = file.name;
-        if (!file.problem.empty()) {
-            running.report.status = FileStatus::NotRead;
-            running.report.reason = file.problem;
-            return nullptr;
-        }
-        running.report.type = TypeWord(file.type);
-        running.report.checkedAs = m_Options.version;
-        const bool classic = m_Options.format == Format::Classic;
-        const bool json = m_Options.format == Format::Json;
-        running.receiver =
-            std::make_unique<ReportReceiver>(running.report, json ? 0 : ShownPerNumber);
-        if (json)
-            running.receiver->TellEach([&waiting = running.waiting](const Finding& finding) {
-                waiting.Append((waiting.Empty() ? "\n  " : ",\n  ") +
-                               JsonAsciiLine(FindingJson(finding)));
-            });
-        const Opening opening = OpeningOf(file, task, running.folder);
-        return std::make_unique<Child>(
-            [&opening, classic](FrameWriter& writer) {
-                return classic ? PrintClassic(opening) : SendFindings(opening, writer);
-            },
-            classic ? ChildStream::Printed : ChildStream::Frames, ReadingTime(file.size));
-    }
-
-    void Receive(size_t task, std::string_view bytes) override
-    {
-        RunningFile& running = *m_Running[task];
-        if (m_Options.format != Format::Classic) {
-            running.frames.Receive(
-                bytes, [&running](FrameFields frame) { running.receiver->Receive(frame); });
-        } else if (task == m_Totals.files) {
-            PrintWaiting(running);
-            Print(bytes);
-        } else {
-            running.waiting.Append(bytes);
-        }
-    }
-
-    void End(size_t task, const ChildEnd& end) override
-    {
-        RunningFile& running = *m_Running[task];
-        running.receiver->End(end);
-        if (m_Options.format == Format::Classic && end.done)
-            running.report.counts[static_cast<size_t>(Severity::Error)] =
-                static_cast<size_t>(end.result);
-        std::error_code error;
-        if (!running.folder.empty()) std::filesystem::remove_all(running.folder, error);
-    }
-
-    void Finish(size_t task) override
-    {
-        RunningFile& running = *m_Running[task];
-        const FileReport& report = running.report;
-        switch (m_Options.format) {
-            case Format::Text:
-                Print(ReportText(report, m_Files[task].path, m_Colour));
-                break;
-            case Format::Json:
-                Print((task == 0 ? "\n" : ",\n") + ReportHead(report));
-                if (report.status == FileStatus::Beyond) running.waiting.Clear();
-                PrintWaiting(running);
-                Print(ReportTail);
-                break;
-            case Format::Classic:
-                PrintWaiting(running);
-                if (!report.reason.empty()) {
-                    std::cout.flush();
-                    m_Progress.Clear();
-                    std::cerr << "quell: " << Printable(report.name) << ": "
-                              << Printable(report.reason) << '\n';
-                }
-                break;
-        }
-        std::cout.flush();
-        m_Totals.Add(report);
-        m_Running[task].reset();
-        m_Progress.Show(m_Totals.files);
-    }
-
-private:
-    size_t Jobs() const
-    {
-        if (m_Options.jobs != 0) return m_Options.jobs;
-        return std::clamp<size_t>(std::thread::hardware_concurrency(), 1, MostJobs);
-    }
-
-    void Print(std::string_view text)
-    {
-        if (text.empty()) return;
-        m_Progress.Clear();
-        std::cout << text;
-    }
-
-    void PrintWaiting(RunningFile& running)
-    {
-        running.waiting.Pour([this](std::string_view text) { Print(text); });
-    }
-
-    // The classic output shows the reader as it is, so that a wrong extension stays one there.
-    Opening OpeningOf(const CheckFile& file, size_t task, std::filesystem::path& folder)
-    {
-        Opening opening;
-        opening.path = file.path;
-        opening.name = file.name;
-        opening.type = file.type;
-        opening.version = m_Options.version;
-        const bool other = m_Options.format == Format::Classic
-                               ? file.path != file.name || !opening.version.empty()
-                               : NeedsOtherName(opening);
-        if (!other) return opening;
-        if (!m_Folder) m_Folder = std::make_unique<PrivateFolder>();
-        folder = m_Folder->Path() / std::to_string(task);
-        std::filesystem::create_directory(folder);
-        opening.folder = folder;
-        return opening;
-    }
-
-    const CheckOptions& m_Options;
-    std::vector<CheckFile> m_Files;
-    std::vector<std::unique_ptr<RunningFile>> m_Running;
-    std::unique_ptr<PrivateFolder> m_Folder;
-    bool m_Colour;
-    Progress m_Progress;
-    Totals m_Totals;
-};
+size_t Jobs(const CheckOptions& options)
+{
+    if (options.jobs != 0) return options.jobs;
+    return std::clamp<size_t>(std::thread::hardware_concurrency(), 1, MostJobs);
+}
 
 int RunCheck(const CheckOptions& options)
 {
@@ -236,7 +69,13 @@ int RunCheck(const CheckOptions& options)
     } else if (!options.stdinName.empty()) {
         throw InputError("--stdin-name names standard input, which is given as '-'");
     }
-    return Check(options, FindFiles(search)).Run();
+    CheckRequest request;
+    request.files = FindFiles(search);
+    request.version = options.version;
+    request.jobs = Jobs(options);
+    FormatOptions shown;
+    shown.colour = UseColour(options.colour);
+    return CheckFiles(request, *options.format(shown), std::cout).ExitCode();
 }
 
 }  // namespace

@@ -13,12 +13,9 @@ namespace quell {
 // its exit code; a CommandError passes through.
 using AddCommand = void (*)(CLI::App& app, int& exitCode);
 
-void AddCheck(CLI::App& app, int& exitCode);
-void AddParams(CLI::App& app, int& exitCode);
-void AddInfo(CLI::App& app, int& exitCode);
-void AddRun(CLI::App& app, int& exitCode);
-void AddSweep(CLI::App& app, int& exitCode);
-void AddView(CLI::App& app, int& exitCode);
+#define SUBCOMMAND(name) void Add##name(CLI::App& app, int& exitCode);
+#include "quell/command/commands.inc"
+#undef SUBCOMMAND
 
 // An option with a number in a unit, "5e9", "5Gbit/s" or "2.5 GHz", in any locale. Its range is
 // open at the low end: value > least.

@@ -8,8 +8,9 @@
 namespace {
 
 constexpr quell::AddCommand Commands[] = {
-    quell::AddInfo, quell::AddRun,   quell::AddSweep,
-    quell::AddView, quell::AddCheck, quell::AddParams,
+#define SUBCOMMAND(name) quell::Add##name,
+#include "quell/command/commands.inc"
+#undef SUBCOMMAND
 };
 
 int Fail(const char* text, int code)

@@ -19,7 +19,10 @@
 #include "IbisParser/testdata.h"
 #include "IbisParser/testload.h"
 #include "quell/base/errors.h"
+#include "quell/base/json.h"
 #include "quell/params/ami_tree.h"
+#include "quell/reader/message_sink.h"
+#include "quell/reader/read_in_child.h"
 
 namespace quell {
 
@@ -299,20 +302,13 @@ void DescribeParameters(const std::string& file, Json& json)
     }
 }
 
-// The first message, for a file that cannot be read.
-void KeepFirst(const ErrRecord* record, void* user)
+// What the library holds of the file once it is read.
+Json DescribeOpened(const Opening& opening)
 {
-    std::string* first = static_cast<std::string*>(user);
-    if (first->empty()) *first = record->text;
-}
-
-}  // namespace
-
-Json DescribeFile(const Opening& opening)
-{
-    std::string first;
-    ERRLOG_SetSink(KeepFirst, &first);
-    PARSE_SuppressBanners(1);
+    std::string first;  // message, for a file that cannot be read
+    const MessageSink messages([&first](const ErrRecord& record) {
+        if (first.empty()) first = record.text;
+    });
     if (!INIT() || !ParseOpened(opening))
         throw InputError(opening.name, 0, first.empty() ? "it cannot be read" : first);
     unsigned long errors = 0;
@@ -329,8 +325,30 @@ Json DescribeFile(const Opening& opening)
         DescribeParameters(opening.name, json);
     else if (IBIS_GetIBIS(&root))
         DescribeDocument(json, *root);
-    ERRLOG_SetSink(nullptr, nullptr);
     FINI();
+    return json;
+}
+
+}  // namespace
+
+Json DescribeFile(const std::string& path)
+{
+    FileType type = FILE_IBS;
+    if (!TypeOfName(path, type))
+        throw InputError(path, 0, "the name ends in none of .ibs .pkg .ebd .ami");
+    const FileToRead file = FindFileToRead(path, type);
+    const auto work = [](const Opening& opening, FrameWriter& writer) {
+        writer.Send(0, JsonLine(DescribeOpened(opening)));
+        return 0;
+    };
+    std::string description;
+    ReadInChild(file, work, [&description](FrameFields frame) {
+        frame.Number();
+        description = frame.Text();
+    });
+    Json json = Json::parse(description);
+    if (!file.laterVersion.empty() && json["header"].is_object())
+        json["header"]["ibis_version"] = file.laterVersion;
     return json;
 }
 

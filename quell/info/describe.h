@@ -3,17 +3,16 @@
 #define QUELL_INFO_DESCRIBE_H
 
 #include <nlohmann/json.hpp>
-
-#include "quell/reader/opening.h"
+#include <string>
 
 namespace quell {
 
-// Reads the file with the parser library, which keeps its state in globals and may end the process:
-// call it in a process of its own. Throws InputError when the file cannot be read.
+// Reads the file in a process of its own; one of a version after the last known one as far as that
+// one goes. Throws InputError when it cannot be read.
 //
 // The members are stable; new ones may be added. Numbers are in SI units, null where the file gives
 // none or NA. Lists are in the order of the file, and empty lists are kept.
-nlohmann::ordered_json DescribeFile(const Opening& opening);
+nlohmann::ordered_json DescribeFile(const std::string& path);
 
 }  // namespace quell
 

@@ -2,7 +2,6 @@
 #include "quell/params/ami_file.h"
 
 #include <algorithm>
-#include <memory>
 #include <optional>
 
 #include "quell/base/errors.h"
@@ -10,8 +9,7 @@
 #include "quell/base/numbers.h"
 #include "quell/params/ami_tree.h"
 #include "quell/params/nearest.h"
-#include "quell/process/child.h"
-#include "quell/process/private_folder.h"
+#include "quell/reader/read_in_child.h"
 
 namespace quell {
 
@@ -120,21 +118,8 @@ AmiFile ReadAmiFile(const std::string& path)
 {
     AmiFile file;
     file.file = path;
-    unsigned long long size = 0;
-    const std::string problem = WhyNotReadable(path, size);
-    if (!problem.empty()) throw InputError(path, 0, problem);
-    Opening opening;
-    opening.path = opening.name = path;
-    opening.type = FILE_AMI;
-    std::unique_ptr<PrivateFolder> folder;
-    if (NeedsOtherName(opening)) {
-        folder = std::make_unique<PrivateFolder>();
-        opening.folder = folder->Path();
-    }
-    const ChildEnd end =
-        RunChild([&opening](FrameWriter& writer) { return SendParameters(opening, writer); },
-                 ReadingTime(size), [&file](FrameFields frame) { Receive(file, frame); });
-    if (!end.done) throw CommandError(EXIT_READER_FAILED, path + ": " + end.failure);
+    ReadInChild(FindFileToRead(path, FILE_AMI), SendParameters,
+                [&file](FrameFields frame) { Receive(file, frame); });
     return file;
 }
 

@@ -5,8 +5,8 @@
 #include <memory>
 #include <vector>
 
-#include "IbisParser/errlog.h"
 #include "IbisParser/parse.h"
+#include "quell/reader/message_sink.h"
 
 namespace quell {
 
@@ -74,14 +74,6 @@ const _tagBranchStruct* FindBranch(const _tagBranchStruct* parent, const char* n
         if (branch != nullptr && std::strcmp(branch->name, name) == 0) return branch;
     }
     return nullptr;
-}
-
-void Send(FrameWriter& writer, AmiFrameKind kind, std::string_view text)
-{
-    writer.Begin();
-    writer.Number(kind);
-    writer.Text(text);
-    writer.End();
 }
 
 std::string FirstValue(const _tagLeafStruct* leaf)
@@ -164,8 +156,8 @@ void SendBranches(FrameWriter& writer, const _tagBranchStruct& top, bool reserve
         stack.push_back({child, 0, name.size()});
     }
     if (cut)
-        Send(writer, AMI_FRAME_PROBLEM,
-             "branches nested deeper than " + std::to_string(DeepestBranch) + " are left out");
+        writer.Send(AMI_FRAME_PROBLEM, "branches nested deeper than " +
+                                           std::to_string(DeepestBranch) + " are left out");
 }
 
 // The name behind the first parenthesis of a text that is no tree.
@@ -183,26 +175,21 @@ std::string NameBehindParenthesis(std::string_view text)
 
 int SendParameters(const Opening& opening, FrameWriter& writer)
 {
-    const std::unique_ptr<std::FILE, int (*)(std::FILE*)> nowhere(std::fopen("/dev/null", "we"),
-                                                                  std::fclose);
-    ERRLOG_SetOutputFile(nowhere.get());
-    PARSE_SuppressBanners(1);
-    const bool read = ParseOpened(opening);
-    ERRLOG_SetOutputFile(nullptr);
-    if (!read) {
-        Send(writer, AMI_FRAME_PROBLEM, "it cannot be read");
+    const MessageSink dropped;
+    if (!ParseOpened(opening)) {
+        writer.Send(AMI_FRAME_PROBLEM, "it cannot be read");
         return 1;
     }
     const AmiTree tree;
     if (tree.Result() != TREE_OK || tree.Root() == nullptr) {
-        if (gsBuffer != nullptr) Send(writer, AMI_FRAME_ROOT, NameBehindParenthesis(gsBuffer));
-        Send(writer, AMI_FRAME_PROBLEM, ProblemOf(tree.Result()));
+        if (gsBuffer != nullptr) writer.Send(AMI_FRAME_ROOT, NameBehindParenthesis(gsBuffer));
+        writer.Send(AMI_FRAME_PROBLEM, ProblemOf(tree.Result()));
         return 1;
     }
     const _tagBranchStruct* root = BranchOf(*tree.Root());
     const _tagLeafStruct* leaf = LeafOf(*tree.Root());
-    if (root != nullptr) Send(writer, AMI_FRAME_ROOT, root->name);
-    if (leaf != nullptr) Send(writer, AMI_FRAME_ROOT, leaf->name);
+    if (root != nullptr) writer.Send(AMI_FRAME_ROOT, root->name);
+    if (leaf != nullptr) writer.Send(AMI_FRAME_ROOT, leaf->name);
     if (const _tagBranchStruct* reserved = FindBranch(root, Reserved))
         SendBranches(writer, *reserved, true);
     if (const _tagBranchStruct* specific = FindBranch(root, Specific))

@@ -33,8 +33,6 @@ struct ChildNote {
 
 namespace {
 
-constexpr double LeastTime = 30;       // s
-constexpr double TimePerByte = 2e-6;   // s, some hundred times what reading takes
 constexpr double Grace = 5;            // s between the child's own clock and ours
 constexpr size_t TailSize = 4096;      // bytes
 constexpr size_t StackSize = 1 << 16;  // for the handler when the stack itself is the fault
@@ -140,11 +138,6 @@ ForkSetup SetupOf(const Descriptor& printed)
 }
 
 }  // namespace
-
-double ReadingTime(unsigned long long bytes)
-{
-    return LeastTime + TimePerByte * static_cast<double>(bytes);
-}
 
 Child::Child(const Work& work, ChildStream stream, double limit)
     : m_Limit(limit),

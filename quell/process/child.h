@@ -28,9 +28,6 @@ struct ChildEnd {
     std::string failure;     // and why, in one line: "the reader stopped at line 7: SIGSEGV"
 };
 
-// A time for reading a file of so many bytes that none needs that is read at all, s.
-double ReadingTime(unsigned long long bytes);
-
 struct ChildNote;
 
 class Child {

@@ -56,6 +56,14 @@ void FrameWriter::End()
     if (m_Frames.size() >= Enough) Flush();
 }
 
+void FrameWriter::Send(uint64_t kind, std::string_view text)
+{
+    Begin();
+    Number(kind);
+    Text(text);
+    End();
+}
+
 void FrameWriter::Flush()
 {
     m_Busy = 1;

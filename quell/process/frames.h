@@ -19,6 +19,8 @@ public:
     void Number(uint64_t value);
     void Text(std::string_view text);
     void End();
+    // A whole frame of its kind and one text.
+    void Send(uint64_t kind, std::string_view text);
 
     void Flush();
     // What is complete and not written yet, from the handler of a signal that ends the process.

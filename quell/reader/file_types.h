@@ -3,6 +3,8 @@
 #define QUELL_READER_FILE_TYPES_H
 
 #include <string>
+#include <string_view>
+#include <utility>
 
 #include "IbisParser/keyword.h"
 
@@ -23,6 +25,24 @@ std::string BaseName(const std::string& path);
 
 // A file name that the reader takes for the type: itself, or with another extension.
 std::string LegalName(const std::string& baseName, FileType type);
+
+// The names by which the reader may tell of the file that goes by a name; another one is a
+// companion.
+class OwnNames {
+public:
+    OwnNames(const std::string& name, FileType type)
+        : m_Base(BaseName(name)), m_Legal(LegalName(m_Base, type))
+    {
+    }
+    bool Has(std::string_view told) const
+    {
+        return told.empty() || told == m_Base || told == m_Legal;
+    }
+
+private:
+    std::string m_Base;
+    std::string m_Legal;
+};
 
 }  // namespace quell
 

@@ -6,17 +6,15 @@
 
 #include <cerrno>
 #include <cstring>
-#include <memory>
 
 #include "IbisParser/parse.h"
 #include "quell/base/errors.h"
+#include "quell/base/file_pointer.h"
 #include "quell/reader/version.h"
 
 namespace quell {
 
 namespace {
-
-using File = std::unique_ptr<std::FILE, int (*)(std::FILE*)>;
 
 [[noreturn]] void Fail(const std::string& file)
 {
@@ -26,11 +24,11 @@ using File = std::unique_ptr<std::FILE, int (*)(std::FILE*)>;
 // False when there is no version to be replaced.
 bool Copy(const Opening& opening, const std::string& target)
 {
-    const File from(std::fopen(opening.path.c_str(), "rbe"), std::fclose);
+    const FilePointer from = OpenFile(opening.path, "rbe");
     if (!from) Fail(opening.name);
     const std::optional<VersionPlace> place = FindVersion(from.get());
     if (!place) return false;
-    File to(std::fopen(target.c_str(), "wbxe"), std::fclose);
+    FilePointer to = OpenFile(target, "wbxe");
     if (!to || !CopyWithVersion(from.get(), to.get(), *place, opening.version) ||
         std::fclose(to.release()) != 0)
         Fail(target);
@@ -62,18 +60,6 @@ void SetOwnName(const std::string& name)
 }
 
 }  // namespace
-
-std::string WhyNotReadable(const std::string& path, unsigned long long& size)
-{
-    std::error_code error;
-    const std::filesystem::file_status status = std::filesystem::status(path, error);
-    if (status.type() == std::filesystem::file_type::not_found) return "no such file";
-    if (error) return error.message();
-    if (!std::filesystem::is_regular_file(status)) return "not a regular file";
-    if (access(path.c_str(), R_OK) != 0) return std::strerror(errno);
-    size = std::filesystem::file_size(path, error);
-    return error ? error.message() : "";
-}
 
 bool NeedsOtherName(const Opening& opening)
 {

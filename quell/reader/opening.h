@@ -18,9 +18,6 @@ struct Opening {
     std::filesystem::path folder;  // private to this file; empty: it is read where it lies
 };
 
-// Why the file cannot be read, in one line; empty when it can, and its size in bytes is stored.
-std::string WhyNotReadable(const std::string& path, unsigned long long& size);
-
 // Whether the reader takes the file only under another name, as a link or copy in a private folder.
 bool NeedsOtherName(const Opening& opening);
 

@@ -1,8 +1,7 @@
 // The IBIS version that a file declares.
 #include "quell/reader/version.h"
 
-#include <memory>
-
+#include "quell/base/file_pointer.h"
 #include "quell/base/lines.h"
 
 namespace quell {
@@ -59,8 +58,7 @@ std::optional<VersionPlace> FindVersion(std::FILE* file)
 
 std::string DeclaredVersion(const std::string& path)
 {
-    const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen(path.c_str(), "rbe"),
-                                                               std::fclose);
+    const FilePointer file = OpenFile(path, "rbe");
     const std::optional<VersionPlace> place = file ? FindVersion(file.get()) : std::nullopt;
     return place ? place->value : "";
 }

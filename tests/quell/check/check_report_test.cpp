@@ -1,15 +1,11 @@
-// Findings in order and as text, the source lines under them, versions, names and printable text.
+// Findings in order and as text, the source lines under them, what waits for its turn.
 #include "quell/check/report.h"
 
 #include <gtest/gtest.h>
 
-#include "quell/base/printable.h"
-#include "quell/base/progress.h"
 #include "quell/check/source_lines.h"
 #include "quell/check/spool.h"
-#include "quell/check/text_view.h"
-#include "quell/reader/file_types.h"
-#include "quell/reader/version.h"
+#include "quell/check/text_format.h"
 #include "tests/quell/command.h"
 #include "tests/support/TempDir.h"
 
@@ -124,88 +120,6 @@ GTEST_TEST(CheckReport, ExitCodeOfSeveralFiles)
     }
 }
 
-GTEST_TEST(CheckReport, VersionsAfterTheLastKnownOne)
-{
-    for (const char* version : {"5.1", "5.12", "6.0", "7.2", "9.9"})
-        EXPECT_TRUE(BeyondKnown(version)) << version;
-    for (const char* version : {"5.0", "5.00", "4.2", "3.3", "1.1", "", "5", "33.0", "7.x", "7."})
-        EXPECT_FALSE(BeyondKnown(version)) << version;
-}
-
-GTEST_TEST(CheckReport, VersionIsReplacedInPlace)
-{
-    static const struct {
-        const char* text;
-        const char* replaced;  // null: no version found
-    } rows[] = {
-        {"| [IBIS Ver] 1\n\n[IBIS Ver]\t7.1 | note\r\n[File Name] x\n",
-         "| [IBIS Ver] 1\n\n[IBIS Ver]\t5.0 | note\r\n[File Name] x\n"},
-        {"  [ibis_VER]6.0", "  [ibis_VER]5.0"},
-        {"[IBIS Ver]\n[IBIS Ver] 7.1\n", nullptr},
-        {"[File Name] x\n[IBIS Ver] 7.1\n", nullptr},
-        {"", nullptr},
-    };
-    const TempDir scratch;
-    for (const auto& row : rows) {
-        std::FILE* from = std::fopen(scratch.Write("from", row.text).c_str(), "rb");
-        const auto place = FindVersion(from);
-        EXPECT_EQ(place.has_value(), row.replaced != nullptr) << row.text;
-        if (place && row.replaced != nullptr) {
-            std::FILE* to = std::fopen(scratch.Path("to").c_str(), "wb");
-            EXPECT_TRUE(CopyWithVersion(from, to, *place, "5.0"));
-            std::fclose(to);
-            EXPECT_EQ(ReadFile(scratch.Path("to")), row.replaced);
-        }
-        std::fclose(from);
-    }
-}
-
-GTEST_TEST(CheckReport, NamesThatTheReaderTakes)
-{
-    static const struct {
-        const char* name;
-        FileType type;
-        const char* legal;
-    } rows[] = {
-        {"a.ibs", FILE_IBS, "a.ibs"},     {"A.IBS", FILE_IBS, "A.IBS"},
-        {"a.txt", FILE_IBS, "a.ibs"},     {"a", FILE_PKG, "a.pkg"},
-        {"a.ibs.old", FILE_IBS, "a.ibs"}, {"a.ibs", FILE_AMI, "a.ami"},
-        {".ibs", FILE_EBD, "file.ebd"},   {"a.v2.txt", FILE_IBS, "a.v2.ibs"},
-    };
-    for (const auto& row : rows)
-        EXPECT_EQ(LegalName(row.name, row.type), row.legal) << row.name;
-    EXPECT_EQ(FolderOf("/a/b/c.ibs"), "/a/b/");
-    EXPECT_EQ(FolderOf("c.ibs"), "");
-}
-
-GTEST_TEST(CheckReport, PrintableTextDoesNothingButShowItself)
-{
-    static const struct {
-        const char* text;
-        const char* printable;
-        size_t width;
-    } rows[] = {
-        {"plain ~", "plain ~", 7},
-        {"a\tb\r\n\x1b[31m\x7f", "a b???[31m?", 11},
-        {"\xC3\xA9\xE2\x82\xAC", "\xC3\xA9\xE2\x82\xAC", 2},
-        {"\xC2\x9B"
-         "2J",
-         "?2J", 3},  // control as UTF-8
-        {"\x9B"
-         "2J\xFF\xC3",
-         "?2J??", 5},                          // bytes that are no UTF-8
-        {"\xC0\x9B\xE0\x80\x9B", "?????", 5},  // written too long
-        {"\xE2\x80\xAE"
-         "abc",
-         "?abc", 4},                      // right to left
-        {"\xF4\x90\x80\x80", "????", 4},  // beyond the last character
-    };
-    for (const auto& row : rows) {
-        EXPECT_EQ(Printable(row.text), row.printable);
-        EXPECT_EQ(PrintedWidth(Printable(row.text)), row.width) << row.printable;
-    }
-}
-
 GTEST_TEST(CheckReport, WhatWaitsComesBackWholeAndOnce)
 {
     for (const size_t size : {size_t{0}, size_t{10}, size_t{1} << 20, size_t{5'000'003}}) {
@@ -225,13 +139,6 @@ GTEST_TEST(CheckReport, WhatWaitsComesBackWholeAndOnce)
         spool.Pour(take);
         EXPECT_EQ(text.substr(expected.size()), "again") << size;
     }
-}
-
-GTEST_TEST(CheckReport, ProgressFillsUp)
-{
-    EXPECT_EQ(ProgressText(0, 200, "files"), "[" + std::string(40, ' ') + "] 0 of 200 files");
-    EXPECT_EQ(ProgressText(199, 200, "files"), "[" + std::string(39, '=') + " ] 199 of 200 files");
-    EXPECT_EQ(ProgressText(200, 200, "files"), "[" + std::string(40, '=') + "] 200 of 200 files");
 }
 
 }  // namespace

@@ -1,5 +1,5 @@
 // Findings as text for people.
-#include "quell/check/text_view.h"
+#include "quell/check/text_format.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -146,6 +146,16 @@ std::string Summary(const FileReport& report)
 }
 
 }  // namespace
+
+void TextFormat::File(const CheckFile& file, const FileReport& report, Spool&, Output& output)
+{
+    output.Print(ReportText(report, file.path, m_Colour));
+}
+
+void TextFormat::End(const Totals& totals, Output& output)
+{
+    output.Print(TotalsText(totals));
+}
 
 std::string ReportText(const FileReport& report, const std::string& path, bool colour)
 {

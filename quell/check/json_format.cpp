@@ -1,5 +1,5 @@
 // Findings as JSON, for programs.
-#include "quell/check/json_view.h"
+#include "quell/check/json_format.h"
 
 #include "quell/base/json.h"
 
@@ -21,8 +21,6 @@ Json OrNull(const std::string& text)
     return text.empty() ? Json(nullptr) : Json(text);
 }
 
-}  // namespace
-
 Json FindingJson(const Finding& finding)
 {
     Json json;
@@ -35,6 +33,7 @@ Json FindingJson(const Finding& finding)
     return json;
 }
 
+// The object of a report up to its list of findings, which follow, separated by commas.
 std::string ReportHead(const FileReport& report)
 {
     Json json;
@@ -61,6 +60,31 @@ Json TotalsJson(const Totals& totals)
     json["reader_failed"] = totals.failed;
     AddCounts(json, totals.counts);
     return json;
+}
+
+}  // namespace
+
+void JsonFormat::Begin(Output& output)
+{
+    output.Print("{\n\"files\": [");
+}
+
+void JsonFormat::Add(const Finding& finding, Spool& waiting)
+{
+    waiting.Append((waiting.Empty() ? "\n  " : ",\n  ") + JsonAsciiLine(FindingJson(finding)));
+}
+
+void JsonFormat::File(const CheckFile&, const FileReport& report, Spool& waiting, Output& output)
+{
+    output.Print((m_First ? "\n" : ",\n") + ReportHead(report));
+    m_First = false;
+    output.Print(waiting);
+    output.Print("]}");
+}
+
+void JsonFormat::End(const Totals& totals, Output& output)
+{
+    output.Print("\n],\n\"total\": " + JsonAsciiLine(TotalsJson(totals)) + "\n}\n");
 }
 
 }  // namespace quell
