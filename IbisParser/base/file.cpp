@@ -10,7 +10,6 @@
 static const char s_Module[] = "IbisParser/cmn";
 
 int gbAllowAnyCharacter = 0;
-char gsFilePath_ibs[CMN_PATH_MAX + 1] = "";
 
 // The file kinds, 1 to 4, and the message for a wrong extension.
 static const struct {

@@ -1,5 +1,11 @@
-// The four keyword tables, expanded from the one list.
-#include "IbisParser/keyword.h"
+// The four keyword tables, expanded from the one list, and the names in them.
+#include "IbisParser/base/keyword.h"
+
+#include "IbisParser/cmn.h"
+#include "IbisParser/errlog.h"
+#include "IbisParser/parse.h"
+
+static const char s_Module[] = "IbisParser/parse";
 
 #define ROW(code, enumerator, name) {name, enumerator, 0},
 #define NO_ROW(code, enumerator, name)
@@ -31,3 +37,18 @@ static_assert(sizeof keywords / sizeof keywords[0] == 50);
 static_assert(sizeof keywords_Ver3 / sizeof keywords_Ver3[0] == 88);
 static_assert(sizeof keywords_Ver4 / sizeof keywords_Ver4[0] == 109);
 static_assert(sizeof keywords_Ver5 / sizeof keywords_Ver5[0] == 120);
+
+char* PARSE_GetKeywordStr(int code, char* buf)
+{
+    CMN_ASSERT(buf != nullptr);
+    const KeywordEntry* entry = keywords;
+    while (entry->code != code && entry->code != NOT_KEY)
+        ++entry;
+    if (entry->code == code) {
+        CMN_strncpy(buf, entry->name, KEYWORD_MAX);
+    } else {
+        ERRLOG_BugNew(904);
+        CMN_strncpy(buf, "Unknown enumerated keyword code", KEYWORD_MAX);
+    }
+    return buf;
+}

@@ -1,12 +1,12 @@
 // The assembly that a board describes: boards of components and boards, and the files they are in.
 #include <cstring>
 
+#include "IbisParser/base/position.h"
 #include "IbisParser/cmn.h"
 #include "IbisParser/cmpnt.h"
 #include "IbisParser/ebdmdl.h"
 #include "IbisParser/errlog.h"
 #include "IbisParser/read/package/board.h"
-#include "IbisParser/read/parse.h"
 #include "IbisParser/refdes.h"
 #include "IbisParser/store/section.h"
 
@@ -109,18 +109,22 @@ static void s_freeText(char* text)
     if (block != nullptr) CMN_freeSetNull(&block);
 }
 
+// Reads a file in the middle of the check of another one.
+static int s_parse(const char* path, int type)
+{
+    const PositionKeeper position;
+    const int isRead = PARSE(path, type);
+    EBDMDL_Close();
+    return isRead;
+}
+
 // Reads the file into a store of its own.
 static void s_read(Assembly* assembly, AssemblyFile* file, const char* path)
 {
     if (!IBIS_New()) return;
-    ParseState state;
-    PARSE_SaveState(&state);
     IbisRoot* root = nullptr;
     IBIS_GetIBIS(&root);
-    const int isRead = PARSE(path, file->type);
-    EBDMDL_Close();
-    PARSE_RestoreState(&state);
-    if (!isRead) {
+    if (!s_parse(path, file->type)) {
         IBIS_Free(root);
         return;
     }

@@ -2,6 +2,7 @@
 #include <cstring>
 
 #include "IbisParser/algmod.h"
+#include "IbisParser/base/position.h"
 #include "IbisParser/check/ami.h"
 #include "IbisParser/cmn.h"
 #include "IbisParser/errlog.h"
@@ -30,14 +31,12 @@ static void s_testParameterFile(AlgModExec* exec, const char* model)
         ERRLOG_ErrorNew(4618, exec->parameterFile, model);
         return;
     }
-    ParseState state;
-    PARSE_SaveState(&state);
+    const PositionKeeper position;
     FreeParsedTree(&exec->tree);
     if (PARSE_ReadParameters(exec->parameterFile, file))
         exec->tree = AMICHECK_Parameters();
     else
         AMICHECK_FreeText();
-    PARSE_RestoreState(&state);
 }
 
 static void s_testExec(AlgModExec* exec, const char* model)

@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <new>
 
+#include "IbisParser/base/position.h"
 #include "IbisParser/check/companions.h"
 #include "IbisParser/errlog.h"
 #include "IbisParser/read/component/cmpnt.h"
@@ -37,39 +38,6 @@ struct PkgFinder {
     IdxTable nameIndex;
 };
 
-// What reading another file changes.
-struct ReadingState {
-    unsigned long lineNum;
-    int fileVersion;
-    FileType fileType;
-    KeywordCode keyword;
-    char comment;
-    int isEndFound;
-    char fileName[CMN_PATH_MAX + 1];
-    char path[CMN_PATH_MAX + 1];
-};
-
-static void s_save(ReadingState* state)
-{
-    *state = {
-        gulLineNum, geFileVersion, geCurrFileType, geCurrentKeyword, gpcComment, gbEndFound, {},
-        {}};
-    std::memcpy(state->fileName, gsFileName, sizeof gsFileName);
-    std::memcpy(state->path, gsFilePath_ibs, sizeof gsFilePath_ibs);
-}
-
-static void s_restore(const ReadingState* state)
-{
-    gulLineNum = state->lineNum;
-    geFileVersion = state->fileVersion;
-    geCurrFileType = state->fileType;
-    geCurrentKeyword = state->keyword;
-    gpcComment = state->comment;
-    gbEndFound = state->isEndFound;
-    std::memcpy(gsFileName, state->fileName, sizeof gsFileName);
-    std::memcpy(gsFilePath_ibs, state->path, sizeof gsFilePath_ibs);
-}
-
 // The path of a file in the folder; 0 when it is too long or no plain file (a pipe that nobody
 // writes to would be waited for).
 static int s_path(const char* name, char path[CMN_PATH_MAX + 1])
@@ -100,14 +68,12 @@ static void s_readFile(PkgFile* file)
     if (file->wasRead || !s_path(file->name, path)) return;
     file->wasRead = 1;
     if (!IBIS_New() || !IBIS_GetIBIS(&root)) return;
-    ReadingState state;
-    s_save(&state);
+    const PositionKeeper position;
     PARSE(path, FILE_PKG);
     file->packages = root->pkgMdls;
     root->pkgMdls = nullptr;
     IBIS_Free(root);
     s_index(&file->byName, file->packages);
-    s_restore(&state);
 }
 
 static void s_free(PkgFile* file)

@@ -4,6 +4,7 @@
 #include <climits>
 #include <cstring>
 
+#include "IbisParser/base/position.h"
 #include "IbisParser/base/textbuf.h"
 #include "IbisParser/errlog.h"
 #include "IbisParser/ibis.h"
@@ -21,36 +22,10 @@ enum {
 static const char s_noCommentChars[] =
     "0123456789abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ[]._/=+-";
 
-unsigned long gulLineNum = 0;
-char gsFileName[CMN_PATH_MAX + 1] = "";
-char gpcComment = '|';
-KeywordCode geCurrentKeyword = NOT_KEY;
-FileType geCurrFileType = FILE_IBS;
-int geFileVersion = 0;
-int gbIBIS_VerFound = 0;
-int gbEndFound = 0;
-int gbInSubModel = 0;
-int gbContinue = 0;
-char* gsBuffer = nullptr;
-
-static int bTabFound = 0;
-
 static void s_banner(const char* name, const char* version)
 {
     if (!gbSuppressBanners)
         std::printf("\nChecking %s for IBIS %s Compatibility...\n\n", name, version);
-}
-
-static void s_reset(FileType fileType)
-{
-    gbInSubModel = 0;
-    bTabFound = 0;
-    gulLineNum = 0;
-    gpcComment = '|';
-    geCurrentKeyword = NOT_KEY;
-    gbIBIS_VerFound = 0;
-    gbEndFound = 0;
-    geCurrFileType = fileType;
 }
 
 static bool s_isBlank(char c)
@@ -82,8 +57,8 @@ static void s_testLine(char* line)
     const int lineMax = SENDER_Version(geFileVersion)->lineMax;
     if (!gbAllowAnyLineLength && length > static_cast<std::size_t>(lineMax))
         ERRLOG_LineErrorNew(905, lineMax);
-    if (!bTabFound && std::strchr(line, '\t') != nullptr) {
-        bTabFound = 1;
+    if (!gbTabFound && std::strchr(line, '\t') != nullptr) {
+        gbTabFound = true;
         ERRLOG_LineWarnNew(921);
     }
 }
@@ -158,7 +133,7 @@ static int s_readDocument(const char* name, FileType fileType)
     }
     geFileVersion = version;
     s_banner(name, SENDER_Version(version)->name);
-    s_reset(fileType);
+    POSITION_Reset(fileType);
     std::FILE* file = nullptr;
     if (!CMN_OpenFile(name, fileType, &file, gsFileName)) return 0;
     if (CMN_AnyUpper(gsFileName)) ERRLOG_WarnNew(901, gsFileName);
@@ -220,7 +195,7 @@ static int s_readParameterLines(std::FILE* file)
 static void s_beginParameters(const char* name)
 {
     s_banner(name, SENDER_Version(VERSION_LAST)->name);
-    s_reset(FILE_AMI);
+    POSITION_Reset(FILE_AMI);
     geFileVersion = VERSION_LAST;
     if (gsBuffer != nullptr) {
         void* block = gsBuffer;
@@ -271,66 +246,6 @@ void PARSE_AllowAnyLineLength(int on)
 void PARSE_SuppressBanners(int on)
 {
     gbSuppressBanners = on != 0;
-}
-
-unsigned long PARSE_GetLineNum(void)
-{
-    return gulLineNum;
-}
-
-char* PARSE_GetFileName(char* buf)
-{
-    CMN_ASSERT(buf != nullptr);
-    return static_cast<char*>(std::memcpy(buf, gsFileName, std::strlen(gsFileName) + 1));
-}
-
-char* PARSE_GetKeywordStr(int code, char* buf)
-{
-    CMN_ASSERT(buf != nullptr);
-    const KeywordEntry* entry = keywords;
-    while (entry->code != code && entry->code != NOT_KEY)
-        ++entry;
-    if (entry->code == code) {
-        CMN_strncpy(buf, entry->name, KEYWORD_MAX);
-    } else {
-        ERRLOG_BugNew(904);
-        CMN_strncpy(buf, "Unknown enumerated keyword code", KEYWORD_MAX);
-    }
-    return buf;
-}
-
-void PARSE_SaveState(ParseState* state)
-{
-    CMN_ASSERT(state != nullptr);
-    state->lineNum = gulLineNum;
-    std::memcpy(state->fileName, gsFileName, sizeof gsFileName);
-    std::memcpy(state->filePath, gsFilePath_ibs, sizeof gsFilePath_ibs);
-    state->comment = gpcComment;
-    state->currentKeyword = geCurrentKeyword;
-    state->fileType = geCurrFileType;
-    state->fileVersion = geFileVersion;
-    state->ibisVerFound = gbIBIS_VerFound;
-    state->endFound = gbEndFound;
-    state->inSubModel = gbInSubModel;
-    state->tabFound = bTabFound;
-    state->continued = gbContinue;
-}
-
-void PARSE_RestoreState(const ParseState* state)
-{
-    CMN_ASSERT(state != nullptr);
-    gulLineNum = state->lineNum;
-    std::memcpy(gsFileName, state->fileName, sizeof gsFileName);
-    std::memcpy(gsFilePath_ibs, state->filePath, sizeof gsFilePath_ibs);
-    gpcComment = state->comment;
-    geCurrentKeyword = state->currentKeyword;
-    geCurrFileType = state->fileType;
-    geFileVersion = state->fileVersion;
-    gbIBIS_VerFound = state->ibisVerFound;
-    gbEndFound = state->endFound;
-    gbInSubModel = state->inSubModel;
-    bTabFound = state->tabFound;
-    gbContinue = state->continued;
 }
 
 int PARSE_ReadParameters(const char* name, std::FILE* file)

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cstring>
 
+#include "IbisParser/base/keyword.h"
 #include "IbisParser/errlog.h"
 #include "IbisParser/parse.h"
 #include "IbisParser/read/sections.h"

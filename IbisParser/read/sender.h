@@ -4,7 +4,7 @@
 
 #include "IbisParser/keyword.h"
 
-enum { VERSION_FIRST = 2, VERSION_LAST = 5, KEYWORD_MAX = 117 /* characters between brackets */ };
+enum { VERSION_FIRST = 2, VERSION_LAST = 5 };
 
 // What a version class means to the reader.
 struct VersionRow {

@@ -9,7 +9,6 @@
 #include "IbisParser/errlog.h"
 #include "IbisParser/krng.h"
 #include "IbisParser/mdl.h"
-#include "IbisParser/nml.h"
 #include "IbisParser/parse.h"
 #include "IbisParser/store/section.h"
 

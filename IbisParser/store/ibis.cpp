@@ -1,4 +1,4 @@
-// The document store, and the order in which its parts are released.
+// The document store: documents, and the lists of each.
 #include "IbisParser/ibis.h"
 
 #include "IbisParser/cmn.h"
@@ -9,6 +9,8 @@
 #include "IbisParser/mdl.h"
 #include "IbisParser/msel.h"
 #include "IbisParser/pkgmdl.h"
+#include "IbisParser/store/roots.h"
+#include "IbisParser/store/section.h"
 #include "IbisParser/submdl.h"
 #include "IbisParser/testdata.h"
 #include "IbisParser/testload.h"
@@ -18,33 +20,6 @@ static const char s_Module[] = "IbisParser/ibis";
 // Newest first.
 static IbisRoot* s_roots = nullptr;
 
-typedef void RootStep(IbisRoot* root);
-
-// A step for one list, taken when the list is not empty.
-template <auto List, auto Function>
-static void s_with(IbisRoot* root)
-{
-    if (root->*List != nullptr) Function(root->*List);
-}
-
-// External circuits have no place of their own in the order; nothing that is released before them
-// points at them.
-static RootStep* const s_freeSteps[] = {
-    s_with<&IbisRoot::hdrs, HDR_FreeList>,           s_with<&IbisRoot::cmpnts, CMPNT_FreeList>,
-    s_with<&IbisRoot::mdls, MDL_FreeList>,           s_with<&IbisRoot::pkgMdls, PKGMDL_FreeList>,
-    s_with<&IbisRoot::msels, MSEL_FreeList>,         s_with<&IbisRoot::ebdMdls, EBDMDL_FreeList>,
-    s_with<&IbisRoot::subMdls, SUBMDL_FreeList>,     s_with<&IbisRoot::testData, TESTDATA_FreeList>,
-    s_with<&IbisRoot::testLoads, TESTLOAD_FreeList>, s_with<&IbisRoot::exts, EXT_FreeList>,
-};
-
-static void s_unlink(IbisRoot* root)
-{
-    IbisRoot** link = &s_roots;
-    while (*link != nullptr && *link != root)
-        link = &(*link)->next;
-    if (*link == root) *link = root->next;
-}
-
 template <typename T>
 static int s_get(IbisRoot* root, T* IbisRoot::*list, T** head)
 {
@@ -53,12 +28,11 @@ static int s_get(IbisRoot* root, T* IbisRoot::*list, T** head)
     return *head != nullptr;
 }
 
-template <typename T, typename Link>
-static int s_add(IbisRoot* root, T* IbisRoot::*list, T* item, Link* addLink)
+template <typename T>
+static int s_add(IbisRoot* root, T* IbisRoot::*list, T* item)
 {
     CMN_ASSERT(root != nullptr && item != nullptr);
-    addLink(&(root->*list), item);
-    return 1;
+    return SEC_AddLink(&(root->*list), item);
 }
 
 int IBIS_New(void)
@@ -78,27 +52,25 @@ int IBIS_GetIBIS(IbisRoot** root)
     return s_roots != nullptr;
 }
 
-void IBIS_Free(IbisRoot* root)
+void ROOTS_Unlink(const IbisRoot* root)
 {
-    CMN_ASSERT(root != nullptr);
-    s_unlink(root);
-    for (RootStep* step : s_freeSteps)
-        step(root);
-    void* block = root;
-    CMN_freeSetNull(&block);
+    IbisRoot** link = &s_roots;
+    while (*link != nullptr && *link != root)
+        link = &(*link)->next;
+    if (*link == root) *link = root->next;
 }
 
 // clang-format off
-int IBIS_AddHdr(IbisRoot* root, Hdr* item)            { return s_add(root, &IbisRoot::hdrs, item, HDR_AddLink); }
-int IBIS_AddCmpnt(IbisRoot* root, Cmpnt* item)        { return s_add(root, &IbisRoot::cmpnts, item, CMPNT_AddLink); }
-int IBIS_AddMdl(IbisRoot* root, Mdl* item)            { return s_add(root, &IbisRoot::mdls, item, MDL_AddLink); }
-int IBIS_AddExt(IbisRoot* root, Ext* item)            { return s_add(root, &IbisRoot::exts, item, EXT_AddLink); }
-int IBIS_AddSubMdl(IbisRoot* root, SubMdl* item)      { return s_add(root, &IbisRoot::subMdls, item, SUBMDL_AddLink); }
-int IBIS_AddPkgMdl(IbisRoot* root, PkgMdl* item)      { return s_add(root, &IbisRoot::pkgMdls, item, PKGMDL_AddLink); }
-int IBIS_AddEbdMdl(IbisRoot* root, EbdMdl* item)      { return s_add(root, &IbisRoot::ebdMdls, item, EBDMDL_AddLink); }
-int IBIS_AddMsel(IbisRoot* root, Msel* item)          { return s_add(root, &IbisRoot::msels, item, MSEL_AddLink); }
-int IBIS_AddTestData(IbisRoot* root, TestData* item)  { return s_add(root, &IbisRoot::testData, item, TESTDATA_AddLink); }
-int IBIS_AddTestLoad(IbisRoot* root, TestLoad* item)  { return s_add(root, &IbisRoot::testLoads, item, TESTLOAD_AddLink); }
+int IBIS_AddHdr(IbisRoot* root, Hdr* item)            { return s_add(root, &IbisRoot::hdrs, item); }
+int IBIS_AddCmpnt(IbisRoot* root, Cmpnt* item)        { return s_add(root, &IbisRoot::cmpnts, item); }
+int IBIS_AddMdl(IbisRoot* root, Mdl* item)            { return s_add(root, &IbisRoot::mdls, item); }
+int IBIS_AddExt(IbisRoot* root, Ext* item)            { return s_add(root, &IbisRoot::exts, item); }
+int IBIS_AddSubMdl(IbisRoot* root, SubMdl* item)      { return s_add(root, &IbisRoot::subMdls, item); }
+int IBIS_AddPkgMdl(IbisRoot* root, PkgMdl* item)      { return s_add(root, &IbisRoot::pkgMdls, item); }
+int IBIS_AddEbdMdl(IbisRoot* root, EbdMdl* item)      { return s_add(root, &IbisRoot::ebdMdls, item); }
+int IBIS_AddMsel(IbisRoot* root, Msel* item)          { return s_add(root, &IbisRoot::msels, item); }
+int IBIS_AddTestData(IbisRoot* root, TestData* item)  { return s_add(root, &IbisRoot::testData, item); }
+int IBIS_AddTestLoad(IbisRoot* root, TestLoad* item)  { return s_add(root, &IbisRoot::testLoads, item); }
 
 int IBIS_GetHdrs(IbisRoot* root, Hdr** head)          { return s_get(root, &IbisRoot::hdrs, head); }
 int IBIS_GetCmpnts(IbisRoot* root, Cmpnt** head)      { return s_get(root, &IbisRoot::cmpnts, head); }

@@ -2,7 +2,6 @@
 #include "IbisParser/ext.h"
 
 #include "IbisParser/errlog.h"
-#include "IbisParser/nml.h"
 #include "IbisParser/read/component/cmpnt.h"
 #include "IbisParser/read/model/ext.h"
 

@@ -12,7 +12,6 @@
 #include "IbisParser/cmn.h"
 #include "IbisParser/cmpnt.h"
 #include "IbisParser/errlog.h"
-#include "IbisParser/nml.h"
 #include "IbisParser/parse.h"
 #include "IbisParser/store/section.h"
 
