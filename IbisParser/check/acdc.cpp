@@ -163,7 +163,7 @@ int acdc_CheckAllSubModels(const SubMdl* submodels)
     IbisRoot* root = nullptr;
     Mdl* models = nullptr;
     if (IBIS_GetIBIS(&root)) IBIS_GetMdls(root, &models);
-    IdxTable users = {nullptr, 0, 0};
+    SecScopedIndex users;
     s_indexUsers(models, &users);
     for (const SubMdl* submodel : SecFileOrder<const SubMdl>(submodels)) {
         const Mdl* model = static_cast<const Mdl*>(IDX_FindName(&users, submodel->name));
@@ -175,6 +175,5 @@ int acdc_CheckAllSubModels(const SubMdl* submodels)
             ERRLOG_NoteNew(2438, submodel->name);
         }
     }
-    IDX_Clear(&users);
     return 1;
 }

@@ -19,7 +19,7 @@ struct AssemblyFile {
     AssemblyFile* next;
     char* name;  // as the map has it
     int type;
-    int exists;
+    bool exists;
     IbisRoot* root;  // null unless it was read
     int depth;       // boards around it
     IdxTable parts;  // components or boards by name
@@ -35,24 +35,40 @@ struct WaitingBoard {
 // The whole assembly. Files are kept until the end of the test, so that a board used in many places
 // is looked into again without being read again.
 struct Assembly {
-    int deep;
-    AssemblyFile* files;  // newest first
-    IdxTable byName;
-    WaitingBoard* first;
-    WaitingBoard* last;
+    explicit Assembly(int isDeep) : deep(isDeep != 0) {}
+    ~Assembly();
+    Assembly(const Assembly&) = delete;
+    Assembly& operator=(const Assembly&) = delete;
+
+    bool deep;
+    AssemblyFile* files = nullptr;  // newest first
+    SecScopedIndex byName;
+    WaitingBoard* first = nullptr;
+    WaitingBoard* last = nullptr;
 };
+
+Assembly::~Assembly()
+{
+    SEC_FreeList(files, [](AssemblyFile* file) {
+        if (file->root != nullptr && file->depth > 0) IBIS_Free(file->root);
+        IDX_Clear(&file->parts);
+        SEC_FreeText(&file->name);
+        SEC_FreeRecord(file);
+    });
+    SEC_FreeList(first, SEC_FreeRecord<WaitingBoard>);
+}
 
 // The nodes of a board by designator: heads has a link for each row of the map. A link is the place
 // of a node from 1, 0 ends a chain.
 struct NodeLink {
     const SectItem* node;
-    int next;
+    std::size_t next;
 };
 struct BoardNodes {
-    NodeLink* links;
-    int* heads;
-    int* tails;
-    int count;
+    SecArray<NodeLink> links;
+    SecArray<std::size_t> heads;
+    SecArray<std::size_t> tails;
+    std::size_t count;
 };
 
 static void s_wait(Assembly* assembly, const EbdMdl* board, int depth)
@@ -79,7 +95,7 @@ static void s_indexParts(AssemblyFile* file, Record* head)
 }
 
 // As the reader opens files: the name as it is, in lower case, in upper case.
-static int s_exists(char* path)
+static bool s_exists(char* path)
 {
     static void (*const changes[])(char*) = {nullptr, CMN_ConvertToLower, CMN_ConvertToUpper};
     for (void (*change)(char*) : changes) {
@@ -87,9 +103,9 @@ static int s_exists(char* path)
         std::FILE* stream = SEC_OpenFile(path);
         if (stream == nullptr) continue;
         std::fclose(stream);
-        return 1;
+        return true;
     }
-    return 0;
+    return false;
 }
 
 // "name" in the folder of the board file; owned.
@@ -103,17 +119,11 @@ static char* s_pathOf(const char* name)
     return path;
 }
 
-static void s_freeText(char* text)
-{
-    void* block = text;
-    if (block != nullptr) CMN_freeSetNull(&block);
-}
-
 // Reads a file in the middle of the check of another one.
-static int s_parse(const char* path, int type)
+static bool s_parse(const char* path, int type)
 {
     const PositionKeeper position;
-    const int isRead = PARSE(path, type);
+    const bool isRead = PARSE(path, type) != 0;
     EBDMDL_Close();
     return isRead;
 }
@@ -165,8 +175,8 @@ static const AssemblyFile* s_getFile(Assembly* assembly, const char* name, int d
         file->exists = s_exists(probe);
         if (file->exists && assembly->deep) s_read(assembly, file, path);
     }
-    s_freeText(probe);
-    s_freeText(path);
+    SEC_FreeText(&probe);
+    SEC_FreeText(&path);
     return file;
 }
 
@@ -178,7 +188,7 @@ static bool s_hasPin(const AssemblyFile* file, const void* part, const char* pin
 }
 
 static void s_lookUp(Assembly* assembly, const WaitingBoard* waiting, const RefDes* row,
-                     const BoardNodes* nodes)
+                     const BoardNodes* nodes, std::size_t head)
 {
     if (row->file == nullptr || REFDES_FileType(row->file) == 0) return;
     const char* boardName = waiting->board->name;
@@ -195,34 +205,19 @@ static void s_lookUp(Assembly* assembly, const WaitingBoard* waiting, const RefD
         ERRLOG_WarnNew(4506, boardName, kind, row->component, row->name);
         return;
     }
-    for (int link = nodes->heads[row->index]; link != 0; link = nodes->links[link - 1].next) {
+    for (std::size_t link = head; link != 0; link = nodes->links[link - 1].next) {
         const char* pin = std::strchr(nodes->links[link - 1].node->text, '.') + 1;
         if (!s_hasPin(file, part, pin)) ERRLOG_WarnNew(4506, boardName, "pin", pin, row->name);
     }
 }
 
-static int s_countNodes(const EbdMdl* board)
+static std::size_t s_countNodes(const EbdMdl* board)
 {
-    int count = 0;
+    std::size_t count = 0;
     for (const EbdPath* path = board->paths; path != nullptr; path = path->next)
         for (const SectItem* item = path->path.head; item != nullptr; item = item->next)
             count += item->kind == SECT_NODE;
     return count;
-}
-
-template <typename T>
-static T* s_array(int count)
-{
-    const std::size_t size = static_cast<std::size_t>(count > 0 ? count : 1) * sizeof(T);
-    return static_cast<T*>(SEC_NewPart(1908, s_Module, __LINE__, size));
-}
-
-template <typename T>
-static void s_freeArray(T** array)
-{
-    void* block = *array;
-    if (block != nullptr) CMN_freeSetNull(&block);
-    *array = nullptr;
 }
 
 static void s_chainNode(const EbdMdl* board, BoardNodes* nodes, const SectItem* node)
@@ -234,7 +229,7 @@ static void s_chainNode(const EbdMdl* board, BoardNodes* nodes, const SectItem* 
     const RefDes* row = REFDES_Find(board, name);
     if (row == nullptr) return;
     nodes->links[nodes->count++] = {node, 0};
-    int* tail = &nodes->tails[row->index];
+    std::size_t* tail = &nodes->tails[row->index];
     (*tail == 0 ? nodes->heads[row->index] : nodes->links[*tail - 1].next) = nodes->count;
     *tail = nodes->count;
 }
@@ -242,43 +237,31 @@ static void s_chainNode(const EbdMdl* board, BoardNodes* nodes, const SectItem* 
 static void s_testBoard(Assembly* assembly, const WaitingBoard* waiting)
 {
     const EbdMdl* board = waiting->board;
-    BoardNodes nodes = {s_array<NodeLink>(s_countNodes(board)), s_array<int>(board->refDesCount),
-                        s_array<int>(board->refDesCount), 0};
-    if (nodes.links != nullptr && nodes.heads != nullptr && nodes.tails != nullptr) {
-        for (const EbdPath* path = board->paths; path != nullptr; path = path->next)
-            for (const SectItem* item = path->path.head; item != nullptr; item = item->next)
-                if (item->kind == SECT_NODE) s_chainNode(board, &nodes, item);
-        for (const RefDes* row = board->map; row != nullptr; row = row->next) {
-            if (waiting->depth == 0 && nodes.heads[row->index] == 0)
-                ERRLOG_WarnNew(4505, board->name, row->name);
-            s_lookUp(assembly, waiting, row, &nodes);
-        }
+    const auto designators = static_cast<std::size_t>(board->refDesCount);
+    BoardNodes nodes = {SecArray<NodeLink>(s_countNodes(board)), SecArray<std::size_t>(designators),
+                        SecArray<std::size_t>(designators), 0};
+    if (!nodes.links || !nodes.heads || !nodes.tails) {
+        ERRLOG_BugNew(1908, s_Module, __LINE__);
+        return;
     }
-    s_freeArray(&nodes.links);
-    s_freeArray(&nodes.heads);
-    s_freeArray(&nodes.tails);
-}
-
-static void s_freeAssembly(Assembly* assembly)
-{
-    SEC_FreeList(assembly->files, [](AssemblyFile* file) {
-        if (file->root != nullptr && file->depth > 0) IBIS_Free(file->root);
-        IDX_Clear(&file->parts);
-        s_freeText(file->name);
-        SEC_FreeRecord(file);
-    });
-    SEC_FreeList(assembly->first, SEC_FreeRecord<WaitingBoard>);
-    IDX_Clear(&assembly->byName);
+    for (const EbdPath* path = board->paths; path != nullptr; path = path->next)
+        for (const SectItem* item = path->path.head; item != nullptr; item = item->next)
+            if (item->kind == SECT_NODE) s_chainNode(board, &nodes, item);
+    for (const RefDes* row = board->map; row != nullptr; row = row->next) {
+        const std::size_t head = nodes.heads[row->index];
+        if (waiting->depth == 0 && head == 0) ERRLOG_WarnNew(4505, board->name, row->name);
+        s_lookUp(assembly, waiting, row, &nodes, head);
+    }
 }
 
 int REFDES_Test(const EbdMdl* boards, int deep)
 {
-    Assembly assembly = {deep, nullptr, {nullptr, 0, 0}, nullptr, nullptr};
+    Assembly assembly(deep);
     // A board that uses its own file must not read it again.
     AssemblyFile* self = s_newFile(&assembly, gsFileName);
     IbisRoot* root = nullptr;
     if (self != nullptr && IBIS_GetIBIS(&root)) {
-        self->exists = 1;
+        self->exists = true;
         self->root = deep ? root : nullptr;
         s_indexParts(self, root->ebdMdls);
     }
@@ -286,6 +269,5 @@ int REFDES_Test(const EbdMdl* boards, int deep)
         s_wait(&assembly, board, 0);
     for (const WaitingBoard* item = assembly.first; item != nullptr; item = item->next)
         s_testBoard(&assembly, item);
-    s_freeAssembly(&assembly);
     return 1;
 }

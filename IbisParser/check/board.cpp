@@ -15,8 +15,8 @@
 // What the paths of one board share.
 struct NodeCheck {
     const EbdMdl* board;
-    IdxTable owners;  // first path of each node
-    SecSet unmapped;  // designators that were reported
+    SecScopedIndex owners;  // first path of each node
+    SecScopedSet unmapped;  // designators that were reported
     bool hasNodes;
 };
 
@@ -44,7 +44,7 @@ static void s_testBoard(const EbdMdl* board)
     for (const EbdPin* pin = board->pins; pin != nullptr; pin = pin->next)
         if (pin->kind == EBDPIN_SIGNAL && pin->path == nullptr)
             ERRLOG_ErrorNew(4335, board->name, pin->name);
-    NodeCheck check = {board, {nullptr, 0, 0}, {}, false};
+    NodeCheck check = {board, {}, {}, false};
     for (EbdPath* path = board->paths; path != nullptr; path = path->next) {
         bool hasNode = false;
         for (const SectItem* item = path->path.head; item != nullptr; item = item->next) {
@@ -56,8 +56,6 @@ static void s_testBoard(const EbdMdl* board)
     }
     if (check.hasNodes && board->map == nullptr) ERRLOG_ErrorNew(4338, board->name);
     if (board->paths == nullptr && EBDMDL_HasNoSignal(board)) ERRLOG_NoteNew(4341, board->name);
-    IDX_Clear(&check.owners);
-    SEC_SetClear(&check.unmapped);
 }
 
 int EBDMDL_TestList(EbdMdl* boards, int deep)

@@ -3,18 +3,32 @@
 #define IBISPARSER_CHECK_COMPANIONS_H
 
 #include "IbisParser/pkgmdl.h"
+#include "IbisParser/store/section.h"
 
-// Where package models are looked for: the document, then a package file of the model's name. Each
-// file is read once.
-struct PkgFinder;
 enum PkgWhere { PKG_NO_FILE, PKG_NOT_IN_FILE, PKG_FOUND };
 struct PkgPlace {
     PkgWhere where;
     const PkgMdl* package;         // when found
     char fileName[SIZE_NAME + 5];  // of the package file, without its folder
 };
-PkgFinder* PKGFINDER_New(const PkgMdl* packages);
-void PKGFINDER_Free(PkgFinder* finder);
+
+// Where package models are looked for: the document, then a package file of the model's name. Each
+// file is read once.
+struct PkgFile;
+struct PkgName;
+struct PkgFinder {
+    explicit PkgFinder(const PkgMdl* packages);
+    ~PkgFinder();
+    PkgFinder(const PkgFinder&) = delete;
+    PkgFinder& operator=(const PkgFinder&) = delete;
+
+    SecScopedIndex document;  // its package models by name
+    PkgFile* files = nullptr;
+    SecScopedIndex fileIndex;
+    bool wasScanned = false;   // the folder
+    PkgName* names = nullptr;  // what the files of the folder define
+    SecScopedIndex nameIndex;
+};
 PkgPlace PKGFINDER_Find(PkgFinder* finder, const char* name);
 
 #endif

@@ -16,8 +16,8 @@ static const char s_Module[] = "IbisParser/pkgfinder";
 struct PkgFile {
     PkgFile* next;
     char* name;  // owned, without the folder
-    int wasFound;
-    int wasRead;
+    bool wasFound;
+    bool wasRead;
     PkgMdl* packages;
     IdxTable byName;  // of the packages
 };
@@ -29,22 +29,13 @@ struct PkgName {
     PkgFile* file;
 };
 
-struct PkgFinder {
-    IdxTable document;  // its package models by name
-    PkgFile* files;
-    IdxTable fileIndex;
-    int wasScanned;  // the folder
-    PkgName* names;
-    IdxTable nameIndex;
-};
-
-// The path of a file in the folder; 0 when it is too long or no plain file (a pipe that nobody
+// The path of a file in the folder; false when it is too long or no plain file (a pipe that nobody
 // writes to would be waited for).
-static int s_path(const char* name, char path[CMN_PATH_MAX + 1])
+static bool s_path(const char* name, char path[CMN_PATH_MAX + 1])
 {
     CMN_GetIbsPath(path);
     const std::size_t length = std::strlen(path);
-    if (length + std::strlen(name) > CMN_PATH_MAX) return 0;
+    if (length + std::strlen(name) > CMN_PATH_MAX) return false;
     CMN_strncpy(path + length, name, CMN_PATH_MAX - length);
     std::error_code error;
     return std::filesystem::is_regular_file(path, error);
@@ -66,7 +57,7 @@ static void s_readFile(PkgFile* file)
     char path[CMN_PATH_MAX + 1];
     IbisRoot* root = nullptr;
     if (file->wasRead || !s_path(file->name, path)) return;
-    file->wasRead = 1;
+    file->wasRead = true;
     if (!IBIS_New() || !IBIS_GetIBIS(&root)) return;
     const PositionKeeper position;
     PARSE(path, FILE_PKG);
@@ -137,9 +128,9 @@ static void s_scanFile(PkgFinder* finder, PkgFile* file)
     std::FILE* stream = s_path(file->name, line) ? CMN_fopen(line, "r") : nullptr;
     if (stream == nullptr) return;
     char comment = '|';
-    int isStart = 1;  // of a line; longer ones come in pieces
+    bool isStart = true;  // of a line; longer ones come in pieces
     while (std::fgets(line, sizeof line, stream) != nullptr) {
-        const int isLast = std::strchr(line, '\n') != nullptr;
+        const bool isLast = std::strchr(line, '\n') != nullptr;
         if (isStart) s_scanLine(finder, file, line, &comment);
         isStart = isLast;
     }
@@ -182,7 +173,7 @@ static void s_listFolder(PkgFolder* folder)
 
 static void s_scanFolder(PkgFinder* finder)
 {
-    finder->wasScanned = 1;
+    finder->wasScanned = true;
     PkgFolder folder = {nullptr, 0, 0};
     try {
         s_listFolder(&folder);
@@ -215,22 +206,15 @@ static const PkgMdl* s_inFile(PkgFile* file, const char* name)
     return static_cast<const PkgMdl*>(IDX_FindName(&file->byName, name));
 }
 
-PkgFinder* PKGFINDER_New(const PkgMdl* packages)
+PkgFinder::PkgFinder(const PkgMdl* packages)
 {
-    PkgFinder* finder =
-        static_cast<PkgFinder*>(SEC_NewPart(1908, s_Module, __LINE__, sizeof(PkgFinder)));
-    if (finder != nullptr) s_index(&finder->document, packages);
-    return finder;
+    s_index(&document, packages);
 }
 
-void PKGFINDER_Free(PkgFinder* finder)
+PkgFinder::~PkgFinder()
 {
-    if (finder == nullptr) return;
-    SEC_FreeList(finder->files, s_free);
-    SEC_FreeList(finder->names, SEC_FreeRecord<PkgName>);
-    for (IdxTable* index : {&finder->document, &finder->fileIndex, &finder->nameIndex})
-        IDX_Clear(index);
-    SEC_FreeRecord(finder);
+    SEC_FreeList(files, s_free);
+    SEC_FreeList(names, SEC_FreeRecord<PkgName>);
 }
 
 PkgPlace PKGFINDER_Find(PkgFinder* finder, const char* name)

@@ -8,7 +8,7 @@
 static void s_testPin(const Cmpnt* component, const Pin* pin, const CmpntNames& names)
 {
     const Mdl* model = names.Model(pin->model);
-    const int isSelector = names.Selector(pin->model) != nullptr;
+    const bool isSelector = names.Selector(pin->model) != nullptr;
     if (model == nullptr && !isSelector)
         ERRLOG_ErrorNew(530, component->name, pin->name, pin->model);
     else if (model != nullptr && isSelector)
@@ -53,8 +53,8 @@ static void s_testEmi(const Cmpnt* component)
 {
     if (component->emi == nullptr) return;
     const CmpntEmi* emi = component->emi;
-    SecSet listed = {};
-    SecSet used = {};
+    SecScopedSet listed;
+    SecScopedSet used;
     long sum = 0;
     for (const EmiPinDomain* domain = emi->domains; domain != nullptr; domain = domain->next) {
         SEC_SetAdd(&listed, domain->name);
@@ -69,34 +69,29 @@ static void s_testEmi(const Cmpnt* component)
     }
     for (const EmiPinDomain* domain = emi->domains; domain != nullptr; domain = domain->next)
         if (SEC_SetAdd(&used, domain->name)) ERRLOG_WarnNew(818, component->name, domain->name);
-    SEC_SetClear(&listed);
-    SEC_SetClear(&used);
 }
 
 int CMPNT_TestList(Cmpnt* components, Ext* externals, Mdl* models)
 {
     CMPNT_Close();
     IbisRoot* root = nullptr;
-    PkgFinder* finder = IBIS_GetIBIS(&root) ? PKGFINDER_New(root->pkgMdls) : nullptr;
-    if (finder == nullptr) return 0;
-    {
-        const CmpntNames names(models, root->msels);
-        const SecNameIndex<const Ext> circuits(externals);
-        for (Ext* item = externals; item != nullptr; item = item->next)
-            EXT_FindWired(item);
-        for (const Cmpnt* component : SecFileOrder<const Cmpnt>(components)) {
-            s_testPins(component, names);
-            s_testLocations(component);
-            PINMAP_Test(component, names);
-            DIFFPIN_Test(component, names);
-            SERMAP_Test(component, names);
-            APKG_Test(component, finder);
-            PACKAGE_Test(component, finder);
-            CIRCUIT_Test(component, circuits);
-            s_testEmi(component);
-        }
-        EXT_TestList(externals, components);
+    if (!IBIS_GetIBIS(&root)) return 0;
+    PkgFinder finder(root->pkgMdls);
+    const CmpntNames names(models, root->msels);
+    const SecNameIndex<const Ext> circuits(externals);
+    for (Ext* item = externals; item != nullptr; item = item->next)
+        EXT_FindWired(item);
+    for (const Cmpnt* component : SecFileOrder<const Cmpnt>(components)) {
+        s_testPins(component, names);
+        s_testLocations(component);
+        PINMAP_Test(component, names);
+        DIFFPIN_Test(component, names);
+        SERMAP_Test(component, names);
+        APKG_Test(component, &finder);
+        PACKAGE_Test(component, &finder);
+        CIRCUIT_Test(component, circuits);
+        s_testEmi(component);
     }
-    PKGFINDER_Free(finder);
+    EXT_TestList(externals, components);
     return 1;
 }

@@ -11,8 +11,8 @@ void PINMAP_Test(const Cmpnt* component, const CmpntNames& names);
 void DIFFPIN_Test(const Cmpnt* component, const CmpntNames& names);
 void SERMAP_Test(const Cmpnt* component, const CmpntNames& names);
 void APKG_Test(const Cmpnt* component, PkgFinder* finder);
-// 1 when the package model that the component names is found, or it names none.
-int PACKAGE_Test(const Cmpnt* component, PkgFinder* finder);
+// True when the package model that the component names is found, or it names none.
+bool PACKAGE_Test(const Cmpnt* component, PkgFinder* finder);
 void CIRCUIT_Test(const Cmpnt* component, const SecNameIndex<const Ext>& externals);
 
 #endif

@@ -7,7 +7,7 @@
 
 // [Pin Mapping].
 
-static int s_hasBus(const PinMap* row, int column)
+static bool s_hasBus(const PinMap* row, int column)
 {
     return row->bus[column][0] != '\0' && !CMN_StrSameIC(row->bus[column], "NC");
 }
@@ -26,7 +26,7 @@ static void s_testSupply(const Cmpnt* component, const Pin* pin, int ownColumn, 
     const PinMap* row = pin->mapping;
     const int buses = s_countBuses(row);
     if (buses == 1 && s_hasBus(row, ownColumn)) return;
-    const int isSwapped = buses == 1 && s_hasBus(row, otherColumn);
+    const bool isSwapped = buses == 1 && s_hasBus(row, otherColumn);
     if (pin->kind == PIN_GND && isSwapped)
         ERRLOG_WarnNew(1311, component->name, pin->name);
     else if (pin->kind == PIN_GND)
@@ -37,16 +37,16 @@ static void s_testSupply(const Cmpnt* component, const Pin* pin, int ownColumn, 
         ERRLOG_ErrorNew(1312, component->name, pin->name);
 }
 
-static int s_carriesCurrent(const Vitbl* table)
+static bool s_carriesCurrent(const Vitbl* table)
 {
     return table != nullptr && table->carries;
 }
 
 // The supplies that a model draws on, one for each column.
-static void s_findNeeds(const Mdl* model, const PinMap* row, int needs[PINMAP_COLUMNS])
+static void s_findNeeds(const Mdl* model, const PinMap* row, bool needs[PINMAP_COLUMNS])
 {
     const MdlTypeInfo* type = MDL_TypeInfo(model->type);
-    const int isEcl = type != nullptr && type->ecl;
+    const bool isEcl = type != nullptr && type->ecl;
     const int pulldown = isEcl ? PINMAP_PULLUP : PINMAP_PULLDOWN;
     // Without a column of their own, clamps work on the buses of the drivers.
     const int gndClamp = row->bus[PINMAP_GND_CLAMP][0] != '\0' ? PINMAP_GND_CLAMP : PINMAP_PULLDOWN;
@@ -54,7 +54,7 @@ static void s_findNeeds(const Mdl* model, const PinMap* row, int needs[PINMAP_CO
         row->bus[PINMAP_POWER_CLAMP][0] != '\0' ? PINMAP_POWER_CLAMP : PINMAP_PULLUP;
     const struct {
         int column;
-        int isUsed;
+        bool isUsed;
     } uses[] = {
         {PINMAP_PULLUP, s_carriesCurrent(model->pullup) || model->Rpower != nullptr},
         {pulldown, s_carriesCurrent(model->pulldown)},
@@ -69,7 +69,7 @@ static void s_findNeeds(const Mdl* model, const PinMap* row, int needs[PINMAP_CO
 
 static void s_testNeeds(const Cmpnt* component, const Pin* pin, const Mdl* model)
 {
-    int needs[PINMAP_COLUMNS] = {};
+    bool needs[PINMAP_COLUMNS] = {};
     s_findNeeds(model, pin->mapping, needs);
     for (int i = 0; i < PINMAP_COLUMNS; ++i)
         if (needs[i] && !s_hasBus(pin->mapping, i))
@@ -79,8 +79,8 @@ static void s_testNeeds(const Cmpnt* component, const Pin* pin, const Mdl* model
 // A bus must be fed by a supply pin; told once for each bus.
 static void s_testBuses(const Cmpnt* component)
 {
-    SecSet fed = {};
-    SecSet told = {};
+    SecScopedSet fed;
+    SecScopedSet told;
     for (const Pin* pin = component->pins; pin != nullptr; pin = pin->next)
         if (pin->mapping != nullptr && (pin->kind == PIN_POWER || pin->kind == PIN_GND))
             for (const auto& bus : pin->mapping->bus)
@@ -95,8 +95,6 @@ static void s_testBuses(const Cmpnt* component)
             if (s_hasBus(pin->mapping, i) && !SEC_SetHas(&fed, bus) && SEC_SetAdd(&told, bus))
                 ERRLOG_ErrorNew(1310, component->name, bus);
         }
-    SEC_SetClear(&fed);
-    SEC_SetClear(&told);
 }
 
 void PINMAP_Test(const Cmpnt* component, const CmpntNames& names)
@@ -159,7 +157,7 @@ static void s_testSeries(const Cmpnt* component, const SerMap* row, const CmpntN
         return;
     }
     if (model->type == MDL_TYPE_UNSET) return;
-    const int hasGroup = row->group[0] != '\0';
+    const bool hasGroup = row->group[0] != '\0';
     if (model->type != MDL_SERIES && model->type != MDL_SERIES_SWITCH)
         ERRLOG_ErrorNew(1717, component->name, row->model, row->name, CMPNT_TypeName(model));
     else if (model->type == MDL_SERIES_SWITCH && !hasGroup)
@@ -172,8 +170,8 @@ static void s_testSeries(const Cmpnt* component, const SerMap* row, const CmpntN
 
 void SERMAP_Test(const Cmpnt* component, const CmpntNames& names)
 {
-    SecSet used = {};
-    SecSet switched = {};
+    SecScopedSet used;
+    SecScopedSet switched;
     for (const SerMap* row = component->seriesPins; row != nullptr; row = row->next)
         if (row->group[0] != '\0') SEC_SetAdd(&used, row->group);
     for (const SerState* state = component->switchStates; state != nullptr; state = state->next)
@@ -185,6 +183,4 @@ void SERMAP_Test(const Cmpnt* component, const CmpntNames& names)
     for (const SerState* state = component->switchStates; state != nullptr; state = state->next)
         for (const SerGroup* group = state->groups; group != nullptr; group = group->next)
             if (SEC_SetAdd(&used, group->name)) ERRLOG_ErrorNew(1719, component->name, group->name);
-    SEC_SetClear(&used);
-    SEC_SetClear(&switched);
 }

@@ -13,7 +13,7 @@ static const double s_maxImpedance = 1000.0;
 // A pin's value beyond this factor of the package value is hardly meant.
 static const double s_maxFactor = 100.0;
 
-static int s_isSignal(const Pin* pin)
+static bool s_isSignal(const Pin* pin)
 {
     return pin->kind == PIN_MODEL || pin->kind == PIN_CIRCUITCALL;
 }
@@ -27,18 +27,18 @@ static void s_checkSignals(const Cmpnt* component)
         ERRLOG_ErrorNew(716, component->name);
 }
 
-static int s_isPositive(const RngSingle* cell)
+static bool s_isPositive(const RngSingle* cell)
 {
     return cell->state == CELL_NUMBER && cell->value > 0.0;
 }
 
-// 1 when the message was raised.
-static int s_checkImpedance(const char* owner, double L, double C)
+// True when the message was raised.
+static bool s_checkImpedance(const char* owner, double L, double C)
 {
     const double impedance = std::sqrt(L / C);
-    if (impedance >= s_minImpedance && impedance <= s_maxImpedance) return 0;
+    if (impedance >= s_minImpedance && impedance <= s_maxImpedance) return false;
     ERRLOG_WarnNew(717, owner, impedance);
-    return 1;
+    return true;
 }
 
 static void s_checkImpedances(const Cmpnt* component)
@@ -58,7 +58,7 @@ static void s_checkImpedances(const Cmpnt* component)
 static void s_checkSupplyNames(const Cmpnt* component)
 {
     for (const Pin* pin = component->pins; pin != nullptr; pin = pin->next) {
-        const int isNamedSupply =
+        const bool isNamedSupply =
             CMN_StrSameIC(pin->signal, "GND") || CMN_StrSameIC(pin->signal, "POWER");
         if (isNamedSupply && (pin->kind == PIN_MODEL || pin->kind == PIN_NC))
             ERRLOG_WarnNew(718, component->name, pin->name, pin->signal, pin->model);
@@ -68,8 +68,8 @@ static void s_checkSupplyNames(const Cmpnt* component)
 // A signal whose pins differ in their model; pins without a connection do not count.
 static void s_checkSignalModels(const Cmpnt* component)
 {
-    IdxTable first = {nullptr, 0, 0};
-    SecSet told = {};
+    SecScopedIndex first;
+    SecScopedSet told;
     for (Pin* pin = component->pins; pin != nullptr; pin = pin->next) {
         void** value = nullptr;
         if (pin->kind == PIN_NC || pin->kind == PIN_NA) continue;
@@ -82,8 +82,6 @@ static void s_checkSignalModels(const Cmpnt* component)
                  SEC_SetAdd(&told, pin->signal))
             ERRLOG_NoteNew(719, component->name, pin->signal, other->model, pin->model);
     }
-    IDX_Clear(&first);
-    SEC_SetClear(&told);
 }
 
 static void s_checkPinValues(const Cmpnt* component)

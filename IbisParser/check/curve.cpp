@@ -138,12 +138,11 @@ int CURVE_Sum(const CurvePart* parts, int count, int corner, int hold, Curve* ou
     CMN_ASSERT(out != nullptr && (parts != nullptr || count == 0));
     *out = {nullptr, 0, 0.0, 0.0};
     if (count == 0) return CURVE_NO_TABLE;
-    void* block = nullptr;
-    if (!CMN_malloc(&block, static_cast<size_t>(count) * sizeof(Curve))) {
+    const SecArray<Curve> curves(static_cast<std::size_t>(count));
+    if (!curves) {
         ERRLOG_BugNew(4700, s_Module, __LINE__);
         return CURVE_NO_MEMORY;
     }
-    Curve* curves = static_cast<Curve*>(block);
     int result = CURVE_BUILT;
     for (int k = 0; k < count && result == CURVE_BUILT; ++k) {
         result = CURVE_Prepare(parts[k].table, corner, hold && parts[k].clamp, &curves[k]);
@@ -160,7 +159,6 @@ int CURVE_Sum(const CurvePart* parts, int count, int corner, int hold, Curve* ou
     }
     for (int k = 0; k < count; ++k)
         CURVE_Free(&curves[k]);
-    CMN_freeSetNull(&block);
     return result;
 }
 

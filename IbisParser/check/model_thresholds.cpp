@@ -85,8 +85,8 @@ void checkSensitivity(const Mdl* model)
 void checkSupplies(const Mdl* model)
 {
     double pullup = 0.0, pulldown = 0.0, power = 0.0, ground = 0.0;
-    const int hasPullup = MDL_RefVoltage(model, MDL_REF_PULLUP, CORNER_TYP, &pullup);
-    const int hasPower = MDL_RefVoltage(model, MDL_REF_POWER_CLAMP, CORNER_TYP, &power);
+    const bool hasPullup = MDL_RefVoltage(model, MDL_REF_PULLUP, CORNER_TYP, &pullup) != 0;
+    const bool hasPower = MDL_RefVoltage(model, MDL_REF_POWER_CLAMP, CORNER_TYP, &power) != 0;
     const RngSingle& vth = model->thresholds->item[TH_VTH];
     if (!MDL_IsNumber(vth) || (!hasPullup && !hasPower) ||
         !MDL_RefVoltage(model, MDL_REF_PULLDOWN, CORNER_TYP, &pulldown) ||

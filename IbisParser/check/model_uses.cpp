@@ -17,11 +17,6 @@ enum Use { USE_PIN = 1, USE_SCHEDULE = 2, USE_OTHER = 4 };
 // Uses by name. The names belong to the records of the document.
 class Uses {
 public:
-    Uses() = default;
-    ~Uses() { IDX_Clear(&m_Names); }
-    Uses(const Uses&) = delete;
-    Uses& operator=(const Uses&) = delete;
-
     void Add(const char* name, Use use)
     {
         void** value = nullptr;
@@ -39,7 +34,7 @@ private:
     }
 
     inline static char bits[8] = {};
-    IdxTable m_Names = {nullptr, 0, 0};
+    SecScopedIndex m_Names;
     int m_All = 0;
 };
 

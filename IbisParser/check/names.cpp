@@ -22,14 +22,13 @@ int NML_CheckUnique(const void* head, size_t nameOffset, size_t nextOffset, cons
     std::size_t count = 0;
     for (const void* record = head; record != nullptr; record = nextOf(record))
         ++count;
-    void* block = nullptr;
-    if (count < 2 || !CMN_malloc(&block, count * sizeof(char*))) return count < 2;
-
-    const char** names = static_cast<const char**>(block);
+    if (count < 2) return 1;
+    const SecArray<const char*> names(count);
+    if (!names) return 0;
     std::size_t place = count;
     for (const void* record = head; record != nullptr; record = nextOf(record))
         names[--place] = nameOf(record);
-    IdxTable known = {nullptr, 0, 0};
+    SecScopedIndex known;
     int unique = 1;
     for (std::size_t i = 0; i < count; ++i) {
         void** value = nullptr;
@@ -38,10 +37,8 @@ int NML_CheckUnique(const void* head, size_t nameOffset, size_t nextOffset, cons
             ERRLOG_ErrorNew(3600, kindText, names[i]);
             unique = 0;
         }
-        *value = block;
+        *value = names.Get();
     }
-    IDX_Clear(&known);
-    CMN_freeSetNull(&block);
     return unique;
 }
 
@@ -49,13 +46,8 @@ int NML_CheckUnique(const void* head, size_t nameOffset, size_t nextOffset, cons
 static const char s_none = 0;
 
 CmpntNames::CmpntNames(const Mdl* models, const Msel* selectors)
-    : m_Models(models), m_Selectors(selectors), m_Defaults{nullptr, 0, 0}
+    : m_Models(models), m_Selectors(selectors)
 {
-}
-
-CmpntNames::~CmpntNames()
-{
-    IDX_Clear(&m_Defaults);
 }
 
 const Mdl* CmpntNames::Resolve(const char* name) const
@@ -115,12 +107,7 @@ MdlPairs::MdlPairs(IbisRoot* root)
             }
 }
 
-MdlPairs::~MdlPairs()
-{
-    IDX_Clear(&m_Names);
-}
-
-int MdlPairs::Has(const char* model) const
+bool MdlPairs::Has(const char* model) const
 {
     return IDX_FindName(&m_Names, model) != nullptr;
 }

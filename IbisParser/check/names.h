@@ -12,9 +12,6 @@
 class CmpntNames {
 public:
     CmpntNames(const Mdl* models, const Msel* selectors);
-    ~CmpntNames();
-    CmpntNames(const CmpntNames&) = delete;
-    CmpntNames& operator=(const CmpntNames&) = delete;
 
     const Mdl* Model(const char* name) const { return m_Models.Find(name); }
     const Msel* Selector(const char* name) const { return m_Selectors.Find(name); }
@@ -26,7 +23,7 @@ private:
     SecNameIndex<const Msel> m_Selectors;
     const Mdl* Find(const char* name) const;
 
-    mutable IdxTable m_Defaults;               // models of the selectors, as they are found
+    mutable SecScopedIndex m_Defaults;         // models of the selectors, as they are found
     mutable const char* m_LastName = nullptr;  // neighbouring pins mostly share a model
     mutable const Mdl* m_Last = nullptr;
 };
@@ -38,13 +35,10 @@ const char* CMPNT_TypeName(const Mdl* model);
 class MdlPairs {
 public:
     explicit MdlPairs(IbisRoot* root);
-    ~MdlPairs();
-    MdlPairs(const MdlPairs&) = delete;
-    MdlPairs& operator=(const MdlPairs&) = delete;
-    int Has(const char* model) const;
+    bool Has(const char* model) const;
 
 private:
-    IdxTable m_Names = {nullptr, 0, 0};
+    SecScopedIndex m_Names;
 };
 
 #endif

@@ -25,9 +25,9 @@ static void s_comparePins(const Cmpnt* component, const PkgMdl* package)
     if (supplies > 0) ERRLOG_NoteNew(536, component->name, supplies, package->name);
 }
 
-int PACKAGE_Test(const Cmpnt* component, PkgFinder* finder)
+bool PACKAGE_Test(const Cmpnt* component, PkgFinder* finder)
 {
-    if (component->packageModel[0] == '\0') return 1;
+    if (component->packageModel[0] == '\0') return true;
     const PkgPlace place = PKGFINDER_Find(finder, component->packageModel);
     if (place.where == PKG_NO_FILE)
         ERRLOG_WarnNew(533, component->name, component->packageModel, place.fileName);
@@ -42,18 +42,16 @@ int CMPNT_TestPkgMdl(const Cmpnt* component)
 {
     CMN_ASSERT(component != nullptr);
     IbisRoot* root = nullptr;
-    PkgFinder* finder = IBIS_GetIBIS(&root) ? PKGFINDER_New(root->pkgMdls) : nullptr;
-    if (finder == nullptr) return 0;
-    const int done = PACKAGE_Test(component, finder);
-    PKGFINDER_Free(finder);
-    return done;
+    if (!IBIS_GetIBIS(&root)) return 0;
+    PkgFinder finder(root->pkgMdls);
+    return PACKAGE_Test(component, &finder);
 }
 
 void APKG_Test(const Cmpnt* component, PkgFinder* finder)
 {
     const Apkg* first = component->alternates;
     if (first == nullptr) return;
-    int hasDefault = 0;
+    bool hasDefault = false;
     for (const Apkg* item = first; item != nullptr; item = item->next)
         hasDefault = hasDefault || std::strcmp(item->name, component->packageModel) == 0;
     if (!hasDefault && component->packageModel[0] != '\0')
@@ -70,7 +68,7 @@ int PKGMDL_TestList(PkgMdl* packages)
     NML_CheckUnique(packages, offsetof(PkgMdl, name), offsetof(PkgMdl, next), "Package Model");
     IbisRoot* root = nullptr;
     if (!IBIS_GetIBIS(&root) || root->cmpnts == nullptr) return 1;
-    SecSet used = {};
+    SecScopedSet used;
     for (const Cmpnt* component = root->cmpnts; component != nullptr; component = component->next) {
         SEC_SetAdd(&used, component->packageModel);
         for (const Apkg* row = component->alternates; row != nullptr; row = row->next)
@@ -78,6 +76,5 @@ int PKGMDL_TestList(PkgMdl* packages)
     }
     for (const PkgMdl* package : SecFileOrder<PkgMdl>(packages))
         if (!SEC_SetHas(&used, package->name)) ERRLOG_WarnNew(2331, package->name);
-    SEC_SetClear(&used);
     return 1;
 }

@@ -11,7 +11,7 @@ static const char s_Module[] = "IbisParser/ext";
 void EXT_FindWired(Ext* item)
 {
     CMN_ASSERT(item != nullptr);
-    SecSet inside = {};
+    SecScopedSet inside;
     for (const ExtConversion* row = item->conversions; row != nullptr; row = row->next)
         for (const char* name : {row->digital, row->port1, row->port2})
             SEC_SetAdd(&inside, name);
@@ -22,7 +22,6 @@ void EXT_FindWired(Ext* item)
             link = &port->nextWired;
         }
     *link = nullptr;
-    SEC_SetClear(&inside);
 }
 
 static void s_testFiles(const char* keyword, const Ext* item)
@@ -44,7 +43,7 @@ int EXT_TestList(Ext* externals, const Cmpnt* components)
 {
     EXT_CloseCircuit();
     NML_CheckUnique(externals, offsetof(Ext, name), offsetof(Ext, next), "External Circuit");
-    SecSet called = {};
+    SecScopedSet called;
     for (; components != nullptr; components = components->next)
         for (const Circuit* call = components->calls; call != nullptr; call = call->next)
             SEC_SetAdd(&called, call->name);
@@ -54,7 +53,6 @@ int EXT_TestList(Ext* externals, const Cmpnt* components)
         if (item->name[0] != '\0' && !SEC_SetHas(&called, item->name))
             ERRLOG_WarnNew(3718, item->name);
     }
-    SEC_SetClear(&called);
     return 1;
 }
 
@@ -71,15 +69,15 @@ int EXT_MdlTest(const Mdl* model)
 // What a component's calls use, and what was told of them.
 struct CallUse {
     const Cmpnt* component;
-    SecSet nodes;  // declared
-    SecSet used;   // nodes and pins
-    SecSet told;   // pins
+    SecScopedSet nodes;  // declared
+    SecScopedSet used;   // nodes and pins
+    SecScopedSet told;   // pins
 };
 
 static void s_usePin(CallUse* use, const Pin* pin)
 {
     SEC_SetAdd(&use->used, pin->name);
-    const int isFree =
+    const bool isFree =
         pin->kind == PIN_CIRCUITCALL || pin->kind == PIN_POWER || pin->kind == PIN_GND;
     if (!isFree && SEC_SetAdd(&use->told, pin->name))
         ERRLOG_ErrorNew(3717, use->component->name, pin->name, pin->model);
@@ -87,7 +85,7 @@ static void s_usePin(CallUse* use, const Pin* pin)
 
 static void s_testPorts(CallUse* use, const Circuit* call, const Ext* circuit)
 {
-    SecSet mapped = {};
+    SecScopedSet mapped;
     for (const CircuitPort* port = call->ports; port != nullptr; port = port->next) {
         SEC_SetAdd(&mapped, port->port);
         if (circuit != nullptr && !EXT_HasPort(circuit, port->port))
@@ -104,7 +102,6 @@ static void s_testPorts(CallUse* use, const Circuit* call, const Ext* circuit)
          port = port->nextWired)
         if (!SEC_SetHas(&mapped, port->name))
             ERRLOG_WarnNew(3715, use->component->name, port->name, call->name);
-    SEC_SetClear(&mapped);
 }
 
 static void s_testCall(CallUse* use, const Circuit* call, const Ext* circuit)
@@ -132,7 +129,4 @@ void CIRCUIT_Test(const Cmpnt* component, const SecNameIndex<const Ext>& externa
     for (const Pin* pin = component->pins; pin != nullptr; pin = pin->next)
         if (pin->kind == PIN_CIRCUITCALL && !pin->repeated && !SEC_SetHas(&use.used, pin->name))
             ERRLOG_ErrorNew(537, component->name, pin->name);
-    SEC_SetClear(&use.nodes);
-    SEC_SetClear(&use.used);
-    SEC_SetClear(&use.told);
 }

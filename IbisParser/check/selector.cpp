@@ -9,7 +9,7 @@
 
 static const char s_Module[] = "IbisParser/msel";
 
-static int s_isSeries(const MdlTypeInfo* type)
+static bool s_isSeries(const MdlTypeInfo* type)
 {
     return type->group == MDL_GROUP_SERIES || type->group == MDL_GROUP_SERIES_SWITCH;
 }
@@ -17,7 +17,7 @@ static int s_isSeries(const MdlTypeInfo* type)
 static void s_testRows(const Msel* selector, const CmpntNames& names)
 {
     const MdlTypeInfo* first = nullptr;
-    int isMixed = 0;
+    bool isMixed = false;
     for (const MselRow* row = selector->rows; row != nullptr; row = row->next) {
         const Mdl* model = names.Model(row->model);
         if (model == nullptr && names.Selector(row->model) != nullptr)
@@ -29,7 +29,7 @@ static void s_testRows(const Msel* selector, const CmpntNames& names)
         if (first == nullptr) first = type;
         if (!isMixed && s_isSeries(first) != s_isSeries(type)) {
             ERRLOG_WarnNew(1114, selector->name, first->name, type->name);
-            isMixed = 1;
+            isMixed = true;
         }
     }
 }
@@ -55,7 +55,7 @@ int MSEL_TestList(Msel* selectors)
     }
     NML_CheckUnique(selectors, offsetof(Msel, name), offsetof(Msel, next), "Model Selector");
     const CmpntNames names(root->mdls, selectors);
-    SecSet used = {};
+    SecScopedSet used;
     s_collectUses(root->cmpnts, &used);
     for (const Msel* selector : SecFileOrder<const Msel>(selectors)) {
         if (names.Model(selector->name) != nullptr) ERRLOG_ErrorNew(1112, selector->name);
@@ -64,6 +64,5 @@ int MSEL_TestList(Msel* selectors)
         if (selector->name[0] != '\0' && !SEC_SetHas(&used, selector->name))
             ERRLOG_WarnNew(1113, selector->name);
     }
-    SEC_SetClear(&used);
     return 1;
 }

@@ -13,23 +13,21 @@
 
 // Who adds each submodel, by its name.
 struct Users {
-    IdxTable first = {nullptr, 0, 0};    // the first model that does
-    IdxTable row = {nullptr, 0, 0};      // its line
-    IdxTable outside = {nullptr, 0, 0};  // the first whose supplies do not hold the triggers
-    IdxTable falls = {nullptr, 0, 0};    // CurveFalls of a model, by the line of its keyword
-};
-
-static void s_clearUsers(Users* users)
-{
-    for (std::size_t k = 0; k < users->falls.capacity; ++k) {
-        if (users->falls.entries[k].value != nullptr)
-            CMN_freeSetNull(&users->falls.entries[k].value);
+    Users() = default;
+    ~Users()
+    {
+        for (std::size_t k = 0; k < falls.capacity; ++k) {
+            if (falls.entries[k].value != nullptr) CMN_freeSetNull(&falls.entries[k].value);
+        }
     }
-    IDX_Clear(&users->first);
-    IDX_Clear(&users->row);
-    IDX_Clear(&users->outside);
-    IDX_Clear(&users->falls);
-}
+    Users(const Users&) = delete;
+    Users& operator=(const Users&) = delete;
+
+    SecScopedIndex first;    // the first model that does
+    SecScopedIndex row;      // its line
+    SecScopedIndex outside;  // the first whose supplies do not hold the triggers
+    SecScopedIndex falls;    // CurveFalls of a model, by the line of its keyword
+};
 
 static bool s_isOutside(const RngRange* trigger, const Mdl* model)
 {
@@ -179,6 +177,5 @@ int chk_CheckAllSubModels(const SubMdl* submodels)
     s_findUsers(models, &byName, &users);
     for (const SubMdl* submodel : SecFileOrder<const SubMdl>(submodels))
         s_checkSubMdl(submodel, &users, &byName);
-    s_clearUsers(&users);
     return 1;
 }

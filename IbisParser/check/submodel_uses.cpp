@@ -64,7 +64,7 @@ int MDL_TestSubMdlReferences(const Mdl* models, const SubMdl* submodels)
 {
     SUBMDL_Close();
     const SecNameIndex<const SubMdl> byName(submodels);
-    SecSet added = {};
+    SecScopedSet added;
     for (const Mdl* model : SecFileOrder<const Mdl>(models))
         for (const AddSub* row : SecFileOrder<const AddSub>(model->addSubs)) {
             SEC_SetAdd(&added, row->submodel);
@@ -74,7 +74,6 @@ int MDL_TestSubMdlReferences(const Mdl* models, const SubMdl* submodels)
     NML_CheckUnique(submodels, offsetof(SubMdl, name), offsetof(SubMdl, next), "Submodel");
     for (const SubMdl* submodel : SecFileOrder<const SubMdl>(submodels))
         if (!SEC_SetHas(&added, submodel->name)) ERRLOG_WarnNew(201, submodel->name);
-    SEC_SetClear(&added);
     return 1;
 }
 

@@ -124,12 +124,12 @@ static void s_checkSteps(const Vitbl* table, const VitblContext* context)
         const Column column(table, corner, context);
         const int numbers = VITBL_CountNumbers(table, corner);
         if (!column.Built() || column.curve.count == numbers) continue;
-        void* block = nullptr;
-        if (!CMN_malloc(&block, static_cast<size_t>(numbers) * sizeof(CurvePoint))) {
+        const SecArray<CurvePoint> array(static_cast<std::size_t>(numbers));
+        if (!array) {
             ERRLOG_BugNew(3201, s_Module, __LINE__);
             return;
         }
-        CurvePoint* points = static_cast<CurvePoint*>(block);
+        CurvePoint* const points = array.Get();
         CurvePoint* end = points;
         for (const RngpLine* line = table->head; line != nullptr; line = line->next) {
             end->v = line->x;
@@ -142,7 +142,6 @@ static void s_checkSteps(const Vitbl* table, const VitblContext* context)
         const double before = worst.i;
         s_largestStep(points, end, &worst);
         if (worst.i > before) worstCorner = corner;
-        CMN_freeSetNull(&block);
     }
     if (worstCorner != CORNER_COUNT)
         ERRLOG_WarnNew(3215, table->name, table->owner, TABLE_CornerName(worstCorner), worst.i,

@@ -98,7 +98,7 @@ int TESTLOAD_TestList(TestLoad* list)
     IbisRoot* root = nullptr;
     if (!IBIS_GetIBIS(&root)) return 0;
     const SecNameIndex<Mdl> models(root->mdls);
-    SecSet used = {};
+    SecScopedSet used;
     for (const TestData* data = root->testData; data != nullptr; data = data->next)
         SEC_SetAdd(&used, data->load);
     for (const TestLoad* load : SecFileOrder<TestLoad>(list)) {
@@ -110,6 +110,5 @@ int TESTLOAD_TestList(TestLoad* list)
         if (load->receiver[0] == '\0' && load->receiverInv[0] != '\0')
             ERRLOG_WarnNew(4022, load->name);
     }
-    SEC_SetClear(&used);
     return 1;
 }

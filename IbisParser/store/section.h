@@ -178,6 +178,41 @@ private:
     std::size_t m_Count = 0;
 };
 
+// An array of zeros for the time of a check, null without memory; a count of 0 has room for one.
+template <typename T>
+class SecArray {
+public:
+    explicit SecArray(std::size_t count)
+    {
+        if (!CMN_malloc(&m_Block, (count > 0 ? count : 1) * sizeof(T))) m_Block = nullptr;
+    }
+    ~SecArray()
+    {
+        if (m_Block != nullptr) CMN_freeSetNull(&m_Block);
+    }
+    SecArray(const SecArray&) = delete;
+    SecArray& operator=(const SecArray&) = delete;
+
+    explicit operator bool() const { return m_Block != nullptr; }
+    T* Get() const { return static_cast<T*>(m_Block); }
+    template <typename Place>
+    T& operator[](Place place) const
+    {
+        return Get()[place];
+    }
+
+private:
+    void* m_Block = nullptr;
+};
+
+// An index for the time of a check: it clears itself.
+struct SecScopedIndex : IdxTable {
+    SecScopedIndex() : IdxTable{} {}
+    ~SecScopedIndex() { IDX_Clear(this); }
+    SecScopedIndex(const SecScopedIndex&) = delete;
+    SecScopedIndex& operator=(const SecScopedIndex&) = delete;
+};
+
 // Records of a list by name, for many look-ups; of equal names the first in the list answers. The
 // list must outlive the index.
 template <typename Record>
@@ -191,9 +226,6 @@ public:
             if (*value == nullptr) *value = const_cast<std::remove_const_t<Record>*>(item);
         }
     }
-    ~SecNameIndex() { IDX_Clear(&m_Table); }
-    SecNameIndex(const SecNameIndex&) = delete;
-    SecNameIndex& operator=(const SecNameIndex&) = delete;
 
     Record* Find(const char* name) const
     {
@@ -201,7 +233,7 @@ public:
     }
 
 private:
-    IdxTable m_Table = {nullptr, 0, 0};
+    SecScopedIndex m_Table;
 };
 
 // A set of strings that owns its members. All zero is an empty set.
@@ -213,5 +245,13 @@ struct SecSet {
 int SEC_SetAdd(SecSet* set, const char* text);
 int SEC_SetHas(const SecSet* set, const char* text);
 void SEC_SetClear(SecSet* set);
+
+// A set for the time of a check: it clears itself.
+struct SecScopedSet : SecSet {
+    SecScopedSet() : SecSet{} {}
+    ~SecScopedSet() { SEC_SetClear(this); }
+    SecScopedSet(const SecScopedSet&) = delete;
+    SecScopedSet& operator=(const SecScopedSet&) = delete;
+};
 
 #endif

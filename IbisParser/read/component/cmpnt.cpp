@@ -1,9 +1,6 @@
 // [Component]: its record, and the way of its lines to its parts.
 #include "IbisParser/cmpnt.h"
 
-#include <iterator>
-
-#include "IbisParser/base/token.h"
 #include "IbisParser/errlog.h"
 #include "IbisParser/read/component/cmpnt.h"
 
@@ -387,34 +384,5 @@ Cmpnt* CMPNT_GetOpen(void)
 int CMPNT_Close(void)
 {
     if (s_open != nullptr) s_close();
-    return 1;
-}
-
-Pin* CMPNT_FindPin(const Cmpnt* component, const char* name)
-{
-    CMN_ASSERT(component != nullptr && name != nullptr);
-    if (component->pinIndex == nullptr) return nullptr;
-    return static_cast<Pin*>(IDX_FindName(component->pinIndex, name));
-}
-
-int CMPNT_HasPin(const Cmpnt* component, const char* pin)
-{
-    return component->pins == nullptr || CMPNT_FindPin(component, pin) != nullptr;
-}
-
-int CMPNT_SplitLine(const PartFailure* failure, int line, const char* keyword, const char* text,
-                    int max, CmpntItems* items)
-{
-    CMN_ASSERT(max <= static_cast<int>(std::size(items->argv)));
-    items->text = CMN_StrMake(text);
-    if (items->text == nullptr) {
-        ERRLOG_LineBugNew(failure->unparsed, keyword, failure->module, line);
-        return 0;
-    }
-    char* rest = items->text;
-    for (const char* item = TOKEN_Next(&rest); item != nullptr; item = TOKEN_Next(&rest)) {
-        ++items->argc;
-        if (items->nStored < max) items->argv[items->nStored++] = item;
-    }
     return 1;
 }

@@ -40,9 +40,7 @@ int MDL_TypeWasGiven();
 // 1 when one of the C_comp_* is given, which share out or add to C_comp.
 int MDL_HasPartCapacitance(const Mdl* model);
 
-// Keywords whose range stands on their line: whether the code is one, and reading it and judging
-// its values.
-int MDL_HasRangeLine(int code);
+// A keyword whose range stands on its line: reads it and judges its values.
 int MDL_RangeLine(Mdl* model, int code, const char* text);
 
 // Of [Driver Schedule], by DrvShDelay.

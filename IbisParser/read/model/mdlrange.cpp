@@ -150,13 +150,6 @@ int MDL_RangeLine(Mdl* model, int code, const char* text)
     return 0;
 }
 
-int MDL_HasRangeLine(int code)
-{
-    for (const auto& row : ranges)
-        if (row.code == code) return 1;
-    return 0;
-}
-
 int MDL_RefVoltage(const Mdl* model, int which, int corner, double* out)
 {
     CMN_ASSERT(model != nullptr && out != nullptr);
