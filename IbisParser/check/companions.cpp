@@ -1,4 +1,6 @@
-// The code and parameter files that the blocks of [Algorithmic Model] name.
+// Files beside the one being checked: opening them, and those that [Algorithmic Model] blocks name.
+#include "IbisParser/check/companions.h"
+
 #include <cstring>
 
 #include "IbisParser/algmod.h"
@@ -10,14 +12,21 @@
 #include "IbisParser/read/parse.h"
 #include "IbisParser/store/section.h"
 
-// Opens a file that an entry names: it stands beside the IBIS file.
-static std::FILE* s_openBeside(const char* name)
+std::FILE* COMPANION_Open(const char* name)
 {
-    char path[CMN_PATH_MAX + 1 + ALGMOD_NAME_MAX + 1];
+    char path[2 * (CMN_PATH_MAX + 1)];
     const std::size_t length = std::strlen(gsFilePath_ibs);
     const char* separator = length > 0 && gsFilePath_ibs[length - 1] != '/' ? "/" : "";
     std::snprintf(path, sizeof path, "%s%s%s", gsFilePath_ibs, separator, name);
     return SEC_OpenFile(path);
+}
+
+bool COMPANION_Exists(const char* name)
+{
+    std::FILE* file = COMPANION_Open(name);
+    if (file == nullptr) return false;
+    std::fclose(file);
+    return true;
 }
 
 static void s_testParameterFile(AlgModExec* exec, const char* model)
@@ -26,7 +35,7 @@ static void s_testParameterFile(AlgModExec* exec, const char* model)
         ERRLOG_ErrorNew(4617, exec->parameterFile, model);
         return;
     }
-    std::FILE* file = s_openBeside(exec->parameterFile);
+    std::FILE* file = COMPANION_Open(exec->parameterFile);
     if (file == nullptr) {
         ERRLOG_ErrorNew(4618, exec->parameterFile, model);
         return;
@@ -41,11 +50,7 @@ static void s_testParameterFile(AlgModExec* exec, const char* model)
 
 static void s_testExec(AlgModExec* exec, const char* model)
 {
-    std::FILE* code = s_openBeside(exec->codeFile);
-    if (code != nullptr)
-        std::fclose(code);
-    else
-        ERRLOG_ErrorNew(4616, exec->codeFile, model);
+    if (!COMPANION_Exists(exec->codeFile)) ERRLOG_ErrorNew(4616, exec->codeFile, model);
     s_testParameterFile(exec, model);
 }
 

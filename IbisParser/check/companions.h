@@ -2,8 +2,14 @@
 #ifndef IBISPARSER_CHECK_COMPANIONS_H
 #define IBISPARSER_CHECK_COMPANIONS_H
 
+#include <cstdio>
+
 #include "IbisParser/pkgmdl.h"
 #include "IbisParser/store/section.h"
+
+// Opens the companion of that name; null when there is none, or no plain file.
+std::FILE* COMPANION_Open(const char* name);
+bool COMPANION_Exists(const char* name);
 
 enum PkgWhere { PKG_NO_FILE, PKG_NOT_IN_FILE, PKG_FOUND };
 struct PkgPlace {

@@ -2,13 +2,16 @@
 // The file that has the model's name in lower case goes first; the others follow by the alphabet,
 // and only their keyword lines are looked at before one of them is read.
 #include <algorithm>
+#include <cstdio>
+#include <cstring>
 #include <filesystem>
 #include <new>
 
 #include "IbisParser/base/position.h"
 #include "IbisParser/check/companions.h"
 #include "IbisParser/errlog.h"
-#include "IbisParser/read/component/cmpnt.h"
+#include "IbisParser/parse.h"
+#include "IbisParser/store/section.h"
 
 static const char s_Module[] = "IbisParser/pkgfinder";
 

@@ -3,7 +3,7 @@
 #include "IbisParser/check/companions.h"
 #include "IbisParser/errlog.h"
 #include "IbisParser/ext.h"
-#include "IbisParser/read/component/cmpnt.h"
+#include "IbisParser/mdl.h"
 
 static void s_testPin(const Cmpnt* component, const Pin* pin, const CmpntNames& names)
 {

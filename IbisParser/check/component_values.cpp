@@ -2,10 +2,14 @@
 #include "IbisParser/chkcmpnt.h"
 
 #include <cmath>
+#include <cstddef>
+#include <cstring>
 
+#include "IbisParser/cmn.h"
+#include "IbisParser/cmpnt.h"
 #include "IbisParser/errlog.h"
 #include "IbisParser/nml.h"
-#include "IbisParser/read/component/cmpnt.h"
+#include "IbisParser/store/section.h"
 
 // Impedances sqrt(L/C) of packages lie between these, in ohm.
 static const double s_minImpedance = 1.0;

@@ -1,9 +1,12 @@
 // Package models: whom components ask for, and what they hold against the components' pins.
+#include <cstddef>
+#include <cstring>
+
 #include "IbisParser/check/companions.h"
 #include "IbisParser/check/component.h"
+#include "IbisParser/cmn.h"
 #include "IbisParser/errlog.h"
 #include "IbisParser/nml.h"
-#include "IbisParser/read/component/cmpnt.h"
 
 static const char s_Module[] = "IbisParser/cmpnttest";
 

@@ -1,9 +1,14 @@
 // External circuits and models against the document: ports and who wires them, calls, files.
+#include <cstddef>
+#include <cstring>
+#include <initializer_list>
+
+#include "IbisParser/check/companions.h"
 #include "IbisParser/check/component.h"
+#include "IbisParser/cmn.h"
 #include "IbisParser/errlog.h"
 #include "IbisParser/ext.h"
 #include "IbisParser/nml.h"
-#include "IbisParser/read/component/cmpnt.h"
 #include "IbisParser/read/model/ext.h"
 
 static const char s_Module[] = "IbisParser/ext";
@@ -27,15 +32,8 @@ void EXT_FindWired(Ext* item)
 static void s_testFiles(const char* keyword, const Ext* item)
 {
     for (const ExtCornerRow* row = item->corners; row != nullptr; row = row->next) {
-        if (row->file == nullptr) continue;
-        char path[2 * CMN_PATH_MAX + 2];
-        CMN_GetIbsPath(path);
-        CMN_strncpy(path + std::strlen(path), row->file, CMN_PATH_MAX);
-        std::FILE* file = SEC_OpenFile(path);
-        if (file == nullptr)
+        if (row->file != nullptr && !COMPANION_Exists(row->file))
             ERRLOG_WarnNew(3418, keyword, item->name, row->file);
-        else
-            std::fclose(file);
     }
 }
 
