@@ -7,15 +7,17 @@
 IBIS_BEGIN_DECLS
 
 typedef enum KeywordCode {
-#define KEY2(code, enumerator, name) enumerator = (code),
-#define KEY3(code, enumerator, name) enumerator = (code),
-#define KEY4(code, enumerator, name) enumerator = (code),
-#define KEY5(code, enumerator, name) enumerator = (code),
+#define KEY2(code, enumerator, ...) enumerator = (code),
+#define KEY3(code, enumerator, ...) enumerator = (code),
+#define KEY4(code, enumerator, ...) enumerator = (code),
+#define KEY5(code, enumerator, ...) enumerator = (code),
+#define KEYN(since, code, enumerator, ...) enumerator = (code),
 #include "IbisParser/keywords.inc"
 #undef KEY2
 #undef KEY3
 #undef KEY4
 #undef KEY5
+#undef KEYN
 } KeywordCode;
 
 /* One row of a keyword table: upper case, "_" for a blank. A table ends with NOT_KEY. */

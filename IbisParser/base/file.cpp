@@ -4,6 +4,7 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "IbisParser/base/version.h"
 #include "IbisParser/cmn.h"
 #include "IbisParser/errlog.h"
 
@@ -246,7 +247,7 @@ static int s_versionOf(const char* line)
     const char* version = line + 10;
     while (CMN_IsWhitespace(*version))
         ++version;
-    return *version >= '1' && *version <= '5' ? *version - '0' : 0;
+    return VERSION_Probe(version);
 }
 
 int CMN_getIbisVer(const char* name, unsigned long* lines, int kind)

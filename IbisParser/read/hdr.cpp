@@ -3,17 +3,13 @@
 
 #include <cstring>
 
+#include "IbisParser/base/keyword.h"
 #include "IbisParser/base/textbuf.h"
+#include "IbisParser/base/version.h"
 #include "IbisParser/errlog.h"
 #include "IbisParser/parse.h"
 
 static const char s_Module[] = "IbisParser/hdr";
-
-static const char* const s_legalVersions[] = {"2.0", "2.1", "3.0", "3.1", "3.2",
-                                              "4.0", "4.1", "4.2", "5.0"};
-
-// The longest [File Name] by version class.
-static const unsigned s_fileNameMax[] = {12, 12, 12, 24, 44, 44};
 
 // Letters and digits apart, the characters of a DOS file name.
 static const char s_dosCharacters[] = "!#$%&'()-@^_`{}~";
@@ -61,11 +57,10 @@ static bool s_checkDuplicate(int code, unsigned message)
 // The version class of a legal version, else 0.
 static int s_versionClass(const char* version)
 {
-    if (s_allowAnyVersion) return 5;
-    bool legal = s_allow1xVersions && std::strncmp(version, "1.", 2) == 0;
-    for (const char* known : s_legalVersions)
-        legal = legal || std::strcmp(version, known) == 0;
-    return legal ? version[0] - '0' : 0;
+    if (s_allowAnyVersion) return VERSION_Latest()->versionClass;
+    if (s_allow1xVersions && std::strncmp(version, "1.", 2) == 0) return 1;
+    const VersionRow* row = VERSION_Find(version);
+    return row != nullptr ? row->versionClass : 0;
 }
 
 static void s_receiveVersion(char* text)
@@ -106,9 +101,8 @@ static void s_checkFileName(const char* name)
 static void s_receiveFileName(char* text)
 {
     if (s_checkDuplicate(KEY_FILE_NAME, 1009)) return;
-    const int limits = static_cast<int>(sizeof s_fileNameMax / sizeof s_fileNameMax[0]);
-    const int row = geFileVersion < 0 ? 0 : geFileVersion < limits ? geFileVersion : limits - 1;
-    CMN_SetFilenameStr(s_open->fileName, text, s_fileNameMax[row], "File_name");
+    const unsigned limit = VERSION_Current()->limits[LIMIT_FILE_NAME];
+    CMN_SetFilenameStr(s_open->fileName, text, limit, "File_name");
     if (!s_allowAnyFileName) s_checkFileName(s_open->fileName);
     CMN_ReservedWordErr(s_open->fileName);
 }
@@ -225,7 +219,7 @@ int HDR_Fini(int nextCode)
         ERRLOG_LineErrorNew(1005);
         return 1;
     }
-    if (KEY_FILE_NAME <= nextCode && nextCode <= KEY_COPYRIGHT) return 1;
+    if (KEYWORD_Section(nextCode) == SECTION_HEADER) return 1;
     CMN_TestRequiredKeyword("IBIS_Version", s_found[KEY_IBIS_VER]);
     CMN_TestRequiredKeyword("File_name", s_found[KEY_FILE_NAME]);
     CMN_TestRequiredKeyword("File_Rev", s_found[KEY_FILE_REV]);

@@ -4,8 +4,10 @@
 #include <climits>
 #include <cstring>
 
+#include "IbisParser/base/keyword.h"
 #include "IbisParser/base/position.h"
 #include "IbisParser/base/textbuf.h"
+#include "IbisParser/base/version.h"
 #include "IbisParser/errlog.h"
 #include "IbisParser/ibis.h"
 #include "IbisParser/read/parse.h"
@@ -54,7 +56,7 @@ static void s_testLine(char* line)
     CMN_ASSERT(line != nullptr);
     std::size_t length = std::strlen(line);
     if (length > 0 && line[length - 1] == '\n') line[--length] = '\0';
-    const int lineMax = SENDER_Version(geFileVersion)->lineMax;
+    const int lineMax = VERSION_Current()->lineMax;
     if (!gbAllowAnyLineLength && length > static_cast<std::size_t>(lineMax))
         ERRLOG_LineErrorNew(905, lineMax);
     if (!gbTabFound && std::strchr(line, '\t') != nullptr) {
@@ -98,7 +100,7 @@ static void s_setComment(char* line)
 // Under these keywords an indented bracket is text.
 static bool s_inHeaderText(void)
 {
-    return KEY_SOURCE <= geCurrentKeyword && geCurrentKeyword <= KEY_COPYRIGHT;
+    return KEYWORD_HasRule(geCurrentKeyword, RULE_TEXT);
 }
 
 static void s_readLine(char* line)
@@ -127,12 +129,12 @@ static int s_readDocument(const char* name, FileType fileType)
 {
     unsigned long lines = 0;
     const int version = CMN_getIbisVer(name, &lines, fileType);
-    if (version < VERSION_FIRST || version > VERSION_LAST) {
+    if (!VERSION_IsRead(version)) {
         ERRLOG_ErrorNew(900, name);
         return 0;
     }
     geFileVersion = version;
-    s_banner(name, SENDER_Version(version)->name);
+    s_banner(name, VERSION_Current()->text);
     POSITION_Reset(fileType);
     std::FILE* file = nullptr;
     if (!CMN_OpenFile(name, fileType, &file, gsFileName)) return 0;
@@ -194,9 +196,9 @@ static int s_readParameterLines(std::FILE* file)
 
 static void s_beginParameters(const char* name)
 {
-    s_banner(name, SENDER_Version(VERSION_LAST)->name);
+    s_banner(name, VERSION_Latest()->text);
     POSITION_Reset(FILE_AMI);
-    geFileVersion = VERSION_LAST;
+    geFileVersion = VERSION_Latest()->versionClass;
     if (gsBuffer != nullptr) {
         void* block = gsBuffer;
         CMN_freeSetNull(&block);

@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <cstring>
 
-#include "IbisParser/base/keyword.h"
+#include "IbisParser/base/version.h"
 #include "IbisParser/errlog.h"
 #include "IbisParser/parse.h"
 #include "IbisParser/read/sections.h"
@@ -12,60 +12,35 @@
 // The sender is a part of the reader.
 static const char s_Module[] = "IbisParser/parse";
 
-static const VersionRow s_versions[] = {
-    {keywords, 80, "2.1"},  // classes below 2 are read as class 2
-    {keywords_Ver3, 80, "3.2"},
-    {keywords_Ver4, 120, "4.2"},
-    {keywords_Ver5, 120, "5.0"},
-};
-
-// Keywords that mean another one in their context.
-struct ContextRow {
-    KeywordCode read;
-    KeywordCode meant;
-    bool (*holds)(void);
-};
-
-// clang-format off
-static bool s_inPackageModel(void) { return KEY_DEFINE_PACKAGE_MODEL <= geCurrentKeyword && geCurrentKeyword <= KEY_DESCRIPTION; }
-static bool s_inBoard(void)        { return geCurrentKeyword == KEY_BEGIN_BOARD_DESCRIPTION || geCurrentKeyword == KEY_EBDMDL_MANUFACTURER; }
-static bool s_inBoardFile(void)    { return geCurrFileType == FILE_EBD; }
-static bool s_inSubModel(void)     { return gbInSubModel != 0; }
-
-static const ContextRow s_contexts[] = {
-    { KEY_MANUFACTURER,     KEY_PKGMDL_MANUFACTURER,     s_inPackageModel },
-    { KEY_MANUFACTURER,     KEY_EBDMDL_MANUFACTURER,     s_inBoard },
-    { KEY_NUMBER_OF_PINS,   KEY_EBDMDL_NUMBER_OF_PINS,   s_inBoardFile },
-    { KEY_PULLDOWN,         KEY_SUBMDL_PULLDOWN,         s_inSubModel },
-    { KEY_PULLUP,           KEY_SUBMDL_PULLUP,           s_inSubModel },
-    { KEY_GND_CLAMP,        KEY_SUBMDL_GND_CLAMP,        s_inSubModel },
-    { KEY_POWER_CLAMP,      KEY_SUBMDL_POWER_CLAMP,      s_inSubModel },
-    { KEY_RAMP,             KEY_SUBMDL_RAMP,             s_inSubModel },
-    { KEY_RISING_WAVEFORM,  KEY_SUBMDL_RISING_WAVEFORM,  s_inSubModel },
-    { KEY_FALLING_WAVEFORM, KEY_SUBMDL_FALLING_WAVEFORM, s_inSubModel },
-};
-// clang-format on
-
-static KeywordCode s_inContext(KeywordCode code)
+// Whether a keyword with a place rule is meant here.
+static bool s_isMeant(const KeywordRow& row)
 {
-    for (const ContextRow& row : s_contexts)
-        if (row.read == code && row.holds()) return row.meant;
-    return code;
+    if ((row.rules & RULE_IN_BOARD_FILE) != 0) return geCurrFileType == FILE_EBD;
+    if ((row.rules & RULE_IN_SUBMODEL) != 0) return gbInSubModel != 0;
+    return KEYWORD_Section(geCurrentKeyword) == row.section &&
+           KEYWORD_HasRule(geCurrentKeyword, RULE_HEAD);
 }
 
-// The entry of the version's table that has the name, else its last one. Blanks of the name become
-// "_".
-static const KeywordEntry* s_findKeyword(char* name)
+// The row of a keyword that the version of the file knows, or of the one that its name means here;
+// else null. Blanks of the name become "_".
+static const KeywordRow* s_findKeyword(char* name)
 {
     std::replace(name, name + std::strlen(name), ' ', '_');
     const char first =
         name[0] >= 'a' && name[0] <= 'z' ? static_cast<char>(name[0] - 'a' + 'A') : name[0];
-    const KeywordEntry* entry = SENDER_Version(geFileVersion)->keywords;
-    // Most entries differ in their first letter.
-    while (entry->code != NOT_KEY &&
-           (entry->name[0] != first || !CMN_MatchKeyword(entry->name, name)))
-        ++entry;
-    return entry;
+    const int versionClass = VERSION_Current()->versionClass;
+    const KeywordRow* known = nullptr;
+    const KeywordRow* meant = nullptr;
+    for (const KeywordRow& row : KEYWORD_Rows()) {
+        // Most names differ in their first letter.
+        if (row.name[0] != first || !CMN_StrSameIC(row.name, name)) continue;
+        if ((row.rules & RULE_PLACES) == 0) {
+            if (row.since <= versionClass) known = &row;
+        } else if (s_isMeant(row)) {
+            meant = &row;
+        }
+    }
+    return known != nullptr && meant != nullptr ? meant : known;
 }
 
 static KeywordCode s_getKeyword(const char* line)
@@ -83,9 +58,10 @@ static KeywordCode s_getKeyword(const char* line)
     }
     char name[KEYWORD_MAX + 1];
     CMN_strncpy(name, line + 1, length);
-    const KeywordEntry* entry = s_findKeyword(name);
-    if (entry->code == NOT_KEY) ERRLOG_LineErrorNew(916, name);
-    return s_inContext(entry->code);
+    const KeywordRow* row = s_findKeyword(name);
+    if (row != nullptr && row->code != NOT_KEY) return row->code;
+    ERRLOG_LineErrorNew(916, name);
+    return NOT_KEY;
 }
 
 static KeywordCode s_lastKnown = NOT_KEY;  // the current keyword, or the one before unknown ones
@@ -95,8 +71,8 @@ static KeywordCode s_lastKnown = NOT_KEY;  // the current keyword, or the one be
 // learn of it.
 static const Section* s_findPrevious(KeywordCode code)
 {
-    const bool awaited =
-        KEY_DEFINE_PACKAGE_MODEL <= s_lastKnown && s_lastKnown <= KEY_END_BOARD_DESCRIPTION;
+    const KeywordSection last = KEYWORD_Section(s_lastKnown);
+    const bool awaited = last == SECTION_PACKAGE || last == SECTION_BOARD;
     if (geCurrentKeyword == NOT_KEY && code == KEY_MANUFACTURER && awaited)
         return SECTIONS_Find(s_lastKnown);
     return SECTIONS_Find(geCurrentKeyword);
@@ -142,8 +118,7 @@ static void s_beginKeyword(const char* line)
     if (code != NOT_KEY) s_lastKnown = code;
     if (previous != nullptr && previous->fini != nullptr) previous->fini(code);
     // An unknown keyword may be one of a later version, in the middle of the submodel.
-    if (code != NOT_KEY && (code < KEY_SUBMODEL || code > KEY_SUBMDL_FALLING_WAVEFORM))
-        gbInSubModel = 0;
+    if (code != NOT_KEY && KEYWORD_Section(code) != SECTION_SUBMODEL) gbInSubModel = 0;
     if (section != nullptr && section->opener == code) s_openSection(section, code);
 }
 
@@ -170,11 +145,6 @@ static void s_deliver(int kind, char* line)
         return;
     }
     if (s_refusal(section) == 0) section->receiveLine(kind, geCurrentKeyword, line);
-}
-
-const VersionRow* SENDER_Version(int versionClass)
-{
-    return &s_versions[std::clamp<int>(versionClass, VERSION_FIRST, VERSION_LAST) - VERSION_FIRST];
 }
 
 // The length of the line was judged before. What is left of a line that is too long must not stop

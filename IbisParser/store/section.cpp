@@ -5,52 +5,10 @@
 
 #include <algorithm>
 
+#include "IbisParser/base/keyword.h"
 #include "IbisParser/errlog.h"
-#include "IbisParser/parse.h"
 
 static const char s_Module[] = "IbisParser/section_internal";
-
-// Keywords as messages write them, by code.
-enum { FIRST_CODE = KEY_COMPONENT, LAST_CODE = KEY_TEST_LOAD };
-static const char* const s_keywordNames[] = {
-    // 9-29: component, external circuit
-    "Component", "Manufacturer", "Package", "Pin", "Package Model", "Pin Mapping", "Diff Pin",
-    "Series Switch Groups", "Series Pin Mapping", "Alternate Package Models",
-    "End Alternate Package Models", "Node Declarations", "End Node Declarations", "Circuit Call",
-    "End Circuit Call", "External Circuit", "End External Circuit", "Begin EMI Component",
-    "End EMI Component", "Pin EMI", "Pin Domain EMI",
-    // 30-73: model
-    "External Model", "End External Model", "Model", "Temperature Range", "Voltage Range",
-    "Pullup Reference", "Pulldown Reference", "POWER Clamp Reference", "GND Clamp Reference",
-    "External Reference", "Pulldown", "Pullup", "GND Clamp", "POWER Clamp", "Rgnd", "Rpower", "Rac",
-    "Cac", "Ramp", "Rising Waveform", "Falling Waveform", "TTgnd", "TTpower", "Model Spec",
-    "Receiver Thresholds", "Driver Schedule", "On", "Off", "R Series", "L Series", "Rl Series",
-    "C Series", "Lc Series", "Rc Series", "Series Current", "Series MOSFET", "Add Submodel",
-    "Algorithmic Model", "End Algorithmic Model", "ISSO PD", "ISSO PU", "Composite Current",
-    "Begin EMI Model", "End EMI Model",
-    // 74-95: package model, board
-    "Define Package Model", "Manufacturer", "OEM", "Description", "Number Of Pins", "Pin Numbers",
-    "Model Data", "Resistance Matrix", "Inductance Matrix", "Capacitance Matrix", "Bandwidth",
-    "Row", "End Model Data", "End Package Model", "Number Of Sections", "Begin Board Description",
-    "Manufacturer", "Number Of Pins", "Pin List", "Path Description", "Reference Designator Map",
-    "End Board Description",
-    // 96-117: selector, submodel, test data and load
-    "Model Selector", "Submodel", "Submodel Spec", "GND Pulse Table", "POWER Pulse Table",
-    "Pulldown", "Pullup", "GND Clamp", "POWER Clamp", "Ramp", "Rising Waveform", "Falling Waveform",
-    "Test Data", "Rising Waveform Near", "Rising Waveform Far", "Falling Waveform Near",
-    "Falling Waveform Far", "Diff Rising Waveform Near", "Diff Rising Waveform Far",
-    "Diff Falling Waveform Near", "Diff Falling Waveform Far", "Test Load"};
-static_assert(sizeof s_keywordNames / sizeof s_keywordNames[0] == LAST_CODE - FIRST_CODE + 1,
-              "one name for each code");
-
-// clang-format off
-// version class                                          2    3     4     5
-static const unsigned s_limits[LIMIT_COUNT][4] = {
-    /* LIMIT_SIGNAL */                                 { 20,  20,   40,   40 },
-    /* LIMIT_SUBMODEL */                               { 20,  20,   20,   40 },
-    /* LIMIT_CURVE_POINTS */                           { 100, 100, 100,  100 },
-    /* LIMIT_WAVE_POINTS */                            { 100, 100, 1000, 1000 }};
-// clang-format on
 
 IbisRoot* SEC_Root(const SecFrame* frame, int line)
 {
@@ -100,8 +58,9 @@ std::FILE* SEC_OpenFile(const char* path)
 
 const char* SEC_KeywordName(int code)
 {
-    CMN_ASSERT(code >= FIRST_CODE && code <= LAST_CODE);
-    return s_keywordNames[code - FIRST_CODE];
+    const KeywordRow* row = KEYWORD_Row(code);
+    CMN_ASSERT(row != nullptr);
+    return row->display;
 }
 
 char* SEC_Argument(char* line)
@@ -129,12 +88,12 @@ int SEC_CopyName(char* dest, const char* text, unsigned limit)
 
 int SEC_Version()
 {
-    return geFileVersion < 2 ? 2 : geFileVersion > 5 ? 5 : geFileVersion;
+    return VERSION_Current()->versionClass;
 }
 
-unsigned SEC_Limit(SecLimit limit)
+unsigned SEC_Limit(VersionLimit limit)
 {
-    return s_limits[limit][SEC_Version() - 2];
+    return VERSION_Current()->limits[limit];
 }
 
 int SEC_SetAdd(SecSet* set, const char* text)

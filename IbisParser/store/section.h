@@ -10,6 +10,7 @@
 #include <type_traits>
 
 #include "IbisParser/base/index.h"
+#include "IbisParser/base/version.h"
 #include "IbisParser/cmn.h"
 #include "IbisParser/ibis.h"
 #include "IbisParser/keyword.h"
@@ -51,7 +52,7 @@ int SEC_MarkFound(Flags* flags, int bit)
 // nobody writes to would be waited for, and a device has no end.
 std::FILE* SEC_OpenFile(const char* path);
 
-// A keyword as people write it, without brackets ("Diff Pin"); codes 9 to 117.
+// A keyword as people write it, without brackets ("Diff Pin").
 const char* SEC_KeywordName(int code);
 // The text after the keyword of a keyword line, or its end. Unlike CMN_EatKeyword it takes any
 // number of blanks, which a file may hold.
@@ -62,16 +63,9 @@ void SEC_IgnoreText(unsigned number, const char* text, const char* keyword);
 // Copies at most limit characters; 0 when the text is longer. dest holds limit + 1.
 int SEC_CopyName(char* dest, const char* text, unsigned limit);
 
-// Names whose length depends on the version class of the file being read.
-enum SecLimit {
-    LIMIT_SIGNAL,  // signals, models and model selectors
-    LIMIT_SUBMODEL,
-    LIMIT_CURVE_POINTS,
-    LIMIT_WAVE_POINTS,
-    LIMIT_COUNT
-};
-unsigned SEC_Limit(SecLimit limit);
-// The version class of the file being read, 2 to 5.
+// What the version class of the file being read allows.
+unsigned SEC_Limit(VersionLimit limit);
+// The version class of the file being read.
 int SEC_Version();
 
 // The row whose first member `name` is the word: exactly, failing that ignoring case; else null.

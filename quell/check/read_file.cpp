@@ -142,7 +142,7 @@ void ReportReceiver::End(const ChildEnd& end)
 
 std::string BeyondText(const std::string& version)
 {
-    const std::string last = LastKnownVersion;
+    const std::string last = LastKnownVersion();
     return "declares version " + version + ", beyond " + last + ", the last one known here (--as " +
            last + " checks it all the same)";
 }

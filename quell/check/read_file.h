@@ -53,7 +53,7 @@ private:
     std::function<void(const Finding&)> m_Each;
 };
 
-// Why a file of a version after 5.0 is not checked.
+// Why a file of a version after the last known one is not checked.
 std::string BeyondText(const std::string& version);
 
 }  // namespace quell

@@ -33,7 +33,7 @@ struct Finding {
 
 enum class FileStatus {
     Checked,
-    Beyond,   // declares a version after 5.0 and was not checked
+    Beyond,   // declares a version after the last known one and was not checked
     NotRead,  // could not be opened
     Failed,   // the reader did not come to the file's end
 };

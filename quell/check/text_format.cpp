@@ -6,6 +6,7 @@
 
 #include "quell/base/printable.h"
 #include "quell/check/source_lines.h"
+#include "quell/reader/version.h"
 
 namespace quell {
 
@@ -188,12 +189,15 @@ std::string ReportText(const FileReport& report, const std::string& path, bool c
 
 std::string TotalsText(const Totals& totals)
 {
+    const std::string beyond = std::string("of a version after ") + LastKnownVersion();
     const struct {
         size_t count;
         const char* text;
     } parts[] = {
-        {totals.inOrder, "without errors"},         {totals.withErrors, "with errors"},
-        {totals.beyond, "of a version after 5.0"},  {totals.notRead, "not read"},
+        {totals.inOrder, "without errors"},
+        {totals.withErrors, "with errors"},
+        {totals.beyond, beyond.c_str()},
+        {totals.notRead, "not read"},
         {totals.failed, "that stopped the reader"},
     };
     std::string text = std::to_string(totals.files) + (totals.files == 1 ? " file" : " files");

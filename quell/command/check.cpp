@@ -6,7 +6,10 @@
 #include <iostream>
 #include <memory>
 #include <thread>
+#include <utility>
+#include <vector>
 
+#include "IbisParser/base/version.h"
 #include "quell/base/errors.h"
 #include "quell/check/check_files.h"
 #include "quell/check/formats.h"
@@ -25,9 +28,16 @@ constexpr std::pair<const char*, ColourUse> ColourUses[] = {
     {"auto", ColourUse::Auto}, {"always", ColourUse::Always}, {"never", ColourUse::Never}};
 
 // Version texts that are legal in a file.
-constexpr std::pair<const char*, const char*> Versions[] = {
-    {"2.0", "2.0"}, {"2.1", "2.1"}, {"3.0", "3.0"}, {"3.1", "3.1"}, {"3.2", "3.2"},
-    {"4.0", "4.0"}, {"4.1", "4.1"}, {"4.2", "4.2"}, {"5.0", "5.0"}};
+const std::vector<std::pair<const char*, const char*>>& Versions()
+{
+    static const auto versions = [] {
+        std::vector<std::pair<const char*, const char*>> rows;
+        for (const VersionRow& row : VERSION_Rows())
+            rows.emplace_back(row.text, row.text);
+        return rows;
+    }();
+    return versions;
+}
 
 struct CheckOptions {
     std::vector<std::string> arguments;
@@ -101,7 +111,7 @@ void AddCheck(CLI::App& app, int& exitCode)
                     "for in the folder of this name; without a folder, in the current one")
         ->type_name("NAME")
         ->group(input);
-    AddChoice(check, "--as", options->version, Versions,
+    AddChoice(check, "--as", options->version, Versions(),
               "Check as if the files declared this version")
         ->group(input);
     check.add_option("-j,--jobs", options->jobs, "Files read at once (default: number of cores)")
@@ -120,7 +130,9 @@ void AddCheck(CLI::App& app, int& exitCode)
     check.footer(
         "Exit code: 0 no errors, 1 errors found, 2 wrong usage or a file that could not be read "
         "or\n"
-        "declares a version after 5.0, 3 a file stopped the reader.\n\n"
+        "declares a version after " +
+        std::string(VERSION_Latest()->text) +
+        ", 3 a file stopped the reader.\n\n"
         "  quell check models/\n"
         "  quell check - --stdin-name models/tx.ibs <tx.ibs --format json");
     check.callback([options, &check, &exitCode] {

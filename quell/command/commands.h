@@ -23,10 +23,10 @@ CLI::Option* AddNumber(CLI::App& command, const std::string& name, const std::st
                        double least, std::function<void(double)> store,
                        const std::string& description);
 
-// An option that takes one of a table's words.
-template <typename T, size_t n>
-CLI::Option* AddChoice(CLI::App& command, const std::string& name, T& value,
-                       const std::pair<const char*, T> (&choices)[n],
+// An option that takes one of a table's words. A row is a pair, the word first; the table must
+// outlive the command.
+template <typename T, typename Table>
+CLI::Option* AddChoice(CLI::App& command, const std::string& name, T& value, const Table& choices,
                        const std::string& description)
 {
     std::string words;

@@ -35,7 +35,7 @@ FileToRead FindFileToRead(const std::string& path, FileType type)
     const std::string version = type == FILE_AMI ? "" : DeclaredVersion(path);
     if (BeyondKnown(version)) {
         file.laterVersion = version;
-        opening.version = LastKnownVersion;
+        opening.version = LastKnownVersion();
     }
     if (NeedsOtherName(opening)) {
         file.folder = std::make_unique<PrivateFolder>();

@@ -1,6 +1,9 @@
 // The IBIS version that a file declares.
 #include "quell/reader/version.h"
 
+#include <algorithm>
+
+#include "IbisParser/base/version.h"
 #include "quell/base/file_pointer.h"
 #include "quell/base/lines.h"
 
@@ -63,12 +66,24 @@ std::string DeclaredVersion(const std::string& path)
     return place ? place->value : "";
 }
 
+const char* LastKnownVersion()
+{
+    return VERSION_Latest()->text;
+}
+
 bool BeyondKnown(std::string_view version)
 {
     if (version.size() < 3 || version[1] != '.') return false;
     if (version.find_first_not_of("0123456789", 2) != std::string_view::npos) return false;
-    const bool more = version.find_first_not_of('0', 2) != std::string_view::npos;
-    return (version[0] == '5' && more) || ('6' <= version[0] && version[0] <= '9');
+    if (version[0] < '1' || version[0] > '9') return false;
+    const std::string_view latest = LastKnownVersion();
+    if (version[0] != latest[0]) return version[0] > latest[0];
+    const auto minor = [](std::string_view text) {
+        return text.substr(std::min(text.find_first_not_of('0', 2), text.size()));
+    };
+    const std::string_view own = minor(version);
+    const std::string_view last = minor(latest);
+    return own.size() != last.size() ? own.size() > last.size() : own > last;
 }
 
 bool CopyWithVersion(std::FILE* from, std::FILE* to, const VersionPlace& place,

@@ -21,9 +21,8 @@ std::optional<VersionPlace> FindVersion(std::FILE* file);
 // That value of the file; empty when there is none or the file cannot be read.
 std::string DeclaredVersion(const std::string& path);
 
-inline constexpr const char* LastKnownVersion = "5.0";
-
-// A version after that: 5.1 to 9.9.
+const char* LastKnownVersion();
+// A version after that, up to 9.9.
 bool BeyondKnown(std::string_view version);
 
 // Copies the file with another value at the place. False when that fails.

@@ -52,7 +52,7 @@ ViewedFile ViewFile(const std::string& path, const std::string& model)
     request.model = model;
     if (!file.laterVersion.empty())
         request.note = "The file declares version " + file.laterVersion +
-                       " and is read as version " + LastKnownVersion +
+                       " and is read as version " + LastKnownVersion() +
                        ", the last one known here: findings may come from the difference.";
     const auto work = [&request](const Opening& opening, FrameWriter& writer) {
         return SendPage(opening, request, writer);

@@ -4,6 +4,7 @@
 #include <initializer_list>
 
 #include "IbisParser/algmod.h"
+#include "IbisParser/base/keyword.h"
 #include "IbisParser/errlog.h"
 #include "IbisParser/ext.h"
 #include "IbisParser/isso.h"
@@ -288,29 +289,6 @@ enum { FIRST_CODE = KEY_EXTERNAL_MODEL, LAST_CODE = KEY_END_EMI_MODEL };
 static_assert(sizeof modelKeywords / sizeof modelKeywords[0] == LAST_CODE - FIRST_CODE + 1,
               "one row for each code, in order");
 
-// The class that brought a keyword.
-const struct {
-    int code;
-    int since;
-} sinceVersions[] = {
-#define KEY2(number, enumerator, name) {number, 2},
-#define KEY3(number, enumerator, name) {number, 3},
-#define KEY4(number, enumerator, name) {number, 4},
-#define KEY5(number, enumerator, name) {number, 5},
-#include "IbisParser/keywords.inc"
-#undef KEY2
-#undef KEY3
-#undef KEY4
-#undef KEY5
-};
-
-int keywordSince(int code)
-{
-    for (const auto& row : sinceVersions)
-        if (row.code == code) return row.since;
-    return 2;
-}
-
 const Part* findPart(int code)
 {
     return modelKeywords[code - FIRST_CODE].part;
@@ -372,8 +350,8 @@ int keywordLine(Mdl* model, int code, char* line)
 
     const char* name = SEC_KeywordName(code);
     const Part* part = findPart(code);
-    if (keywordSince(code) > SEC_Version())
-        ERRLOG_LineErrorNew(121, name, MDL_VersionName(keywordSince(code)));
+    if (KEYWORD_Row(code)->since > SEC_Version())
+        ERRLOG_LineErrorNew(121, name, VERSION_Since(KEYWORD_Row(code)->since));
     checkAllowed(model, code);
     if (!part->takesText) SEC_IgnoreText(117, SEC_Argument(line), name);
     const int isFirst = SEC_MarkFound(&model->found, code - FIRST_CODE);

@@ -21,7 +21,7 @@ const char* MDL_CornerName(int corner);  // "typ", "min", "max"
 
 // The name on the keyword line of a model or submodel; tooLong and furtherText are the messages for
 // a name that is cut and for text behind it.
-int MDL_NameLine(char* dest, char* text, int code, SecLimit limit, unsigned tooLong,
+int MDL_NameLine(char* dest, char* text, int code, VersionLimit limit, unsigned tooLong,
                  unsigned furtherText);
 // A number of a split sub-parameter line. What could not be read is marked CELL_NA, so that it
 // does not count as missing.
@@ -29,8 +29,6 @@ int MDL_SetSingle(RngSingle* slot, const CmnArgs* args, const char* name);
 // Warning 158 for every value of the line whose unit begins with "K"; skip items come before the
 // first value.
 void MDL_CheckScale(const char* line, int skip);
-// "3.0" and so on, for messages.
-const char* MDL_VersionName(int versionClass);
 
 // A data line directly under [Model].
 int MDL_SubParameter(Mdl* model, const char* line);

@@ -130,13 +130,6 @@ const char* MDL_CornerName(int corner)
     return names[corner];
 }
 
-const char* MDL_VersionName(int versionClass)
-{
-    static const char* const names[] = {"2.1", "3.0", "4.0", "5.0"};
-    CMN_ASSERT(versionClass >= 2 && versionClass <= 5);
-    return names[versionClass - 2];
-}
-
 int MDL_RangeLine(Mdl* model, int code, const char* text)
 {
     CMN_ASSERT(model != nullptr && text != nullptr);

@@ -122,8 +122,7 @@ int receive(Mdl* model, const CmnArgs* args, const char* line)
         ERRLOG_LineErrorNew(3102, name);
         return 0;
     }
-    if (row->since > SEC_Version())
-        ERRLOG_LineErrorNew(3103, row->name, MDL_VersionName(row->since));
+    if (row->since > SEC_Version()) ERRLOG_LineErrorNew(3103, row->name, VERSION_Since(row->since));
     const MdlTypeInfo* info = MDL_TypeInfo(model->type);
     if (info != nullptr && ((row->user == USER_RECEIVER && info->drives && !info->receives) ||
                             (row->user == USER_DRIVER && info->receives && !info->drives)))

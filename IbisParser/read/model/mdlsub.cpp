@@ -36,7 +36,7 @@ void setType(Mdl* model, const char* word)
     // The differential types came in the middle of class 4.
     if (info->since > SEC_Version())
         ERRLOG_LineErrorNew(110, info->name,
-                            info->differential ? "4.1" : MDL_VersionName(info->since));
+                            info->differential ? "4.1" : VERSION_Since(info->since));
     model->type = info->type;
 }
 
@@ -131,8 +131,7 @@ int receive(Mdl* model, const CmnArgs* args, const char* line)
         return 0;
     }
     noteSpelling(name, row->name);
-    if (row->since > SEC_Version())
-        ERRLOG_LineErrorNew(114, row->name, MDL_VersionName(row->since));
+    if (row->since > SEC_Version()) ERRLOG_LineErrorNew(114, row->name, VERSION_Since(row->since));
     const int isFirst = SEC_MarkFound(&given, static_cast<int>(row - subParameters));
     if (row->range != nullptr) {
         setCapacitance(model, &(model->*(row->range)), row->name, KRNG_Values(line));
@@ -180,7 +179,7 @@ int MDL_SubParameter(Mdl* model, const char* line)
     return done;
 }
 
-int MDL_NameLine(char* dest, char* text, int code, SecLimit limit, unsigned tooLong,
+int MDL_NameLine(char* dest, char* text, int code, VersionLimit limit, unsigned tooLong,
                  unsigned furtherText)
 {
     char* end = text;
