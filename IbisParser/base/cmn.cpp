@@ -5,6 +5,7 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "IbisParser/base/token.h"
 #include "IbisParser/errlog.h"
 #include "IbisParser/parse.h"
 
@@ -84,11 +85,6 @@ char* CMN_StrMakeN(const char* s, int n)
 
 // Strings. Character classes are those of the C locale, written out.
 
-static bool s_isSpace(char c)
-{
-    return c == ' ' || (c >= '\t' && c <= '\r');
-}
-
 static char s_toUpper(char c)
 {
     return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
@@ -140,7 +136,7 @@ int CMN_MatchKeyword(const char* a, char* b)
 
 int CMN_IsWhitespace(int c)
 {
-    return c == ' ' || (c >= '\t' && c <= '\r');
+    return c >= 0 && c < 128 && TOKEN_IsBlank(static_cast<char>(c));
 }
 
 // The end of a scan from s over the characters that pass. Lines are short: a scan that goes on and
@@ -157,13 +153,13 @@ static char* s_scan(char* s, Passes passes)
 void CMN_EatWhitespace(char** p)
 {
     CMN_ASSERT(p != nullptr && *p != nullptr);
-    *p = s_scan(*p, s_isSpace);
+    *p = s_scan(*p, TOKEN_IsBlank);
 }
 
 void CMN_EatNonWhitespace(char** p)
 {
     CMN_ASSERT(p != nullptr && *p != nullptr);
-    *p = s_scan(*p, [](char c) { return c != '\0' && !s_isSpace(c); });
+    *p = s_scan(*p, [](char c) { return c != '\0' && !TOKEN_IsBlank(c); });
 }
 
 int CMN_EatKeyword(char** p)
@@ -180,7 +176,7 @@ void CMN_TerminateEnd(char* s)
 {
     CMN_ASSERT(s != nullptr);
     char* end = s + std::strlen(s);
-    while (end > s && s_isSpace(end[-1]))
+    while (end > s && TOKEN_IsBlank(end[-1]))
         --end;
     // Every trailing blank, not only the first: the buffer holds no rest of the line.
     while (*end != '\0')
@@ -276,8 +272,7 @@ int CMN_ArgParsePlus(const char* line, int maxArgs, char sep, CmnArgs* args)
         }
     }
     for (const char* s = line;;) {
-        while (s_isSpace(*s))
-            ++s;
+        s = TOKEN_SkipBlanks(s);
         if (*s == '\0') return 1;
         const char* end = s_tokenEnd(s, sep);
         if (args->nStored < maxArgs) {

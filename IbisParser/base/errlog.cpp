@@ -217,7 +217,7 @@ void ERRLOG_GetCounts(unsigned long* bugs, unsigned long* errors, unsigned long*
     if (warnings != nullptr) *warnings = gulWarn_cnt;
 }
 
-void ERRLOG_Totals(void)
+void ERRLOG_Totals()
 {
     FILE* stream = s_stream();
     if (gulBug_cnt != 0 || gulError_cnt != 0 || gulWarn_cnt != 0) std::fprintf(stream, "\n");

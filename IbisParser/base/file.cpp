@@ -4,6 +4,7 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "IbisParser/base/token.h"
 #include "IbisParser/base/version.h"
 #include "IbisParser/cmn.h"
 #include "IbisParser/errlog.h"
@@ -244,10 +245,7 @@ static int s_versionOf(const char* line)
 {
     if (!CMN_StrSameICn(line, "[IBIS Ver]", 10) && !CMN_StrSameICn(line, "[IBIS_Ver]", 10))
         return 0;
-    const char* version = line + 10;
-    while (CMN_IsWhitespace(*version))
-        ++version;
-    return VERSION_Probe(version);
+    return VERSION_Probe(TOKEN_SkipBlanks(line + 10));
 }
 
 int CMN_getIbisVer(const char* name, unsigned long* lines, int kind)
@@ -264,9 +262,7 @@ int CMN_getIbisVer(const char* name, unsigned long* lines, int kind)
     char buf[VERSION_LINE_MAX + 1] = "";
     while (CMN_GetLine(buf, sizeof buf, file) != nullptr) {
         ++*lines;
-        const char* start = buf;
-        while (CMN_IsWhitespace(*start))
-            ++start;
+        const char* start = TOKEN_SkipBlanks(buf);
         if (*start != '[') continue;
         version = s_versionOf(start);
         break;

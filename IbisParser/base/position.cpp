@@ -63,7 +63,7 @@ void POSITION_Reset(FileType fileType)
     geCurrFileType = fileType;
 }
 
-unsigned long PARSE_GetLineNum(void)
+unsigned long PARSE_GetLineNum()
 {
     return gulLineNum;
 }

@@ -1,14 +1,13 @@
 // Reading of typ, min, max triples.
 #include "IbisParser/rng.h"
 
+#include "IbisParser/base/corner.h"
 #include "IbisParser/cmn.h"
 #include "IbisParser/errlog.h"
 
 static const char s_Module[] = "IbisParser/rng";
 
 enum { CELLS = 3 };
-
-static const char* const s_corners[CELLS] = {"", "minimum", "maximum"};
 
 static void s_checkCount(int found, const char* keyword)
 {
@@ -17,7 +16,7 @@ static void s_checkCount(int found, const char* keyword)
         return;
     }
     for (int i = found; i < CELLS; ++i)
-        ERRLOG_LineErrorNew(3901, s_corners[i], keyword);
+        ERRLOG_LineErrorNew(3901, CORNER_Name(i), keyword);
 }
 
 // min above max is not looked at: which corner is the larger depends on the quantity.
@@ -49,9 +48,12 @@ int RNG_ParseRange(const char* text, const char* keyword, RngRange** out)
         RngRange* range = static_cast<RngRange*>(block);
         *out = range;
         // Every cell is read, also after a bad one.
-        ok = CMN_GetColValue(args.argv[0], "Typical", keyword, &range->typ, &range->typState);
-        ok &= CMN_GetColValue(args.argv[1], "Minimum", keyword, &range->min, &range->minState);
-        ok &= CMN_GetColValue(args.argv[2], "Maximum", keyword, &range->max, &range->maxState);
+        ok = CMN_GetColValue(args.argv[0], CORNER_Title(CORNER_TYP), keyword, &range->typ,
+                             &range->typState);
+        ok &= CMN_GetColValue(args.argv[1], CORNER_Title(CORNER_MIN), keyword, &range->min,
+                              &range->minState);
+        ok &= CMN_GetColValue(args.argv[2], CORNER_Title(CORNER_MAX), keyword, &range->max,
+                              &range->maxState);
         s_checkOrder(range);
     }
     CMN_ArgFree(&args);

@@ -1,6 +1,7 @@
 // Reading and linking of range-table lines.
 #include "IbisParser/rngp.h"
 
+#include "IbisParser/base/corner.h"
 #include "IbisParser/base/rngp.h"
 #include "IbisParser/cmn.h"
 #include "IbisParser/errlog.h"
@@ -9,8 +10,6 @@ static const char s_Module[] = "IbisParser/rngp";
 
 enum { COLUMNS = 4 };
 
-static const char* const s_corners[COLUMNS] = {"", "typical", "minimum", "maximum"};
-
 static void s_checkCount(int found, const char* keyword)
 {
     if (found == 0 || found > COLUMNS) {
@@ -18,7 +17,7 @@ static void s_checkCount(int found, const char* keyword)
         return;
     }
     for (int i = found; i < COLUMNS; ++i)
-        ERRLOG_LineErrorNew(1401, s_corners[i], keyword);
+        ERRLOG_LineErrorNew(1401, CORNER_Name(i - 1), keyword);
 }
 
 static void s_reportRepeated(double x)

@@ -1,4 +1,5 @@
-// Splitting of a line in place, for data lines whose number makes copies of every token too dear.
+// Blanks of a line, and its splitting in place, for data lines whose number makes copies of every
+// token too dear. Unlike the scanners of cmn these take lines of any length.
 #ifndef IBISPARSER_BASE_TOKEN_H
 #define IBISPARSER_BASE_TOKEN_H
 
@@ -26,11 +27,15 @@ inline char* TOKEN_Next(char** text)
 }
 
 // What follows the blanks at the beginning of the text.
-inline char* TOKEN_SkipBlanks(char* text)
+inline const char* TOKEN_SkipBlanks(const char* text)
 {
     while (TOKEN_IsBlank(*text))
         ++text;
     return text;
+}
+inline char* TOKEN_SkipBlanks(char* text)
+{
+    return const_cast<char*>(TOKEN_SkipBlanks(const_cast<const char*>(text)));
 }
 
 // Tokens of the text, which stays as it is.

@@ -3,6 +3,7 @@
 
 #include <cmath>
 
+#include "IbisParser/base/corner.h"
 #include "IbisParser/base/index.h"
 #include "IbisParser/check/acdc.h"
 #include "IbisParser/errlog.h"
@@ -24,7 +25,7 @@ static bool s_isComplete(const Mdl* model, const AcdcCorner* corner)
         s_hasCorner(model->pullup, corner->corner) ||
         s_hasCorner(model->gndClamp, corner->corner) ||
         s_hasCorner(model->powerClamp, corner->corner))
-        ERRLOG_NoteNew(2404, model->name, TABLE_CornerName(corner->corner));
+        ERRLOG_NoteNew(2404, model->name, CORNER_Name(corner->corner));
     return false;
 }
 
@@ -140,7 +141,7 @@ static void s_checkPulses(const SubMdl* submodel, const Mdl* model)
         const double amplitude = std::fmax(s_amplitude(submodel->gndPulse, corner),
                                            s_amplitude(submodel->powerPulse, corner));
         if (amplitude > high - low) {
-            ERRLOG_WarnNew(2439, submodel->name, TABLE_CornerShort(corner), amplitude, high - low);
+            ERRLOG_WarnNew(2439, submodel->name, CORNER_Short(corner), amplitude, high - low);
             return;
         }
     }

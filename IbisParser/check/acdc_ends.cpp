@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "IbisParser/base/corner.h"
 #include "IbisParser/check/acdc.h"
 #include "IbisParser/check/waveforms.h"
 #include "IbisParser/cmn.h"
@@ -66,7 +67,7 @@ static bool s_level(const AcdcBuffer* buffer, const AcdcCorner* corner, const Fi
                     int state, double end, Said* said, double* level)
 {
     const double near = fixture->vf + (end - fixture->vf) * fixture->total / fixture->r;
-    const char* name = TABLE_CornerShort(corner->corner);
+    const char* name = CORNER_Short(corner->corner);
     AcdcPoint point;
     if (!ACDC_SolveState(corner->state[state], fixture->total, fixture->vf, near, &point)) {
         if (said != nullptr && !said->none[state])
@@ -114,7 +115,7 @@ static void s_compare(const AcdcBuffer* buffer, const AcdcCorner* corner, int ed
         if (!corner->driven[s_stateAt(edge, end)]) continue;
         const double share = std::fabs(ends->wave[end] - ends->table[end]) / swing;
         const unsigned* numbers = buffer->numbers->end[edge][end];
-        const char* name = TABLE_CornerShort(corner->corner);
+        const char* name = CORNER_Short(corner->corner);
         if (share > ACDC_ERR)
             ERRLOG_ErrorNew(numbers[1], buffer->name, name, fixture->r, fixture->vf,
                             ends->wave[end], ends->table[end]);
@@ -137,7 +138,7 @@ static void s_checkWaveform(const AcdcBuffer* buffer, const AcdcCorner* corner,
     if (swing >= ACDC_MIN_SWING)
         s_compare(buffer, corner, edge, &fixture, &ends, swing);
     else if (!WVFRM_FixtureHidesEdge(waveform, buffer->model, corner->corner))
-        ERRLOG_WarnNew(buffer->numbers->noSwing, buffer->name, TABLE_CornerShort(corner->corner),
+        ERRLOG_WarnNew(buffer->numbers->noSwing, buffer->name, CORNER_Short(corner->corner),
                        fixture.r, fixture.vf);
 }
 
@@ -159,9 +160,8 @@ static void s_compareEdges(const AcdcBuffer* buffer, const AcdcCorner* corner, c
         const double a = up.wave[state == CURVE_HIGH];
         const double b = down.wave[state == CURVE_LOW];
         if (std::fabs(a - b) > ACDC_WARN * swing)
-            ERRLOG_WarnNew(buffer->numbers->disagree, buffer->name,
-                           TABLE_CornerShort(corner->corner), fixture.r, fixture.vf,
-                           s_stateNames[state], a, b);
+            ERRLOG_WarnNew(buffer->numbers->disagree, buffer->name, CORNER_Short(corner->corner),
+                           fixture.r, fixture.vf, s_stateNames[state], a, b);
     }
 }
 

@@ -367,7 +367,7 @@ _tagTreeStruct* AMICHECK_Parameters()
     return tree;
 }
 
-int AMI_Test(void)
+int AMI_Test()
 {
     _tagTreeStruct* tree = AMICHECK_Parameters();
     FreeParsedTree(&tree);

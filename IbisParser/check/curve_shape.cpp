@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "IbisParser/base/corner.h"
 #include "IbisParser/check/curve.h"
 #include "IbisParser/cmn.h"
 #include "IbisParser/errlog.h"
@@ -92,7 +93,7 @@ static void s_keep(Worst* worst, const CurveRun* run, double limit, int corner)
 
 static void s_reportInside(const Mdl* model, int state, const Worst* worst)
 {
-    const char* corner = TABLE_CornerShort(worst->corner);
+    const char* corner = CORNER_Short(worst->corner);
     if (state == CURVE_HIGH)
         ERRLOG_WarnNew(4702, model->name, corner, worst->run.from);
     else if (state == CURVE_LOW)
@@ -129,7 +130,7 @@ void CURVE_CheckShape(const Mdl* model, const CurveSet* set, CurveFalls* falls, 
         if (inside.found)
             s_reportInside(model, state, &inside);
         else if (beyond.found)
-            ERRLOG_CautionNew(4723, model->name, TABLE_CornerShort(beyond.corner), names[state],
+            ERRLOG_CautionNew(4723, model->name, CORNER_Short(beyond.corner), names[state],
                               beyond.run.loss, beyond.run.from, beyond.run.to);
     }
 }

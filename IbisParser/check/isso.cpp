@@ -1,6 +1,7 @@
 // Span and value of the supply-collapse tables, time spans of composite currents.
 #include <cmath>
 
+#include "IbisParser/base/corner.h"
 #include "IbisParser/cmn.h"
 #include "IbisParser/curve.h"
 #include "IbisParser/errlog.h"
@@ -32,7 +33,7 @@ static void s_testDrive(const Mdl* model, const IssoRow* isso, int corner, doubl
         !CURVE_Eval(model->*isso->drive, corner, supply, 0, &drive, &outside) || outside)
         return;
     if (std::fabs(atZero - drive) > ISSO_DRIVE_TOLERANCE * std::fabs(drive))
-        ERRLOG_WarnNew(4908, model->name, TABLE_CornerShort(corner), isso->name, atZero, drive);
+        ERRLOG_WarnNew(4908, model->name, CORNER_Short(corner), isso->name, atZero, drive);
 }
 
 static void s_testTables(const Mdl* model, const IssoRow* isso)

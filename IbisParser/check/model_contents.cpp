@@ -1,6 +1,7 @@
 // Completeness and plausibility of models.
 #include <cmath>
 
+#include "IbisParser/base/corner.h"
 #include "IbisParser/check/model.h"
 #include "IbisParser/errlog.h"
 #include "IbisParser/read/model/table.h"
@@ -156,9 +157,9 @@ static void s_checkCorners(const Mdl* model, const bool* hasCorner, bool data)
             if (numeric == 0 && s_state(supply.range, corner) == CELL_NUMBER) numeric = supply.code;
         }
         if (numeric != 0 && data && !hasCorner[corner])
-            ERRLOG_NoteNew(714, model->name, SEC_KeywordName(numeric), TABLE_CornerName(corner));
+            ERRLOG_NoteNew(714, model->name, SEC_KeywordName(numeric), CORNER_Name(corner));
         if (numeric == 0 && given > 0 && hasCorner[corner])
-            ERRLOG_WarnNew(715, model->name, TABLE_CornerName(corner));
+            ERRLOG_WarnNew(715, model->name, CORNER_Name(corner));
     }
 }
 

@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "IbisParser/base/corner.h"
 #include "IbisParser/check/curve.h"
 #include "IbisParser/check/table.h"
 #include "IbisParser/cmn.h"
@@ -56,9 +57,9 @@ static void s_checkMonotonic(const Vitbl* table, const VitblContext* context)
     }
     if (worstCorner == CORNER_COUNT) return;
     if (context->shape == VITBL_OWN_SHAPE) {
-        ERRLOG_WarnNew(3211, table->name, table->owner, TABLE_CornerName(worstCorner), worst.from);
+        ERRLOG_WarnNew(3211, table->name, table->owner, CORNER_Name(worstCorner), worst.from);
     } else if (!*context->soundSaid) {
-        ERRLOG_NoteNew(4718, table->owner, TABLE_CornerShort(worstCorner), table->name);
+        ERRLOG_NoteNew(4718, table->owner, CORNER_Short(worstCorner), table->name);
         *context->soundSaid = true;
     }
 }
@@ -80,7 +81,7 @@ static void s_checkSize(const Vitbl* table)
         }
     }
     if (std::fabs(largest) > LARGE_CURRENT)
-        ERRLOG_WarnNew(3212, table->name, table->owner, TABLE_CornerName(corner), largest);
+        ERRLOG_WarnNew(3212, table->name, table->owner, CORNER_Name(corner), largest);
     if (std::fabs(farthest) > LARGE_VOLTAGE)
         ERRLOG_WarnNew(3213, table->name, table->owner, farthest);
 }
@@ -95,7 +96,7 @@ static void s_checkZero(const Vitbl* table, const VitblContext* context)
         if (current != 0.0) return;
     }
     if (context->mustConduct && numbers > 0)
-        ERRLOG_WarnNew(3214, table->name, table->owner, TABLE_CornerName(CORNER_TYP));
+        ERRLOG_WarnNew(3214, table->name, table->owner, CORNER_Name(CORNER_TYP));
 }
 
 // The largest step among points of one voltage, which stand side by side in [first, last).
@@ -144,8 +145,7 @@ static void s_checkSteps(const Vitbl* table, const VitblContext* context)
         if (worst.i > before) worstCorner = corner;
     }
     if (worstCorner != CORNER_COUNT)
-        ERRLOG_WarnNew(3215, table->name, table->owner, TABLE_CornerName(worstCorner), worst.i,
-                       worst.v);
+        ERRLOG_WarnNew(3215, table->name, table->owner, CORNER_Name(worstCorner), worst.i, worst.v);
 }
 
 // Both columns hold the same numbers, and not only zeros.
@@ -166,7 +166,7 @@ static void s_checkCorners(const Vitbl* table, const VitblContext* context)
     for (int corner = CORNER_MIN; corner <= CORNER_MAX; ++corner) {
         if (table->head != nullptr && context->hasCorner[corner] &&
             VITBL_CountNumbers(table, corner) == 0)
-            ERRLOG_NoteNew(3217, table->name, table->owner, TABLE_CornerName(corner));
+            ERRLOG_NoteNew(3217, table->name, table->owner, CORNER_Name(corner));
     }
     if (!context->comparesCorners) return;
     if (s_sameCorners(table)) ERRLOG_NoteNew(3226, table->name, table->owner);
@@ -237,7 +237,7 @@ void VITBL_CheckMosfets(const Vitbl* list, const VitblContext* context)
     });
     for (int k = 1; k < count; ++k) {
         if (s_carriesLess(byVds[k - 1], byVds[k], context)) {
-            ERRLOG_WarnNew(3211, byVds[k]->name, byVds[k]->owner, TABLE_CornerName(CORNER_TYP),
+            ERRLOG_WarnNew(3211, byVds[k]->name, byVds[k]->owner, CORNER_Name(CORNER_TYP),
                            byVds[k]->vds.value);
             return;
         }

@@ -3,6 +3,7 @@
 #include <cmath>
 #include <initializer_list>
 
+#include "IbisParser/base/corner.h"
 #include "IbisParser/check/curve.h"
 #include "IbisParser/check/waveforms.h"
 #include "IbisParser/cmn.h"
@@ -129,7 +130,7 @@ static void s_checkDirection(const Wvfrm* waveform, const Mdl* model, const Edge
     bool hidden = false;
     for (int corner = 0; corner < CORNER_COUNT; ++corner) {
         const Edge* edge = &edges[corner];
-        const char* column = TABLE_CornerName(corner);
+        const char* column = CORNER_Name(corner);
         if (edge->numbers < 2) continue;
         if (std::fabs(edge->last - edge->first) < NO_SWING) {
             if (!WVFRM_FixtureHidesEdge(waveform, model, corner))
@@ -155,8 +156,8 @@ static void s_checkSettled(const Wvfrm* waveform, const Edge* edges)
         },
         &worst);
     if (corner != CORNER_COUNT && worst >= SETTLED_SHARE)
-        ERRLOG_WarnNew(1826, SEC_KeywordName(waveform->kind), waveform->owner,
-                       TABLE_CornerName(corner), "end");
+        ERRLOG_WarnNew(1826, SEC_KeywordName(waveform->kind), waveform->owner, CORNER_Name(corner),
+                       "end");
 }
 
 static void s_checkOvershoot(const Wvfrm* waveform, const Edge* edges)
@@ -172,7 +173,7 @@ static void s_checkOvershoot(const Wvfrm* waveform, const Edge* edges)
         &worst);
     if (corner != CORNER_COUNT && worst > OVERSHOOT_SHARE)
         ERRLOG_CautionNew(1832, SEC_KeywordName(waveform->kind), waveform->owner,
-                          TABLE_CornerName(corner), 100.0 * worst);
+                          CORNER_Name(corner), 100.0 * worst);
 }
 
 static void s_checkValues(const Wvfrm* waveform, const Edge* edges)
@@ -185,7 +186,7 @@ static void s_checkValues(const Wvfrm* waveform, const Edge* edges)
         const double largest =
             std::fabs(edge->highest) >= std::fabs(edge->lowest) ? edge->highest : edge->lowest;
         if (std::fabs(largest) > LARGE_VOLTAGE)
-            ERRLOG_WarnNew(1823, keyword, waveform->owner, TABLE_CornerName(corner), largest);
+            ERRLOG_WarnNew(1823, keyword, waveform->owner, CORNER_Name(corner), largest);
         lastTime = std::max(lastTime, edge->lastTime);
     }
     if (lastTime > LONG_TIME) ERRLOG_CautionNew(1840, keyword, waveform->owner, lastTime);
@@ -290,8 +291,7 @@ static void s_checkEdge(const Wvfrm* waveform, const Mdl* model, const bool* has
     s_checkTypical(waveform, &edges[CORNER_TYP], said);
     for (int corner = CORNER_MIN; corner <= CORNER_MAX && waveform->head != nullptr; ++corner) {
         if (edges[corner].numbers > 0 || !hasCorner[corner] || said->corner[corner]) continue;
-        ERRLOG_NoteNew(1830, SEC_KeywordName(waveform->kind), waveform->owner,
-                       TABLE_CornerName(corner));
+        ERRLOG_NoteNew(1830, SEC_KeywordName(waveform->kind), waveform->owner, CORNER_Name(corner));
         said->corner[corner] = true;
     }
     s_checkOvershoot(waveform, edges);

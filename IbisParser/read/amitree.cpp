@@ -6,6 +6,7 @@
 #include <cstring>
 
 #include "IbisParser/base/clocale.h"
+#include "IbisParser/base/token.h"
 #include "IbisParser/cmn.h"
 
 static const char s_Module[] = "IbisParser/amitree";
@@ -57,8 +58,7 @@ static void s_setStringType(int* wordType, const char* text)
 // What strtol takes to the end, out-of-range numbers included.
 static bool s_isInteger(const char* text)
 {
-    while (CMN_IsWhitespace(*text))
-        ++text;
+    text = TOKEN_SkipBlanks(text);
     if (*text == '+' || *text == '-') ++text;
     const char* digits = text;
     while (*text >= '0' && *text <= '9')
@@ -166,7 +166,7 @@ static int s_readValue(Scan* scan, _tagLeafStruct* leaf)
         s_skipTo(&end, " \t\n\v\f\r()");
         scan->at = end;
     }
-    while (end > start && CMN_IsWhitespace(end[-1]))
+    while (end > start && TOKEN_IsBlank(end[-1]))
         --end;
     const int result = s_addValue(leaf, start, static_cast<int>(end - start));
     CMN_EatWhitespace(&scan->at);

@@ -39,7 +39,7 @@ static int s_currentKeyword = NOT_KEY;
 static bool s_found[KEY_COPYRIGHT + 1];
 static TextSize s_textSizes[TEXT_KEYWORDS];
 
-static bool s_anyFound(void)
+static bool s_anyFound()
 {
     for (bool found : s_found)
         if (found) return true;
@@ -178,7 +178,7 @@ static int s_getField(char* field, char** out)
     return s_getText(field[0] != '\0' ? field : nullptr, out);
 }
 
-int HDR_Init(void)
+int HDR_Init()
 {
     IbisRoot* root = nullptr;
     s_open = nullptr;

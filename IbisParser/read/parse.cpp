@@ -7,6 +7,7 @@
 #include "IbisParser/base/keyword.h"
 #include "IbisParser/base/position.h"
 #include "IbisParser/base/textbuf.h"
+#include "IbisParser/base/token.h"
 #include "IbisParser/base/version.h"
 #include "IbisParser/errlog.h"
 #include "IbisParser/ibis.h"
@@ -28,19 +29,6 @@ static void s_banner(const char* name, const char* version)
 {
     if (!gbSuppressBanners)
         std::printf("\nChecking %s for IBIS %s Compatibility...\n\n", name, version);
-}
-
-static bool s_isBlank(char c)
-{
-    return CMN_IsWhitespace(static_cast<unsigned char>(c)) != 0;
-}
-
-// Unlike the common scanners without a limit: lines of any length are skipped over.
-static char* s_skipBlanks(char* text)
-{
-    while (s_isBlank(*text))
-        ++text;
-    return text;
 }
 
 // Cuts at the comment character and trims the end.
@@ -74,7 +62,7 @@ static bool s_isCommentKeyword(const char* line)
 static void s_setComment(char* line)
 {
     static const char suffix[] = "_char";
-    const char* text = s_skipBlanks(line + COMMENT_KEYWORD_LEN);
+    const char* text = TOKEN_SkipBlanks(line + COMMENT_KEYWORD_LEN);
     const char character = text[0];
     if (character == '\0' || std::strncmp(text + 1, suffix, sizeof suffix - 1) != 0) {
         ERRLOG_LineErrorNew(917);
@@ -85,7 +73,7 @@ static void s_setComment(char* line)
     const auto startsComment = [character](char c) {
         return c == '\0' || c == gpcComment || c == character;
     };
-    if (!s_isBlank(*rest) && !startsComment(*rest)) {
+    if (!TOKEN_IsBlank(*rest) && !startsComment(*rest)) {
         ERRLOG_LineErrorNew(917);
         return;
     }
@@ -93,12 +81,12 @@ static void s_setComment(char* line)
         ERRLOG_LineErrorNew(918, character);
         return;
     }
-    if (!startsComment(*s_skipBlanks(rest))) ERRLOG_LineErrorNew(919);
+    if (!startsComment(*TOKEN_SkipBlanks(rest))) ERRLOG_LineErrorNew(919);
     gpcComment = character;
 }
 
 // Under these keywords an indented bracket is text.
-static bool s_inHeaderText(void)
+static bool s_inHeaderText()
 {
     return KEYWORD_HasRule(geCurrentKeyword, RULE_TEXT);
 }
@@ -106,7 +94,7 @@ static bool s_inHeaderText(void)
 static void s_readLine(char* line)
 {
     s_testLine(line);
-    char* text = s_skipBlanks(line);
+    char* text = TOKEN_SkipBlanks(line);
     if (*text == '\0' || *text == gpcComment) return;
     int kind = LINE_DATA;
     if (*text == '[' && (text == line || !s_inHeaderText())) {
@@ -156,7 +144,7 @@ static int s_readDocument(const char* name, FileType fileType)
 static bool s_beginsDescription(char* line)
 {
     static const char word[] = "Description";
-    return line[0] == '(' && std::strncmp(s_skipBlanks(line + 1), word, sizeof word - 1) == 0;
+    return line[0] == '(' && std::strncmp(TOKEN_SkipBlanks(line + 1), word, sizeof word - 1) == 0;
 }
 
 // Appends a line of a parameter file to gsBuffer: 1 done, 0 when memory ran out.
@@ -216,7 +204,7 @@ static int s_readParameters(std::FILE* file)
     return ok;
 }
 
-int INIT(void)
+int INIT()
 {
     if (IBIS_New()) return 1;
     ERRLOG_ErrorNew(3900, "IBIS", s_Module, __LINE__);
@@ -232,7 +220,7 @@ int PARSE(const char* name, int fileType)
     return CMN_OpenFile(name, FILE_AMI, &file, gsFileName) && s_readParameters(file);
 }
 
-int FINI(void)
+int FINI()
 {
     IbisRoot* root = nullptr;
     if (IBIS_GetIBIS(&root)) IBIS_Free(root);

@@ -35,7 +35,7 @@ static int s_add(IbisRoot* root, T* IbisRoot::*list, T* item)
     return SEC_AddLink(&(root->*list), item);
 }
 
-int IBIS_New(void)
+int IBIS_New()
 {
     void* block = nullptr;
     if (!CMN_malloc(&block, sizeof(IbisRoot))) return 0;

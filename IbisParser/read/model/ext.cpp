@@ -1,6 +1,7 @@
 // [External Circuit] and [External Model]: the lines that both are made of.
 #include "IbisParser/ext.h"
 
+#include "IbisParser/base/corner.h"
 #include "IbisParser/errlog.h"
 #include "IbisParser/read/component/cmpnt.h"
 #include "IbisParser/read/model/ext.h"
@@ -11,8 +12,6 @@ static const SecFrame s_frame = {s_Module, 3400, 3401, 3402, 3403, 3404, 3405};
 // The circuit and the model's block that are being read.
 static ExtReading s_circuit = {};
 static ExtReading s_model = {};
-
-static const char* const s_corners[] = {"Typ", "Min", "Max", nullptr};
 
 // Digital languages know digital ports; the others reach them through conversions.
 static const struct ExtLanguageRow {
@@ -87,7 +86,7 @@ static void s_readLanguage(ExtReading* reading, const CmnArgs* args)
 
 static int s_cornerOf(const char* text)
 {
-    const int corner = KRNG_Word(text, s_corners) - 1;
+    const int corner = CORNER_Find(text);
     if (corner < 0) ERRLOG_LineErrorNew(3415, text);
     return corner;
 }
@@ -98,7 +97,7 @@ static void s_readCorner(ExtReading* reading, const CmnArgs* args)
     if (corner < 0) return;
     for (const ExtCornerRow* row = reading->item->corners; row != nullptr; row = row->next)
         if (row->corner == corner) {
-            ERRLOG_LineErrorNew(3416, s_corners[corner]);
+            ERRLOG_LineErrorNew(3416, CORNER_ShortTitle(corner));
             return;
         }
     if (CMN_AnyUpper(args->argv[2])) ERRLOG_LineWarnNew(3417, args->argv[2]);
@@ -184,7 +183,7 @@ static void s_checkConversion(ExtReading* reading, const ExtConversion* row)
     char key[SIZE_NAME + 16];
     std::snprintf(key, sizeof key, "%s %s %d", name, row->digital, row->corner);
     if (!SEC_SetAdd(&reading->conversions, key))
-        ERRLOG_LineErrorNew(3431, name, row->digital, s_corners[row->corner]);
+        ERRLOG_LineErrorNew(3431, name, row->digital, CORNER_ShortTitle(row->corner));
 }
 
 // Reads items from `from` on as numbers; 1 when all could be read.
@@ -282,7 +281,8 @@ static void s_checkWhole(const ExtReading* reading)
             if (item->ports != nullptr && !EXT_HasPort(item, port))
                 ERRLOG_LineErrorNew(3427, name, port);
         if (!s_hasCorner(item, row->corner))
-            ERRLOG_LineWarnNew(3432, name, s_corners[row->corner], s_corners[row->corner]);
+            ERRLOG_LineWarnNew(3432, name, CORNER_ShortTitle(row->corner),
+                               CORNER_ShortTitle(row->corner));
     }
 }
 

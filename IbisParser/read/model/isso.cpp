@@ -1,6 +1,7 @@
 // Reading of composite currents, and presence of the supply-collapse tables.
 #include "IbisParser/isso.h"
 
+#include "IbisParser/base/corner.h"
 #include "IbisParser/base/rngp.h"
 #include "IbisParser/cmn.h"
 #include "IbisParser/errlog.h"
@@ -72,7 +73,7 @@ int ISSO_Fini(Mdl* model, Wvfrm* waveform)
         ERRLOG_LineErrorNew(4904, model->name, waveform->compositeCount);
     for (int corner = CORNER_TYP; corner < CORNER_COUNT && head != nullptr; ++corner) {
         if (TABLE_EndIsNA(head, tail, corner))
-            ERRLOG_LineErrorNew(4911, model->name, TABLE_CornerName(corner));
+            ERRLOG_LineErrorNew(4911, model->name, CORNER_Name(corner));
     }
     TABLE_EndReading(&waveform->compositeReading);
     return 1;

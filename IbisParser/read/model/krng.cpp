@@ -5,6 +5,8 @@
 #include <cmath>
 #include <cstring>
 
+#include "IbisParser/base/corner.h"
+#include "IbisParser/base/token.h"
 #include "IbisParser/errlog.h"
 
 static const char s_Module[] = "IbisParser/krng";
@@ -42,22 +44,15 @@ int KRNG_Split(const char* line, int max, CmnArgs* args)
     return 1;
 }
 
-static const char* s_skipBlanks(const char* text)
-{
-    while (*text != '\0' && CMN_IsWhitespace(static_cast<unsigned char>(*text)))
-        ++text;
-    return text;
-}
-
 const char* KRNG_Values(const char* line)
 {
     CMN_ASSERT(line != nullptr);
-    const char* text = s_skipBlanks(line);
-    while (*text != '\0' && *text != '=' && !CMN_IsWhitespace(static_cast<unsigned char>(*text)))
+    const char* text = TOKEN_SkipBlanks(line);
+    while (*text != '\0' && *text != '=' && !TOKEN_IsBlank(*text))
         ++text;
-    text = s_skipBlanks(text);
+    text = TOKEN_SkipBlanks(text);
     while (*text == '=')
-        text = s_skipBlanks(text + 1);
+        text = TOKEN_SkipBlanks(text + 1);
     return text;
 }
 

@@ -17,7 +17,6 @@ RngSingle MDL_Cell(const RngRange* range, int corner);
 RngSingle MDL_CellOrTyp(const RngRange* range, int corner);
 // The least number of a range, infinity when it has none.
 double MDL_Least(const RngRange* range);
-const char* MDL_CornerName(int corner);  // "typ", "min", "max"
 
 // The name on the keyword line of a model or submodel; tooLong and furtherText are the messages for
 // a name that is cut and for text behind it.

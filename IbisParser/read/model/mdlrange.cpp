@@ -123,13 +123,6 @@ double MDL_Least(const RngRange* range)
     return least;
 }
 
-const char* MDL_CornerName(int corner)
-{
-    static const char* const names[CORNER_COUNT] = {"typ", "min", "max"};
-    CMN_ASSERT(corner >= 0 && corner < CORNER_COUNT);
-    return names[corner];
-}
-
 int MDL_RangeLine(Mdl* model, int code, const char* text)
 {
     CMN_ASSERT(model != nullptr && text != nullptr);

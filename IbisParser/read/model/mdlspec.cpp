@@ -4,6 +4,7 @@
 #include <cmath>
 #include <initializer_list>
 
+#include "IbisParser/base/corner.h"
 #include "IbisParser/errlog.h"
 #include "IbisParser/krng.h"
 #include "IbisParser/read/model/mdl.h"
@@ -148,8 +149,8 @@ void checkAbove(const Mdl* model, MdlSpecItem high, MdlSpecItem low,
         const RngSingle a = hasHigh ? cell(model, high, corner) : ownHigh;
         const RngSingle b = hasLow ? cell(model, low, corner) : ownLow;
         if (MDL_IsNumber(a) && MDL_IsNumber(b) && a.value <= b.value)
-            ERRLOG_LineErrorNew(3107, model->name, items[high].name, MDL_CornerName(corner),
-                                a.value, items[low].name, b.value);
+            ERRLOG_LineErrorNew(3107, model->name, items[high].name, CORNER_Short(corner), a.value,
+                                items[low].name, b.value);
     }
 }
 

@@ -2,6 +2,8 @@
 #include <cctype>
 
 #include "IbisParser/base/clocale.h"
+#include "IbisParser/base/corner.h"
+#include "IbisParser/base/token.h"
 #include "IbisParser/errlog.h"
 #include "IbisParser/krng.h"
 #include "IbisParser/read/model/mdl.h"
@@ -103,7 +105,7 @@ void setCapacitance(const Mdl* model, RngRange** slot, const char* name, const c
     for (int corner = 0; corner < CORNER_COUNT; ++corner) {
         const RngSingle cell = MDL_Cell(*slot, corner);
         if (MDL_IsNumber(cell) && cell.value < 0.0)
-            ERRLOG_LineErrorNew(126, name, model->name, MDL_CornerName(corner), cell.value);
+            ERRLOG_LineErrorNew(126, name, model->name, CORNER_Short(corner), cell.value);
     }
     const RngSingle typ = MDL_Cell(*slot, CORNER_TYP);
     const RngSingle min = MDL_Cell(*slot, CORNER_MIN);
@@ -148,7 +150,7 @@ int receive(Mdl* model, const CmnArgs* args, const char* line)
 // Items of a value line are set off by these.
 bool endsItem(char c)
 {
-    return c == '\0' || c == '=' || c == '/' || CMN_IsWhitespace(static_cast<unsigned char>(c));
+    return c == '\0' || c == '=' || c == '/' || TOKEN_IsBlank(c);
 }
 
 }  // namespace
@@ -183,11 +185,9 @@ int MDL_NameLine(char* dest, char* text, int code, VersionLimit limit, unsigned 
                  unsigned furtherText)
 {
     char* end = text;
-    while (*end != '\0' && !CMN_IsWhitespace(static_cast<unsigned char>(*end)))
+    while (*end != '\0' && !TOKEN_IsBlank(*end))
         ++end;
-    const char* rest = end;
-    while (*rest != '\0' && CMN_IsWhitespace(static_cast<unsigned char>(*rest)))
-        ++rest;
+    const char* rest = TOKEN_SkipBlanks(end);
     SEC_IgnoreText(furtherText, rest, SEC_KeywordName(code));
     *end = '\0';
     if (*text == '\0') {

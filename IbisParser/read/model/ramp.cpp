@@ -3,6 +3,7 @@
 
 #include <cmath>
 
+#include "IbisParser/base/corner.h"
 #include "IbisParser/cmn.h"
 #include "IbisParser/errlog.h"
 #include "IbisParser/krng.h"
@@ -21,8 +22,6 @@ static const struct {
     {"R_load", nullptr},
 };
 
-static const char* const s_corners[] = {"Typical", "Minimum", "Maximum", "Surplus"};
-
 // One half of a slope, a number with its scale letter.
 static int s_half(const char* text, const char* column, const char* name, double* value)
 {
@@ -35,7 +34,7 @@ static int s_half(const char* text, const char* column, const char* name, double
 // One "dV/dt". Nothing is stored but the state when it cannot be used.
 static void s_slope(const char* text, int corner, const char* name, RampSlope* out)
 {
-    const char* column = s_corners[corner];
+    const char* column = CORNER_Title(corner);
     out->state = CELL_NA;
     if (corner != CORNER_TYP && CMN_StrSameIC(text, "NA")) return;
 
@@ -66,7 +65,7 @@ static void s_slopes(const CmnArgs* args, const char* name, RampSlope* slopes)
         s_slope(corner + 1 < args->nStored ? args->argv[corner + 1] : "", corner, name,
                 &slopes[corner]);
     if (args->nStored > CORNER_COUNT + 1)
-        ERRLOG_LineErrorNew(1603, name, s_corners[CORNER_COUNT], args->argv[CORNER_COUNT + 1]);
+        ERRLOG_LineErrorNew(1603, name, "Surplus", args->argv[CORNER_COUNT + 1]);
 }
 
 static void s_load(const CmnArgs* args, const char* name, RngSingle* load)

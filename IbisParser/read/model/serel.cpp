@@ -5,6 +5,7 @@
 #include <initializer_list>
 #include <iterator>
 
+#include "IbisParser/base/corner.h"
 #include "IbisParser/errlog.h"
 #include "IbisParser/krng.h"
 #include "IbisParser/read/model/mdl.h"
@@ -77,7 +78,7 @@ void rangeLine(Mdl* model, RngRange** slot, Least least, const char* name, const
         const RngSingle cell = MDL_Cell(*slot, corner);
         if (MDL_IsNumber(cell) &&
             (cell.value < 0.0 || (least == LEAST_ABOVE_ZERO && cell.value == 0.0)))
-            ERRLOG_LineErrorNew(2805, name, model->name, MDL_CornerName(corner));
+            ERRLOG_LineErrorNew(2805, name, model->name, CORNER_Short(corner));
     }
 }
 

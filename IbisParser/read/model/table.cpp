@@ -13,15 +13,6 @@ static const char s_Module[] = "IbisParser/table";
 
 static const char s_blanks[] = " \t\n\v\f\r";
 
-static const struct {
-    const char* name;
-    const char* shortName;
-} s_corners[CORNER_COUNT] = {
-    {"typical", "typ"},
-    {"minimum", "min"},
-    {"maximum", "max"},
-};
-
 int TABLE_BeginsWithCell(const char* text)
 {
     CMN_ASSERT(text != nullptr);
@@ -77,16 +68,4 @@ void TABLE_EndReading(void** reading)
     if (*reading == nullptr) return;
     RNGP_EndList(static_cast<RngpList*>(*reading));
     CMN_freeSetNull(reading);
-}
-
-const char* TABLE_CornerName(int corner)
-{
-    CMN_ASSERT(corner >= 0 && corner < CORNER_COUNT);
-    return s_corners[corner].name;
-}
-
-const char* TABLE_CornerShort(int corner)
-{
-    CMN_ASSERT(corner >= 0 && corner < CORNER_COUNT);
-    return s_corners[corner].shortName;
 }

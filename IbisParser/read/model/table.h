@@ -21,8 +21,5 @@ const RngpLine* TABLE_Tail(const RngpLine* head);
 int TABLE_EndIsNA(const RngpLine* head, const RngpLine* tail, int corner);
 // Releases the RngpList of a table whose lines were read, but not its lines. Null is ignored.
 void TABLE_EndReading(void** reading);
-// "typical", "minimum", "maximum"; the short ones are "typ", "min", "max".
-const char* TABLE_CornerName(int corner);
-const char* TABLE_CornerShort(int corner);
 
 #endif

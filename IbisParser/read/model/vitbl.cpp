@@ -1,6 +1,7 @@
 // V-I tables: their lines and the rules of their structure.
 #include "IbisParser/vitbl.h"
 
+#include "IbisParser/base/corner.h"
 #include "IbisParser/base/rngp.h"
 #include "IbisParser/cmn.h"
 #include "IbisParser/errlog.h"
@@ -175,7 +176,7 @@ static void s_checkEnds(const Vitbl* table, const RngpLine* tail)
     if (tail->typState == CELL_NA) ERRLOG_LineErrorNew(3205, table->name, table->owner);
     for (int corner = CORNER_MIN; corner <= CORNER_MAX; ++corner) {
         if (TABLE_EndIsNA(table->head, tail, corner))
-            ERRLOG_LineErrorNew(3206, table->name, table->owner, TABLE_CornerName(corner));
+            ERRLOG_LineErrorNew(3206, table->name, table->owner, CORNER_Name(corner));
     }
     int missing = 0;
     for (const RngpLine* line = table->head; line != nullptr; line = line->next)

@@ -3,6 +3,7 @@
 
 #include <cstring>
 
+#include "IbisParser/base/corner.h"
 #include "IbisParser/base/rngp.h"
 #include "IbisParser/cmn.h"
 #include "IbisParser/errlog.h"
@@ -246,7 +247,7 @@ static void s_checkPoints(const Wvfrm* waveform, const RngpLine* tail)
         ERRLOG_LineErrorNew(1816, keyword, owner);
     for (int corner = CORNER_MIN; corner <= CORNER_MAX; ++corner) {
         if (TABLE_EndIsNA(waveform->head, tail, corner))
-            ERRLOG_LineErrorNew(1817, keyword, owner, TABLE_CornerName(corner));
+            ERRLOG_LineErrorNew(1817, keyword, owner, CORNER_Name(corner));
     }
 }
 
