@@ -17,8 +17,8 @@ static bool s_isFar(int code)
 
 static bool s_hasFarWaveform(const TestData* data)
 {
-    for (int i = 0; i < TEST_WAVEFORMS; ++i)
-        if (data->waveforms[i] != nullptr && s_isFar(KEY_RISING_WAVEFORM_NEAR + i)) return true;
+    for (const Wvfrm* waveform : data->waveforms)
+        if (waveform != nullptr && s_isFar(waveform->kind)) return true;
     return false;
 }
 

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <climits>
 #include <cmath>
+#include <iterator>
 
 #include "IbisParser/base/token.h"
 #include "IbisParser/cmn.h"
@@ -50,8 +51,9 @@ s_keywords[] = {
 
 static const MatrixKeyword& s_keyword(int code)
 {
-    CMN_ASSERT(code >= KEY_RESISTANCE_MATRIX && code <= KEY_CAPACITANCE_MATRIX);
-    return s_keywords[code - KEY_RESISTANCE_MATRIX];
+    const auto* row = std::ranges::find(s_keywords, code, &MatrixKeyword::code);
+    CMN_ASSERT(row != std::end(s_keywords));
+    return *row;
 }
 
 static const char* s_name(const Mtx* matrix)
