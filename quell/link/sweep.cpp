@@ -1,21 +1,21 @@
 // A grid of model settings over several channels.
 #include "quell/link/sweep.h"
 
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <atomic>
 #include <chrono>
-#include <cstdio>
+#include <cstdlib>
 #include <cstring>
-#include <iostream>
 #include <limits>
+#include <memory>
 #include <new>
 #include <thread>
 
 #include "quell/base/errors.h"
 #include "quell/base/lines.h"
 #include "quell/base/numbers.h"
+#include "quell/process/forked_process.h"
 #include "quell/process/shared_block.h"
 
 namespace quell {
@@ -117,24 +117,27 @@ void RunPoint(const ImpulseMatrix& matrix, const ModelSetup& setup, const LinkOp
     point->done = true;
 }
 
+using Workers = std::vector<std::unique_ptr<ForkedProcess>>;
+
 // Workers are processes: the process of each model is then the child of one with a single thread.
-std::vector<pid_t> StartWorkers(size_t count, const std::function<void()>& work)
+// When the system gives fewer of them, they do the work of all.
+Workers StartWorkers(size_t count, const std::function<void()>& work)
 {
-    // What is buffered belongs to the parent alone.
-    std::cout.flush();
-    std::fflush(nullptr);
-    std::vector<pid_t> children;
-    for (size_t k = 0; k < std::max<size_t>(count, 1); ++k) {
-        const pid_t child = fork();
-        if (child == 0) {
-            work();
-            _exit(0);
+    ForkSetup setup;
+    setup.standardOutput = STDOUT_FILENO;
+    Workers workers;
+    while (workers.size() < std::max<size_t>(count, 1)) {
+        try {
+            workers.push_back(std::make_unique<ForkedProcess>(setup, [&work](int) {
+                work();
+                return EXIT_SUCCESS;
+            }));
+        } catch (const CommandError&) {
+            if (workers.empty()) throw;
+            break;
         }
-        if (child < 0) break;
-        children.push_back(child);
     }
-    if (children.empty()) throw CommandError(EXIT_BAD_INPUT, "the system gives no process");
-    return children;
+    return workers;
 }
 
 SweepPoint Collect(const SharedPoint& shared)
@@ -245,9 +248,8 @@ SweepResult RunSweep(const std::vector<std::string>& channels,
             ++shared->done;
         }
     };
-    const std::vector<pid_t> children = StartWorkers(std::min<size_t>(workers, all), work);
-    for (const pid_t child : children)
-        while (waitpid(child, nullptr, WNOHANG) == 0) {
+    for (const auto& worker : StartWorkers(std::min<size_t>(workers, all), work))
+        while (!worker->HasEnded()) {
             progress(shared->done, all);
             std::this_thread::sleep_for(std::chrono::milliseconds(5));
         }

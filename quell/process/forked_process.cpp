@@ -17,8 +17,8 @@ namespace quell {
 
 namespace {
 
-constexpr int Signals[] = {SIGSEGV, SIGBUS,  SIGFPE, SIGILL, SIGABRT, SIGTRAP,
-                           SIGPIPE, SIGTERM, SIGINT, SIGHUP, SIGALRM};
+constexpr int Faults[] = {SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGABRT, SIGTRAP, SIGPIPE, SIGALRM};
+constexpr int EndsByUser[] = {SIGTERM, SIGINT, SIGHUP};
 
 [[noreturn]] void NoProcess(ExitCode code, const char* what)
 {
@@ -37,8 +37,10 @@ void Prepare(const ForkSetup& setup, int pipe, pid_t parent)
     if (setup.errorsToPipe) dup2(pipe, STDERR_FILENO);
     const rlimit noCore = {0, 0};
     setrlimit(RLIMIT_CORE, &noCore);
-    for (const int number : Signals)
+    for (const int number : Faults)
         signal(number, SIG_DFL);
+    for (const int number : EndsByUser)
+        if (signal(number, SIG_DFL) == SIG_IGN) signal(number, SIG_IGN);
     sigset_t none;
     sigemptyset(&none);
     sigprocmask(SIG_SETMASK, &none, nullptr);
@@ -83,6 +85,13 @@ void ForkedProcess::Kill()
 {
     if (m_OwnGroup) kill(-m_Id, SIGKILL);
     kill(m_Id, SIGKILL);
+}
+
+bool ForkedProcess::HasEnded() const
+{
+    siginfo_t info = {};
+    return waitid(P_PID, static_cast<id_t>(m_Id), &info, WEXITED | WNOHANG | WNOWAIT) == 0 &&
+           info.si_pid == m_Id;
 }
 
 int ForkedProcess::Wait()

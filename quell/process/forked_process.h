@@ -21,7 +21,8 @@ struct ForkSetup {
 // A child and the end of the pipe that it writes to.
 //
 // The child ends when its parent does. It reads nothing on standard input, dumps no core, and
-// signals are as the system sets them: its faults go to no handler of ours or of a sanitizer.
+// signals are as the system sets them: its faults go to no handler of ours or of a sanitizer. What
+// the user had ignored when the program was started (nohup) stays so.
 class ForkedProcess {
 public:
     // Gets the descriptor of the pipe's end in the child; returns its exit status.
@@ -36,6 +37,8 @@ public:
     pid_t Id() const { return m_Id; }
     int Output() const { return m_Output.Number(); }  // the end of the pipe to read from
     void Kill();
+    // It has come to an end and is still to be waited for.
+    bool HasEnded() const;
     // Its status, as waitpid(2) tells it.
     int Wait();
 

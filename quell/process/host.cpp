@@ -210,10 +210,7 @@ bool WaitForChild(const ForkedProcess& child, OutputReader& output, double timeo
         if (!open) polled[0].fd = -1;
         poll(polled, 2, static_cast<int>(std::min<long long>(left + 1, longest)));
         if (polled[0].revents != 0) open = output.Read();
-        siginfo_t info = {};
-        finished =
-            waitid(P_PID, static_cast<id_t>(child.Id()), &info, WEXITED | WNOHANG | WNOWAIT) == 0 &&
-            info.si_pid == child.Id();
+        finished = child.HasEnded();
     }
     return finished;
 }

@@ -82,6 +82,17 @@ GTEST_TEST(Child, EveryEndIsAResult)
     }
 }
 
+// Under nohup the end of a terminal must not take the readers away.
+GTEST_TEST(Child, SignalsThatTheUserIgnoresStayIgnored)
+{
+    for (const bool ignored : {true, false}) {
+        const auto before = signal(SIGHUP, ignored ? SIG_IGN : SIG_DFL);
+        const ChildEnd end = RunChild([](FrameWriter&) { return raise(SIGHUP); }, 30, [](auto) {});
+        signal(SIGHUP, before);
+        EXPECT_EQ(end.done, ignored) << end.failure;
+    }
+}
+
 GTEST_TEST(Frames, StreamsMayBeCutAnywhere)
 {
     int ends[2];
