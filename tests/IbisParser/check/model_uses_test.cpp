@@ -1,23 +1,6 @@
-// What models are used for: submodels, pins, selectors, schedules, differential loads.
+// What models are used for: pins, selectors, schedules, differential loads.
 #include "tests/IbisParser/read/model/model_texts.h"
 #include "tests/support/IbsCases.h"
-
-GTEST_TEST(ModelUses, Submodels)
-{
-    const IbsLog log({{200, 209}, {3600, 3600}});
-    const std::string model = "[Model] m\nModel_type 3-state\n[Add Submodel]\nf Non-Driving\n";
-    CheckCases(log, model, ModelInUse,
-               R"(
---- 4.2 none in the file: E0205
---- 4.2 two of a name, one of no model: E3600 W0201 W0204
-[Submodel] f
-Submodel_type Fall_back
-[Submodel] g
-Submodel_type Fall_back
-[Submodel] f
-Submodel_type Fall_back
-)");
-}
 
 GTEST_TEST(ModelUses, References)
 {
