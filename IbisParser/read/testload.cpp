@@ -9,13 +9,10 @@
 #include "IbisParser/errlog.h"
 #include "IbisParser/krng.h"
 #include "IbisParser/mdl.h"
-#include "IbisParser/parse.h"
-#include "IbisParser/store/section.h"
+#include "IbisParser/store/life.h"
 
 static const char s_Module[] = "IbisParser/testload";
 static const SecFrame s_frame = {s_Module, 4000, 4001, 4002, 4003, 4004, 4005};
-
-static TestLoad* s_open = nullptr;
 
 // Places in TestKind from 1.
 static const char* const s_kindNames[] = {"Single_ended", "Differential", nullptr};
@@ -66,9 +63,9 @@ static const struct LoadWord {
 // clang-format on
 static const char* const s_inverseName = s_words[2].name;
 
-static void s_setLoadWord(const LoadWord& row, const CmnArgs* args)
+static void s_setLoadWord(TestLoad* load, const LoadWord& row, const CmnArgs* args)
 {
-    if (!SEC_MarkFound(&s_open->found, static_cast<int>(&row - s_words))) {
+    if (!SEC_MarkFound(&load->found, static_cast<int>(&row - s_words))) {
         ERRLOG_LineErrorNew(4007, row.name);
         return;
     }
@@ -76,23 +73,23 @@ static void s_setLoadWord(const LoadWord& row, const CmnArgs* args)
     if (values != 1) ERRLOG_LineErrorNew(4010, row.name, 1, values);
     if (args->nStored < 2) return;
     if (row.value != nullptr) {
-        CMN_SetStr(s_open->*row.value, args->argv[1], SIZE_NAME, row.name);
+        CMN_SetStr(load->*row.value, args->argv[1], SIZE_NAME, row.name);
         return;
     }
-    s_open->type = KRNG_Word(args->argv[1], s_kindNames);
-    if (s_open->type == TEST_KIND_UNSET) ERRLOG_LineErrorNew(4008, args->argv[1]);
+    load->type = KRNG_Word(args->argv[1], s_kindNames);
+    if (load->type == TEST_KIND_UNSET) ERRLOG_LineErrorNew(4008, args->argv[1]);
 }
 
-static void s_setValue(const LoadValue& row, const CmnArgs* args)
+static void s_setValue(TestLoad* load, const LoadValue& row, const CmnArgs* args)
 {
     const int values = args->argc - 1;
     if (values != 1) ERRLOG_LineErrorNew(4010, row.name, 1, values);
-    if (args->nStored > 1) KRNG_SetSingle(&s_open->values[&row - s_values], args, row.name);
+    if (args->nStored > 1) KRNG_SetSingle(&load->values[&row - s_values], args, row.name);
 }
 
-static void s_setTerm(const TermVoltage& row, const CmnArgs* args, const char* line)
+static void s_setTerm(TestLoad* load, const TermVoltage& row, const CmnArgs* args, const char* line)
 {
-    RngRange** slot = &(s_open->*row.value);
+    RngRange** slot = &(load->*row.value);
     if (args->argc < 2) {
         ERRLOG_LineErrorNew(4010, row.name, 3, 0);
         return;
@@ -100,18 +97,18 @@ static void s_setTerm(const TermVoltage& row, const CmnArgs* args, const char* l
     KRNG_SetRange(slot, KRNG_Values(line), row.name);
 }
 
-static int s_dataLine(const char* line)
+static int s_dataLine(TestLoad* load, const char* line)
 {
     CmnArgs args;
     if (!KRNG_Split(line, 4, &args)) return 0;
     const char* name = args.nStored > 0 ? args.argv[0] : "";
     int known = 1;
     if (const LoadValue* value = SEC_FindRow(s_values, name))
-        s_setValue(*value, &args);
+        s_setValue(load, *value, &args);
     else if (const TermVoltage* term = SEC_FindRow(s_terms, name))
-        s_setTerm(*term, &args, line);
+        s_setTerm(load, *term, &args, line);
     else if (const LoadWord* word = SEC_FindRow(s_words, name))
-        s_setLoadWord(*word, &args);
+        s_setLoadWord(load, *word, &args);
     else
         known = 0;
     if (!known) ERRLOG_LineErrorNew(4006, name);
@@ -121,37 +118,34 @@ static int s_dataLine(const char* line)
 
 // The end of the record.
 
-static void s_checkValue(const LoadValue& row, const RngSingle& cell)
+static void s_checkValue(const TestLoad* load, const LoadValue& row, const RngSingle& cell)
 {
     if (cell.state != CELL_NUMBER) return;
-    if (row.sign == NOT_NEGATIVE && cell.value < 0)
-        ERRLOG_LineErrorNew(4011, s_open->name, row.name);
-    if (row.sign == POSITIVE && cell.value <= 0) ERRLOG_LineErrorNew(4012, s_open->name, row.name);
-    if (row.differential && s_open->type == TEST_SINGLE_ENDED)
-        ERRLOG_LineErrorNew(4014, s_open->name, row.name);
+    if (row.sign == NOT_NEGATIVE && cell.value < 0) ERRLOG_LineErrorNew(4011, load->name, row.name);
+    if (row.sign == POSITIVE && cell.value <= 0) ERRLOG_LineErrorNew(4012, load->name, row.name);
+    if (row.differential && load->type == TEST_SINGLE_ENDED)
+        ERRLOG_LineErrorNew(4014, load->name, row.name);
     if (row.term == 0) return;
     const TermVoltage& term = s_terms[row.term - 1];
-    if (s_open->*term.value == nullptr)
-        ERRLOG_LineErrorNew(4015, s_open->name, row.name, term.name);
+    if (load->*term.value == nullptr) ERRLOG_LineErrorNew(4015, load->name, row.name, term.name);
 }
 
-static void s_checkTerm(const TermVoltage& term)
+static void s_checkTerm(const TestLoad* load, const TermVoltage& term)
 {
-    if (s_open->*term.value == nullptr) return;
+    if (load->*term.value == nullptr) return;
     for (const LoadValue& row : s_values)
-        if (row.term == &term - s_terms + 1 && s_open->values[&row - s_values].state == CELL_NUMBER)
+        if (row.term == &term - s_terms + 1 && load->values[&row - s_values].state == CELL_NUMBER)
             return;
-    ERRLOG_LineWarnNew(4016, s_open->name, term.name);
+    ERRLOG_LineWarnNew(4016, load->name, term.name);
 }
 
-static void s_checkRecord()
+static void s_checkRecord(TestLoad* load)
 {
-    const TestLoad* load = s_open;
     if ((load->found & 1u) == 0) ERRLOG_LineErrorNew(4009, load->name);
     bool isEmpty = true;
     for (const LoadValue& row : s_values) {
         const RngSingle& cell = load->values[&row - s_values];
-        s_checkValue(row, cell);
+        s_checkValue(load, row, cell);
         isEmpty = isEmpty && cell.state != CELL_NUMBER;
     }
     const bool hasTd = load->values[LOAD_TD].state == CELL_NUMBER;
@@ -160,64 +154,64 @@ static void s_checkRecord()
     if (load->type == TEST_SINGLE_ENDED && load->receiverInv[0] != '\0')
         ERRLOG_LineErrorNew(4014, load->name, s_inverseName);
     for (const TermVoltage& term : s_terms)
-        s_checkTerm(term);
+        s_checkTerm(load, term);
     if (isEmpty) ERRLOG_LineNoteNew(4017, load->name);
 }
 
-void TESTLOAD_Close(void)
+static int s_keywordLine(TestLoad* load, char* text)
 {
-    if (s_open == nullptr) return;
-    s_checkRecord();
-    s_open = nullptr;
+    const char* name = TOKEN_Next(&text);
+    CMN_SetStr(load->name, name != nullptr ? name : "", SIZE_NAME, "Test Load");
+    CMN_ReservedWordErr(load->name);
+    return 1;
 }
+
+static void s_release(TestLoad* load)
+{
+    RNG_Free(load->V_term1);
+    RNG_Free(load->V_term2);
+    SEC_FreeRecord(load);
+}
+
+static SecReading<TestLoad> s_reading;
+
+static const SecKeyword<TestLoad> s_keywords[] = {
+    {KEY_TEST_LOAD, SEC_TEXT, s_keywordLine, s_dataLine},
+};
+
+static const SecLife<SecReading<TestLoad>> s_life = {
+    .reading = &s_reading,
+    .frame = s_frame,
+    .opener = KEY_TEST_LOAD,
+    .rows = s_keywords,
+    .add = IBIS_AddTestLoad,
+    .release = s_release,
+    .end = s_checkRecord,
+};
 
 int TESTLOAD_Init(void)
 {
-    TESTLOAD_Close();
-    IbisRoot* root = SEC_Root(&s_frame, __LINE__);
-    if (root == nullptr) return 0;
-    TestLoad* record = static_cast<TestLoad*>(SEC_NewRecord(&s_frame, sizeof(TestLoad)));
-    if (record == nullptr) return 0;
-    record->line = PARSE_GetLineNum();
-    IBIS_AddTestLoad(root, record);
-    s_open = record;
-    return 1;
+    return s_life.Init();
 }
 
 int TESTLOAD_ReceiveLine(int kind, int code, char* line)
 {
-    CMN_ASSERT(line != nullptr);
-    if (!SEC_Receives(&s_frame, __LINE__, kind, s_open)) return 0;
-    if (kind == LINE_DATA) return s_dataLine(line);
-    if (code != KEY_TEST_LOAD) {
-        SEC_UnknownKeyword(&s_frame, __LINE__);
-        return 0;
-    }
-    char* text = SEC_Argument(line);
-    const char* name = TOKEN_Next(&text);
-    CMN_SetStr(s_open->name, name != nullptr ? name : "", SIZE_NAME, SEC_KeywordName(code));
-    CMN_ReservedWordErr(s_open->name);
-    return 1;
+    return s_life.ReceiveLine(kind, code, line);
 }
 
 int TESTLOAD_Fini(int nextCode)
 {
-    if (s_open == nullptr || nextCode == NOT_KEY) return 0;
-    TESTLOAD_Close();
-    return 1;
+    return s_life.Fini(nextCode);
 }
 
-static void s_freeRecord(TestLoad* record)
+void TESTLOAD_Close(void)
 {
-    if (record == s_open) s_open = nullptr;
-    RNG_Free(record->V_term1);
-    RNG_Free(record->V_term2);
-    SEC_FreeRecord(record);
+    s_life.Close();
 }
 
 void TESTLOAD_FreeList(TestLoad* head)
 {
-    SEC_FreeList(head, s_freeRecord);
+    s_life.FreeList(head);
 }
 
 int TESTLOAD_AddLink(TestLoad** head, TestLoad* item)

@@ -96,6 +96,11 @@ unsigned SEC_Limit(VersionLimit limit)
     return VERSION_Current()->limits[limit];
 }
 
+SecSet::~SecSet()
+{
+    SEC_SetClear(this);
+}
+
 int SEC_SetAdd(SecSet* set, const char* text)
 {
     if (SEC_SetHas(set, text)) return 0;

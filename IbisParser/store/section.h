@@ -8,6 +8,7 @@
 #include <cstring>
 #include <initializer_list>
 #include <type_traits>
+#include <utility>
 
 #include "IbisParser/base/index.h"
 #include "IbisParser/base/version.h"
@@ -24,6 +25,7 @@ struct SecFrame {
     unsigned orphanData;      // error: data line without a record
     unsigned unknownKeyword;  // line bug: code of another section
     unsigned unknownKind;     // line bug: neither a keyword nor a data line
+    unsigned noData = 0;      // error: data line under a keyword that has none
 };
 
 // The front document, or null after the message. line is __LINE__, for the message.
@@ -230,9 +232,18 @@ private:
     SecScopedIndex m_Table;
 };
 
-// A set of strings that owns its members. All zero is an empty set.
+// A set of strings that owns its members.
 struct SecSet {
-    IdxTable table;
+    IdxTable table = {nullptr, 0, 0};
+
+    SecSet() = default;
+    ~SecSet();
+    SecSet(SecSet&& other) noexcept : table(std::exchange(other.table, {nullptr, 0, 0})) {}
+    SecSet& operator=(SecSet&& other) noexcept
+    {
+        std::swap(table, other.table);
+        return *this;
+    }
 };
 
 // 1 when the string is new in the set, 0 when it is known (or memory ran out).

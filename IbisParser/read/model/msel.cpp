@@ -2,46 +2,16 @@
 #include "IbisParser/msel.h"
 
 #include "IbisParser/errlog.h"
-#include "IbisParser/parse.h"
 #include "IbisParser/read/model/msel.h"
-#include "IbisParser/store/section.h"
+#include "IbisParser/store/life.h"
 
 static const char s_Module[] = "IbisParser/msel";
 static const SecFrame s_frame = {s_Module, 1100, 1101, 1102, 1103, 1104, 1105};
 
-static Msel* s_open = nullptr;
-static MselRow** s_tail = nullptr;  // end of its rows
-static SecSet s_models = {};        // in its rows
-
-void MSEL_Close()
-{
-    if (s_open == nullptr) return;
-    if (s_open->rows == nullptr) ERRLOG_LineErrorNew(1110, s_open->name);
-    SEC_SetClear(&s_models);
-    s_open = nullptr;
-}
-
-static void s_free(Msel* selector)
-{
-    if (selector == s_open) {
-        SEC_SetClear(&s_models);
-        s_open = nullptr;
-    }
-    SEC_FreeList(selector->rows, SEC_FreeRecord<MselRow>);
-    SEC_FreeRecord(selector);
-}
-
-int MSEL_Init(void)
-{
-    MSEL_Close();
-    IbisRoot* root = SEC_Root(&s_frame, __LINE__);
-    if (root == nullptr) return 0;
-    s_open = static_cast<Msel*>(SEC_NewRecord(&s_frame, sizeof(Msel)));
-    if (s_open == nullptr) return 0;
-    s_open->line = PARSE_GetLineNum();
-    s_tail = nullptr;
-    return IBIS_AddMsel(root, s_open);
-}
+static struct MselReading : SecReading<Msel> {
+    MselRow** tail = nullptr;  // end of its rows
+    SecSet models;             // in its rows
+} s_reading;
 
 // Ends the first blank-separated word of text and returns what follows it.
 static char* s_splitWord(char* text)
@@ -51,16 +21,16 @@ static char* s_splitWord(char* text)
     return text + std::strspn(text, " \t");
 }
 
-static int s_keywordLine(char* text)
+static int s_keywordLine(Msel* selector, char* text)
 {
     const unsigned limit = SEC_Limit(LIMIT_SIGNAL);
     s_splitWord(text);
     if (*text == '\0') ERRLOG_LineErrorNew(1913, "Model Selector");
-    if (!SEC_CopyName(s_open->name, text, limit)) ERRLOG_LineErrorNew(1106, text, limit);
+    if (!SEC_CopyName(selector->name, text, limit)) ERRLOG_LineErrorNew(1106, text, limit);
     return CMN_ReservedWordErr(text);
 }
 
-static int s_dataLine(char* line)
+static int s_dataLine(Msel* selector, char* line)
 {
     const unsigned limit = SEC_Limit(LIMIT_SIGNAL);
     const char* description = s_splitWord(line);
@@ -68,34 +38,63 @@ static int s_dataLine(char* line)
     if (row == nullptr) return 0;
     row->line = PARSE_GetLineNum();
     if (!SEC_CopyName(row->model, line, limit))
-        ERRLOG_LineErrorNew(1107, line, s_open->name, limit);
+        ERRLOG_LineErrorNew(1107, line, selector->name, limit);
     SEC_CopyName(row->description, description, SIZE_SELECTION);
-    if (*description == '\0') ERRLOG_LineWarnNew(1108, row->model, s_open->name);
-    if (!SEC_SetAdd(&s_models, row->model)) ERRLOG_LineErrorNew(1109, row->model, s_open->name);
-    SEC_Append(&s_open->rows, &s_tail, row);
+    if (*description == '\0') ERRLOG_LineWarnNew(1108, row->model, selector->name);
+    if (!SEC_SetAdd(&s_reading.models, row->model))
+        ERRLOG_LineErrorNew(1109, row->model, selector->name);
+    SEC_Append(&selector->rows, &s_reading.tail, row);
     return 1;
+}
+
+static void s_end(Msel* selector)
+{
+    if (selector->rows == nullptr) ERRLOG_LineErrorNew(1110, selector->name);
+}
+
+static void s_release(Msel* selector)
+{
+    SEC_FreeList(selector->rows, SEC_FreeRecord<MselRow>);
+    SEC_FreeRecord(selector);
+}
+
+static const SecKeyword<Msel> s_keywords[] = {
+    {KEY_MODEL_SELECTOR, SEC_TEXT, s_keywordLine, s_dataLine},
+};
+
+static const SecLife<MselReading> s_life = {
+    .reading = &s_reading,
+    .frame = s_frame,
+    .opener = KEY_MODEL_SELECTOR,
+    .rows = s_keywords,
+    .add = IBIS_AddMsel,
+    .release = s_release,
+    .end = s_end,
+};
+
+int MSEL_Init(void)
+{
+    return s_life.Init();
 }
 
 int MSEL_ReceiveLine(int kind, int code, char* line)
 {
-    CMN_ASSERT(line != nullptr);
-    if (!SEC_Receives(&s_frame, __LINE__, kind, s_open)) return 0;
-    if (code != KEY_MODEL_SELECTOR) {
-        SEC_UnknownKeyword(&s_frame, __LINE__);
-        return 0;
-    }
-    return kind == LINE_KEYWORD ? s_keywordLine(SEC_Argument(line)) : s_dataLine(line);
+    return s_life.ReceiveLine(kind, code, line);
 }
 
 int MSEL_Fini(int nextCode)
 {
-    if (nextCode != NOT_KEY) MSEL_Close();
-    return 1;
+    return s_life.Fini(nextCode);
+}
+
+void MSEL_Close()
+{
+    s_life.Close();
 }
 
 void MSEL_FreeList(Msel* head)
 {
-    SEC_FreeList(head, s_free);
+    s_life.FreeList(head);
 }
 
 int MSEL_AddLink(Msel** head, Msel* item)
