@@ -8,8 +8,8 @@
 #include "IbisParser/errlog.h"
 #include "IbisParser/ext.h"
 #include "IbisParser/isso.h"
-#include "IbisParser/parse.h"
 #include "IbisParser/read/model/mdl.h"
+#include "IbisParser/store/life.h"
 #include "IbisParser/vitbl.h"
 #include "IbisParser/wvfrm.h"
 
@@ -17,74 +17,48 @@ static const char s_Module[] = "IbisParser/mdl";
 
 namespace {
 
-const SecFrame frame = {s_Module, 100, 101, 102, 103, 104, 105};
+const SecFrame frame = {s_Module, 100, 101, 102, 103, 104, 105, 116};
+
+// Whether the type groups allow a keyword, in the order of MdlGroup; "by type": the type's row
+// says.
+enum Allowed { NO, YES, BY_PULLUP, BY_PULLDOWN, BY_RAMP };
+struct Groups {
+    Allowed in[MDL_GROUP_COUNT];
+};
+
+struct Keyword : SecKeyword<Mdl> {
+    Groups allowed;
+};
 
 // The model that is being read.
-struct Reading {
-    Mdl* open;        // null: none
-    int code;         // keyword whose data is being read, 0 before it and after its end
-    int skip;         // its data lines are dropped
-    int algModOpen;   // [End Algorithmic Model] has not come
-    Wvfrm* waveform;  // the last one
-    Wvfrm* followed;  // the same while only [Composite Current] keywords follow it, else null
-};
-Reading reading = {};
+struct Reading : SecReading<Mdl, Keyword, &Mdl::found> {
+    char* line = nullptr;       // being read, its keyword included
+    bool algModOpen = false;    // [End Algorithmic Model] has not come
+    Wvfrm* waveform = nullptr;  // the last one
+    Wvfrm* followed = nullptr;  // the same while only [Composite Current] keywords follow it
+} reading;
 
-// What becomes of a keyword that the model has already.
-enum Repeat {
-    REPEAT_DROPPED,  // reported, its data dropped
-    REPEAT_BEGINS,   // the same, but it begins all the same
-    REPEAT_FREE      // legal, or judged where it begins
-};
-
-// What a keyword does with its line and its data. Null: nothing of the kind is allowed.
-struct Part {
-    int (*begin)(Mdl* model, int code, char* line);
-    int (*receive)(Mdl* model, int code, char* line);
-    int (*fini)(Mdl* model, int code);
-    bool takesText;  // begin judges the text after the keyword
-    Repeat repeat;
-    int names;  // items of a data line before the first value; -1: no values
-};
-
-template <int (*fn)(Mdl*)>
-int whole(Mdl* model, int, char*)
+// Data lines with values, behind so many names.
+template <int (*receive)(Mdl*, const char*), int names = 0>
+int values(Mdl* model, char* line)
 {
-    return fn(model);
-}
-
-template <int (*fn)(Mdl*, const char*)>
-int giveLine(Mdl* model, int, char* line)
-{
-    return fn(model, line);
-}
-
-template <int (*fn)(Mdl*, const char*)>
-int giveText(Mdl* model, int, char* line)
-{
-    return fn(model, SEC_Argument(line));
-}
-
-template <int (*fn)(Mdl*)>
-int endPart(Mdl* model, int)
-{
-    return fn(model);
+    MDL_CheckScale(line, names);
+    return receive(model, line);
 }
 
 // [Model] itself.
 
-int modelLine(Mdl* model, int code, char* line)
+int modelLine(Mdl* model, char* text)
 {
-    return MDL_NameLine(model->name, SEC_Argument(line), code, LIMIT_SIGNAL, 115, 117);
+    return MDL_NameLine(model->name, text, KEY_MODEL, LIMIT_SIGNAL, 115, 117);
 }
 
 // Ranges on the keyword line.
 
-int rangeLine(Mdl* model, int code, char* line)
+int rangeLine(Mdl* model, const char* text)
 {
-    const char* text = SEC_Argument(line);
     MDL_CheckScale(text, 0);
-    return MDL_RangeLine(model, code, text);
+    return MDL_RangeLine(model, reading.keyword->code, text);
 }
 
 // V-I tables.
@@ -98,32 +72,33 @@ const struct {
     {KEY_ISSO_PD, &Mdl::issoPD},     {KEY_ISSO_PU, &Mdl::issoPU},
 };
 
-Vitbl** tableSlot(Mdl* model, int code)
+Vitbl** tableSlot(Mdl* model)
 {
     for (const auto& row : tableRows)
-        if (row.code == code) return &(model->*(row.slot));
+        if (row.code == reading.keyword->code) return &(model->*(row.slot));
     CMN_AssertFailed(s_Module, __LINE__);
 }
 
-int tableBegin(Mdl* model, int code, char*)
+int tableBegin(Mdl* model)
 {
-    return VITBL_New(tableSlot(model, code), SEC_KeywordName(code), model->name);
+    return VITBL_New(tableSlot(model), SEC_KeywordName(reading.keyword->code), model->name);
 }
 
-int tableReceive(Mdl* model, int code, char* line)
+int tableLine(Mdl* model, const char* line)
 {
-    return VITBL_ReceiveLine(*tableSlot(model, code), line);
+    return VITBL_ReceiveLine(*tableSlot(model), line);
 }
 
-int tableFini(Mdl* model, int code)
+int tableFini(Mdl* model)
 {
-    return VITBL_Fini(*tableSlot(model, code));
+    return VITBL_Fini(*tableSlot(model));
 }
 
 // Waveforms and what follows them.
 
-int waveBegin(Mdl* model, int code, char*)
+int waveBegin(Mdl* model)
 {
+    const int code = reading.keyword->code;
     reading.waveform = nullptr;
     const int done = WVFRM_New(code == KEY_RISING_WAVEFORM ? &model->rising : &model->falling, code,
                                model->name, &reading.waveform);
@@ -131,172 +106,152 @@ int waveBegin(Mdl* model, int code, char*)
     return done;
 }
 
-int waveReceive(Mdl*, int, char* line)
+int waveLine(Mdl*, const char* line)
 {
     return reading.waveform != nullptr && WVFRM_ReceiveLine(reading.waveform, line);
 }
 
-int waveFini(Mdl*, int)
+int waveFini(Mdl*)
 {
     return reading.waveform != nullptr && WVFRM_Fini(reading.waveform);
 }
 
-int compositeBegin(Mdl* model, int, char* line)
+int compositeBegin(Mdl* model, const char* text)
 {
     if (model->rising == nullptr && model->falling == nullptr) {
         ERRLOG_LineErrorNew(153);
-        reading.skip = 1;
+        reading.skips = true;
         return 0;
     }
-    return ISSO_KeywordLine(model, reading.followed, SEC_Argument(line));
+    return ISSO_KeywordLine(model, reading.followed, text);
 }
 
-int compositeReceive(Mdl* model, int, char* line)
+int compositeLine(Mdl* model, const char* line)
 {
     return ISSO_ReceiveLine(model, reading.followed, line);
 }
 
-int compositeFini(Mdl* model, int)
+int compositeFini(Mdl* model)
 {
-    return reading.skip ? 0 : ISSO_Fini(model, reading.followed);
+    return ISSO_Fini(model, reading.followed);
 }
 
 // [Ramp].
 
-int rampBegin(Mdl* model, int, char*)
+int rampBegin(Mdl* model)
 {
     return RAMP_KeywordLine(&model->ramp);
 }
 
-int rampReceive(Mdl* model, int, char* line)
+int rampLine(Mdl* model, const char* line)
 {
     return model->ramp != nullptr && RAMP_ReceiveLine(model->ramp, line);
 }
 
 // Series elements.
 
-int seriesBegin(Mdl* model, int code, char* line)
+int seriesBegin(Mdl* model, const char* text)
 {
-    const char* text = SEC_Argument(line);
     MDL_CheckScale(text, 0);
-    return SEREL_KeywordLine(model, code, text);
+    return SEREL_KeywordLine(model, reading.keyword->code, text);
 }
 
 // [Algorithmic Model].
 
-int algModBegin(Mdl* model, int, char* line)
+int algModBegin(Mdl* model)
 {
-    reading.algModOpen = 1;
-    return ALGMOD_New(line, &model->algMod);
+    reading.algModOpen = true;
+    return ALGMOD_New(reading.line, &model->algMod);
 }
 
-int algModReceive(Mdl* model, int, char* line)
+int algModLine(Mdl* model, char* line)
 {
     return model->algMod != nullptr && ALGMOD_ReceiveLine(line, &model->algMod->execs);
 }
 
-int algModEnd(Mdl* model, int, char*)
+int algModEnd(Mdl* model)
 {
     if (!reading.algModOpen) {
         ERRLOG_LineErrorNew(152);
         return 0;
     }
-    reading.algModOpen = 0;
+    reading.algModOpen = false;
     return model->algMod != nullptr && ALGMOD_Fini(model->algMod->execs);
 }
 
 // clang-format off
-//                           begin                           receive                       fini                  text   repeat          names
-const Part modelPart         = { modelLine,                  giveLine<MDL_SubParameter>,     nullptr,              true,  REPEAT_DROPPED,  0 };
-const Part rangePart         = { rangeLine,                  nullptr,                      nullptr,              true,  REPEAT_DROPPED, -1 };
-const Part table         = { tableBegin,                 tableReceive,               tableFini,          false, REPEAT_DROPPED,  0 };
-const Part wave          = { waveBegin,                  waveReceive,                waveFini,           false, REPEAT_FREE,     0 };
-const Part composite     = { compositeBegin,             compositeReceive,           compositeFini,      false, REPEAT_FREE,     0 };
-const Part ramp          = { rampBegin,                  rampReceive,                nullptr,              false, REPEAT_DROPPED,  0 };
-const Part spec          = { whole<MDLSPEC_KeywordLine>, giveLine<MDLSPEC_ReceiveLine>,  endPart<MDLSPEC_Fini>,  false, REPEAT_DROPPED,  0 };
-const Part thresholds    = { whole<RCVTH_KeywordLine>,   giveLine<RCVTH_ReceiveLine>,    endPart<RCVTH_Fini>,    false, REPEAT_DROPPED,  0 };
-const Part schedule      = { whole<DRVSH_KeywordLine>,   giveLine<DRVSH_ReceiveLine>,    endPart<DRVSH_Fini>,    false, REPEAT_DROPPED,  1 };
-const Part addSub        = { whole<ADDSUB_KeywordLine>,  giveLine<ADDSUB_ReceiveLine>,   endPart<ADDSUB_Fini>,   false, REPEAT_DROPPED, -1 };
-const Part state         = { seriesBegin,                nullptr,                      nullptr,              false, REPEAT_BEGINS,  -1 };
-const Part element       = { seriesBegin,                nullptr,                      nullptr,              true,  REPEAT_FREE,    -1 };
-const Part seriesTable   = { seriesBegin,                giveLine<SEREL_ReceiveLine>,    endPart<SEREL_Fini>,    false, REPEAT_FREE,     0 };
-const Part external      = { giveText<EXT_MdlNew>,           giveLine<EXT_MdlReceiveLine>,   nullptr,              true,  REPEAT_FREE,    -1 };
-const Part externalEnd   = { giveText<EXT_MdlEnd>,           nullptr,                      nullptr,              true,  REPEAT_FREE,    -1 };
-const Part algMod        = { algModBegin,                algModReceive,              nullptr,              true,  REPEAT_FREE,    -1 };
-const Part algModEndPart = { algModEnd,                  nullptr,                      nullptr,              false, REPEAT_FREE,    -1 };
-const Part emi           = { whole<MDLEMI_Begin>,        giveLine<MDLEMI_ReceiveLine>,   nullptr,              false, REPEAT_BEGINS,  -1 };
-const Part emiEnd        = { whole<MDLEMI_End>,          nullptr,                      nullptr,              false, REPEAT_FREE,    -1 };
+//                            RX           TX           IO           Term  Series Switch
+const Groups everywhere  = {{ YES,         YES,         YES,         YES,  YES,   YES }};
+const Groups buffers     = {{ YES,         YES,         YES,         YES,  NO,    NO  }};
+const Groups receivers   = {{ YES,         NO,          YES,         NO,   NO,    NO  }};
+const Groups drivers     = {{ NO,          YES,         YES,         NO,   NO,    NO  }};
+const Groups terminators = {{ NO,          NO,          NO,          YES,  NO,    NO  }};
+const Groups pulldowns   = {{ BY_PULLDOWN, BY_PULLDOWN, BY_PULLDOWN, NO,   NO,    NO  }};
+const Groups pullups     = {{ BY_PULLUP,   BY_PULLUP,   BY_PULLUP,   NO,   NO,    NO  }};
+const Groups ramps       = {{ BY_RAMP,     BY_RAMP,     BY_RAMP,     NO,   NO,    NO  }};
 
-// Whether the type groups allow a keyword, in the order of MdlGroup; "by type": the type's row says.
-enum Allowed { NO, YES, BY_PULLUP, BY_PULLDOWN, BY_RAMP };
-
-const struct Keyword {
-    int code;
-    Allowed allowed[MDL_GROUP_COUNT];
-    const Part* part;
-} modelKeywords[] = {
-    //                               RX           TX           IO           Term  Ser  Switch
-    { KEY_EXTERNAL_MODEL,          { YES,         YES,         YES,         YES,  YES, YES }, &external      },
-    { KEY_END_EXTERNAL_MODEL,      { YES,         YES,         YES,         YES,  YES, YES }, &externalEnd   },
-    { KEY_MODEL,                   { YES,         YES,         YES,         YES,  YES, YES }, &modelPart         },
-    { KEY_TEMPERATURE_RANGE,       { YES,         YES,         YES,         YES,  YES, YES }, &rangePart         },
-    { KEY_VOLTAGE_RANGE,           { YES,         YES,         YES,         YES,  YES, YES }, &rangePart         },
-    { KEY_PULLUP_REFERENCE,        { YES,         YES,         YES,         YES,  YES, YES }, &rangePart         },
-    { KEY_PULLDOWN_REFERENCE,      { YES,         YES,         YES,         YES,  YES, YES }, &rangePart         },
-    { KEY_POWER_CLAMP_REFERENCE,   { YES,         YES,         YES,         YES,  YES, YES }, &rangePart         },
-    { KEY_GND_CLAMP_REFERENCE,     { YES,         YES,         YES,         YES,  YES, YES }, &rangePart         },
-    { KEY_EXTERNAL_REFERENCE,      { YES,         YES,         YES,         YES,  YES, YES }, &rangePart         },
-    { KEY_PULLDOWN,                { BY_PULLDOWN, BY_PULLDOWN, BY_PULLDOWN, NO,   NO,  NO  }, &table         },
-    { KEY_PULLUP,                  { BY_PULLUP,   BY_PULLUP,   BY_PULLUP,   NO,   NO,  NO  }, &table         },
-    { KEY_GND_CLAMP,               { YES,         YES,         YES,         YES,  NO,  NO  }, &table         },
-    { KEY_POWER_CLAMP,             { YES,         YES,         YES,         YES,  NO,  NO  }, &table         },
-    { KEY_RGND,                    { NO,          NO,          NO,          YES,  NO,  NO  }, &rangePart         },
-    { KEY_RPOWER,                  { NO,          NO,          NO,          YES,  NO,  NO  }, &rangePart         },
-    { KEY_RAC,                     { NO,          NO,          NO,          YES,  NO,  NO  }, &rangePart         },
-    { KEY_CAC,                     { NO,          NO,          NO,          YES,  NO,  NO  }, &rangePart         },
-    { KEY_RAMP,                    { BY_RAMP,     BY_RAMP,     BY_RAMP,     NO,   NO,  NO  }, &ramp          },
-    { KEY_RISING_WAVEFORM,         { NO,          YES,         YES,         NO,   NO,  NO  }, &wave          },
-    { KEY_FALLING_WAVEFORM,        { NO,          YES,         YES,         NO,   NO,  NO  }, &wave          },
-    { KEY_TTGND,                   { YES,         YES,         YES,         YES,  NO,  NO  }, &rangePart         },
-    { KEY_TTPOWER,                 { YES,         YES,         YES,         YES,  NO,  NO  }, &rangePart         },
-    { KEY_MODEL_SPEC,              { YES,         YES,         YES,         YES,  NO,  NO  }, &spec          },
-    { KEY_RECEIVER_THRESHOLDS,     { YES,         NO,          YES,         NO,   NO,  NO  }, &thresholds    },
-    { KEY_DRIVER_SCHEDULE,         { NO,          YES,         YES,         NO,   NO,  NO  }, &schedule      },
+// In the order of the record's bits.
+const Keyword modelRows[] = {
+    //                               flags                begin                data line                      finish            allowed
+    { { KEY_EXTERNAL_MODEL,          SEC_TEXT,            EXT_MdlNew,          EXT_MdlReceiveLine,            nullptr        }, everywhere  },
+    { { KEY_END_EXTERNAL_MODEL,      SEC_TEXT,            EXT_MdlEnd,          nullptr,                       nullptr        }, everywhere  },
+    { { KEY_MODEL,                   SEC_ONCE | SEC_TEXT, modelLine,           values<MDL_SubParameter>,      nullptr        }, everywhere  },
+    { { KEY_TEMPERATURE_RANGE,       SEC_ONCE | SEC_TEXT, rangeLine,           nullptr,                       nullptr        }, everywhere  },
+    { { KEY_VOLTAGE_RANGE,           SEC_ONCE | SEC_TEXT, rangeLine,           nullptr,                       nullptr        }, everywhere  },
+    { { KEY_PULLUP_REFERENCE,        SEC_ONCE | SEC_TEXT, rangeLine,           nullptr,                       nullptr        }, everywhere  },
+    { { KEY_PULLDOWN_REFERENCE,      SEC_ONCE | SEC_TEXT, rangeLine,           nullptr,                       nullptr        }, everywhere  },
+    { { KEY_POWER_CLAMP_REFERENCE,   SEC_ONCE | SEC_TEXT, rangeLine,           nullptr,                       nullptr        }, everywhere  },
+    { { KEY_GND_CLAMP_REFERENCE,     SEC_ONCE | SEC_TEXT, rangeLine,           nullptr,                       nullptr        }, everywhere  },
+    { { KEY_EXTERNAL_REFERENCE,      SEC_ONCE | SEC_TEXT, rangeLine,           nullptr,                       nullptr        }, everywhere  },
+    { { KEY_PULLDOWN,                SEC_ONCE,            tableBegin,          values<tableLine>,             tableFini      }, pulldowns   },
+    { { KEY_PULLUP,                  SEC_ONCE,            tableBegin,          values<tableLine>,             tableFini      }, pullups     },
+    { { KEY_GND_CLAMP,               SEC_ONCE,            tableBegin,          values<tableLine>,             tableFini      }, buffers     },
+    { { KEY_POWER_CLAMP,             SEC_ONCE,            tableBegin,          values<tableLine>,             tableFini      }, buffers     },
+    { { KEY_RGND,                    SEC_ONCE | SEC_TEXT, rangeLine,           nullptr,                       nullptr        }, terminators },
+    { { KEY_RPOWER,                  SEC_ONCE | SEC_TEXT, rangeLine,           nullptr,                       nullptr        }, terminators },
+    { { KEY_RAC,                     SEC_ONCE | SEC_TEXT, rangeLine,           nullptr,                       nullptr        }, terminators },
+    { { KEY_CAC,                     SEC_ONCE | SEC_TEXT, rangeLine,           nullptr,                       nullptr        }, terminators },
+    { { KEY_RAMP,                    SEC_ONCE,            rampBegin,           values<rampLine>,              nullptr        }, ramps       },
+    { { KEY_RISING_WAVEFORM,         0,                   waveBegin,           values<waveLine>,              waveFini       }, drivers     },
+    { { KEY_FALLING_WAVEFORM,        0,                   waveBegin,           values<waveLine>,              waveFini       }, drivers     },
+    { { KEY_TTGND,                   SEC_ONCE | SEC_TEXT, rangeLine,           nullptr,                       nullptr        }, buffers     },
+    { { KEY_TTPOWER,                 SEC_ONCE | SEC_TEXT, rangeLine,           nullptr,                       nullptr        }, buffers     },
+    { { KEY_MODEL_SPEC,              SEC_ONCE,            MDLSPEC_KeywordLine, values<MDLSPEC_ReceiveLine>,   MDLSPEC_Fini   }, buffers     },
+    { { KEY_RECEIVER_THRESHOLDS,     SEC_ONCE,            RCVTH_KeywordLine,   values<RCVTH_ReceiveLine>,     RCVTH_Fini     }, receivers   },
+    { { KEY_DRIVER_SCHEDULE,         SEC_ONCE,            DRVSH_KeywordLine,   values<DRVSH_ReceiveLine, 1>,  DRVSH_Fini     }, drivers     },
     // The series elements judge the type themselves.
-    { KEY_ON,                      { YES,         YES,         YES,         YES,  YES, YES }, &state         },
-    { KEY_OFF,                     { YES,         YES,         YES,         YES,  YES, YES }, &state         },
-    { KEY_R_SERIES,                { YES,         YES,         YES,         YES,  YES, YES }, &element       },
-    { KEY_L_SERIES,                { YES,         YES,         YES,         YES,  YES, YES }, &element       },
-    { KEY_RL_SERIES,               { YES,         YES,         YES,         YES,  YES, YES }, &element       },
-    { KEY_C_SERIES,                { YES,         YES,         YES,         YES,  YES, YES }, &element       },
-    { KEY_LC_SERIES,               { YES,         YES,         YES,         YES,  YES, YES }, &element       },
-    { KEY_RC_SERIES,               { YES,         YES,         YES,         YES,  YES, YES }, &element       },
-    { KEY_SERIES_CURRENT,          { YES,         YES,         YES,         YES,  YES, YES }, &seriesTable   },
-    { KEY_SERIES_MOSFET,           { YES,         YES,         YES,         YES,  YES, YES }, &seriesTable   },
+    { { KEY_ON,                      SEC_ONCE_LINES,      seriesBegin,         nullptr,                       nullptr        }, everywhere  },
+    { { KEY_OFF,                     SEC_ONCE_LINES,      seriesBegin,         nullptr,                       nullptr        }, everywhere  },
+    { { KEY_R_SERIES,                SEC_TEXT,            seriesBegin,         nullptr,                       nullptr        }, everywhere  },
+    { { KEY_L_SERIES,                SEC_TEXT,            seriesBegin,         nullptr,                       nullptr        }, everywhere  },
+    { { KEY_RL_SERIES,               SEC_TEXT,            seriesBegin,         nullptr,                       nullptr        }, everywhere  },
+    { { KEY_C_SERIES,                SEC_TEXT,            seriesBegin,         nullptr,                       nullptr        }, everywhere  },
+    { { KEY_LC_SERIES,               SEC_TEXT,            seriesBegin,         nullptr,                       nullptr        }, everywhere  },
+    { { KEY_RC_SERIES,               SEC_TEXT,            seriesBegin,         nullptr,                       nullptr        }, everywhere  },
+    { { KEY_SERIES_CURRENT,          0,                   seriesBegin,         values<SEREL_ReceiveLine>,     SEREL_Fini     }, everywhere  },
+    { { KEY_SERIES_MOSFET,           0,                   seriesBegin,         values<SEREL_ReceiveLine>,     SEREL_Fini     }, everywhere  },
     // Series kinds are reported when the submodels are known.
-    { KEY_ADD_SUBMODEL,            { YES,         YES,         YES,         YES,  YES, YES }, &addSub        },
-    { KEY_ALGORITHMIC_MODEL,       { YES,         YES,         YES,         YES,  YES, YES }, &algMod        },
-    { KEY_END_ALGORITHMIC_MODEL,   { YES,         YES,         YES,         YES,  YES, YES }, &algModEndPart },
-    { KEY_ISSO_PD,                 { NO,          YES,         YES,         NO,   NO,  NO  }, &table         },
-    { KEY_ISSO_PU,                 { NO,          YES,         YES,         NO,   NO,  NO  }, &table         },
-    { KEY_COMPOSITE_CURRENT,       { NO,          YES,         YES,         NO,   NO,  NO  }, &composite     },
-    { KEY_BEGIN_EMI_MODEL,         { YES,         YES,         YES,         YES,  YES, YES }, &emi           },
-    { KEY_END_EMI_MODEL,           { YES,         YES,         YES,         YES,  YES, YES }, &emiEnd        },
+    { { KEY_ADD_SUBMODEL,            SEC_ONCE,            ADDSUB_KeywordLine,  ADDSUB_ReceiveLine,            ADDSUB_Fini    }, everywhere  },
+    { { KEY_ALGORITHMIC_MODEL,       SEC_TEXT,            algModBegin,         algModLine,                    nullptr        }, everywhere  },
+    { { KEY_END_ALGORITHMIC_MODEL,   0,                   algModEnd,           nullptr,                       nullptr        }, everywhere  },
+    { { KEY_ISSO_PD,                 SEC_ONCE,            tableBegin,          values<tableLine>,             tableFini      }, drivers     },
+    { { KEY_ISSO_PU,                 SEC_ONCE,            tableBegin,          values<tableLine>,             tableFini      }, drivers     },
+    { { KEY_COMPOSITE_CURRENT,       0,                   compositeBegin,      values<compositeLine>,         compositeFini  }, drivers     },
+    { { KEY_BEGIN_EMI_MODEL,         SEC_ONCE_LINES,      MDLEMI_Begin,        MDLEMI_ReceiveLine,            nullptr        }, everywhere  },
+    { { KEY_END_EMI_MODEL,           0,                   MDLEMI_End,          nullptr,                       nullptr        }, everywhere  },
 };
 // clang-format on
 
-enum { FIRST_CODE = KEY_EXTERNAL_MODEL, LAST_CODE = KEY_END_EMI_MODEL };
-static_assert(sizeof modelKeywords / sizeof modelKeywords[0] == LAST_CODE - FIRST_CODE + 1,
-              "one row for each code, in order");
-
-const Part* findPart(int code)
+std::size_t placeOf(int code)
 {
-    return modelKeywords[code - FIRST_CODE].part;
+    const Keyword* row = SEC_FindKeyword<Keyword>(modelRows, code);
+    if (row == nullptr) CMN_AssertFailed(s_Module, __LINE__);
+    return static_cast<std::size_t>(row - modelRows);
 }
 
-bool isAllowed(const MdlTypeInfo* info, int code)
+bool isAllowed(const MdlTypeInfo* info, const Keyword& row)
 {
-    switch (modelKeywords[code - FIRST_CODE].allowed[info->group]) {
+    switch (row.allowed.in[info->group]) {
         case NO:
             return false;
         case BY_PULLUP:
@@ -317,15 +272,16 @@ bool isDriverData(int code)
            code == KEY_RISING_WAVEFORM || code == KEY_FALLING_WAVEFORM;
 }
 
-void checkAllowed(Mdl* model, int code)
+void checkAllowed(Mdl* model, const Keyword& row)
 {
     const MdlTypeInfo* info = MDL_TypeInfo(model->type);
-    if (info == nullptr || isAllowed(info, code)) return;
-    if (info->group == MDL_GROUP_RX && isDriverData(code)) {
-        ERRLOG_LineWarnNew(122, SEC_KeywordName(code), info->name, model->name);
+    if (info == nullptr || isAllowed(info, row)) return;
+    const char* name = SEC_KeywordName(row.code);
+    if (info->group == MDL_GROUP_RX && isDriverData(row.code)) {
+        ERRLOG_LineWarnNew(122, name, info->name, model->name);
     } else {
-        ERRLOG_LineErrorNew(119, SEC_KeywordName(code), info->name, model->name);
-        SEC_MarkFound(&model->refused, code - FIRST_CODE);
+        ERRLOG_LineErrorNew(119, name, info->name, model->name);
+        SEC_MarkFound(&model->refused, static_cast<int>(&row - modelRows));
     }
 }
 
@@ -334,64 +290,42 @@ void closeBlocks(Mdl* model, int nextCode)
 {
     if (reading.algModOpen && nextCode != KEY_END_ALGORITHMIC_MODEL) {
         ERRLOG_LineErrorNew(151, model->name);
-        reading.algModOpen = 0;
+        reading.algModOpen = false;
         if (model->algMod != nullptr) ALGMOD_Fini(model->algMod->execs);
     }
     if (nextCode != KEY_END_EXTERNAL_MODEL) EXT_MdlFini(model);
     if (nextCode != KEY_END_EMI_MODEL) MDLEMI_Fini(model);
 }
 
-int keywordLine(Mdl* model, int code, char* line)
+int judge(Mdl* model, const Keyword& row, char* text)
 {
-    closeBlocks(model, code);
-    reading.code = code;
-    reading.skip = 0;
-    if (code != KEY_COMPOSITE_CURRENT) reading.followed = nullptr;
-
-    const char* name = SEC_KeywordName(code);
-    const Part* part = findPart(code);
-    if (KEYWORD_Row(code)->since > SEC_Version())
-        ERRLOG_LineErrorNew(121, name, VERSION_Since(KEYWORD_Row(code)->since));
-    checkAllowed(model, code);
-    if (!part->takesText) SEC_IgnoreText(117, SEC_Argument(line), name);
-    const int isFirst = SEC_MarkFound(&model->found, code - FIRST_CODE);
-    if (!isFirst && part->repeat != REPEAT_FREE) {
+    closeBlocks(model, row.code);
+    if (row.code != KEY_COMPOSITE_CURRENT) reading.followed = nullptr;
+    const char* name = SEC_KeywordName(row.code);
+    const int since = KEYWORD_Row(row.code)->since;
+    if (since > SEC_Version()) ERRLOG_LineErrorNew(121, name, VERSION_Since(since));
+    checkAllowed(model, row);
+    if ((row.flags & SEC_TEXT) == 0) SEC_IgnoreText(117, text, name);
+    if (reading.isRepeated && (row.flags & (SEC_ONCE | SEC_ONCE_LINES)) != 0)
         ERRLOG_LineErrorNew(118, name, model->name);
-        reading.skip = 1;
-        if (part->repeat == REPEAT_DROPPED) return 0;
-    }
-    return part->begin(model, code, line);
+    return 1;
 }
 
-int dataLine(Mdl* model, int code, char* line)
+// The rest of the record's end is in mdlend.
+void end(Mdl* model)
 {
-    if (code != reading.code) {
-        SEC_UnknownKeyword(&frame, __LINE__);
-        return 0;
-    }
-    const Part* part = findPart(code);
-    if (part->receive == nullptr) {
-        ERRLOG_LineErrorNew(116, SEC_KeywordName(code));
-        return 0;
-    }
-    if (reading.skip) return 0;
-    if (part->names >= 0) MDL_CheckScale(line, part->names);
-    return part->receive(model, code, line);
+    closeBlocks(model, NOT_KEY);
+    MDL_EndOfRecord(model);
 }
 
-// Ends the current keyword.
-void finishKeyword()
+int prepare(Mdl*)
 {
-    const Part* part = reading.code != 0 ? findPart(reading.code) : nullptr;
-    if (part != nullptr && part->fini != nullptr && !reading.skip)
-        part->fini(reading.open, reading.code);
-    reading.code = 0;
-    reading.skip = 0;
+    MDL_SubParametersBegin();
+    return 1;
 }
 
-void free(Mdl* model)
+void release(Mdl* model)
 {
-    if (model == reading.open) reading = {};
     for (RngRange* range :
          {model->C_comp, model->C_comp_pullup, model->C_comp_pulldown, model->C_comp_power_clamp,
           model->C_comp_gnd_clamp, model->temperature, model->voltageRange, model->pullupRef,
@@ -415,70 +349,56 @@ void free(Mdl* model)
     SEC_FreeRecord(model);
 }
 
+const SecLife<Reading> life = {
+    .reading = &reading,
+    .frame = frame,
+    .opener = KEY_MODEL,
+    .rows = modelRows,
+    .add = IBIS_AddMdl,
+    .release = release,
+    .prepare = prepare,
+    .judge = judge,
+    .end = end,
+};
+
 }  // namespace
 
 int MDL_Found(const Mdl* model, int code)
 {
-    CMN_ASSERT(model != nullptr && code >= FIRST_CODE && code <= LAST_CODE);
-    return (model->found >> (code - FIRST_CODE) & 1u) != 0;
+    CMN_ASSERT(model != nullptr);
+    return (model->found >> placeOf(code) & 1u) != 0;
 }
 
 int MDL_Refused(const Mdl* model, int code)
 {
-    CMN_ASSERT(model != nullptr && code >= FIRST_CODE && code <= LAST_CODE);
-    return (model->refused >> (code - FIRST_CODE) & 1u) != 0;
+    CMN_ASSERT(model != nullptr);
+    return (model->refused >> placeOf(code) & 1u) != 0;
 }
 
 int MDL_Init(void)
 {
-    MDL_Close();
-    IbisRoot* root = SEC_Root(&frame, __LINE__);
-    if (root == nullptr) return 0;
-    auto* model = static_cast<Mdl*>(SEC_NewRecord(&frame, sizeof(Mdl)));
-    if (model == nullptr) return 0;
-    model->line = PARSE_GetLineNum();
-    IBIS_AddMdl(root, model);
-    reading = {};
-    reading.open = model;
-    MDL_SubParametersBegin();
-    return 1;
+    return life.Init();
 }
 
 int MDL_ReceiveLine(int kind, int code, char* line)
 {
-    CMN_ASSERT(line != nullptr);
-    if (!SEC_Receives(&frame, __LINE__, kind, reading.open)) return 0;
-    if (code < FIRST_CODE || code > LAST_CODE) {
-        SEC_UnknownKeyword(&frame, __LINE__);
-        return 0;
-    }
-    return kind == LINE_KEYWORD ? keywordLine(reading.open, code, line)
-                                : dataLine(reading.open, code, line);
+    reading.line = line;
+    return life.ReceiveLine(kind, code, line);
 }
 
 int MDL_Fini(int nextCode)
 {
-    if (reading.open == nullptr) return 0;
-    finishKeyword();
-    // Files of later versions hold unknown keywords in mid-model: they do not end it.
-    const bool staysOpen = nextCode == NOT_KEY || (nextCode >= FIRST_CODE &&
-                                                   nextCode <= LAST_CODE && nextCode != KEY_MODEL);
-    if (!staysOpen) MDL_Close();
-    return 1;
+    return life.Fini(nextCode);
 }
 
 void MDL_Close(void)
 {
-    if (reading.open == nullptr) return;
-    finishKeyword();
-    closeBlocks(reading.open, NOT_KEY);
-    MDL_EndOfRecord(reading.open);
-    reading = {};
+    life.Close();
 }
 
 void MDL_FreeList(Mdl* head)
 {
-    SEC_FreeList(head, free);
+    life.FreeList(head);
 }
 
 int MDL_AddLink(Mdl** head, Mdl* item)

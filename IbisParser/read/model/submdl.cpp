@@ -3,8 +3,8 @@
 
 #include "IbisParser/errlog.h"
 #include "IbisParser/krng.h"
-#include "IbisParser/parse.h"
 #include "IbisParser/read/model/mdl.h"
+#include "IbisParser/store/life.h"
 #include "IbisParser/vitbl.h"
 #include "IbisParser/wvfrm.h"
 
@@ -13,16 +13,6 @@ static const char s_Module[] = "IbisParser/submdl";
 namespace {
 
 const SecFrame frame = {s_Module, 2200, 2201, 2202, 2203, 2204, 2205};
-
-// The submodel that is being read.
-struct Reading {
-    SubMdl* open;     // null: none
-    int code;         // keyword whose data is being read, 0 before it and after its end
-    int skip;         // its data lines are dropped
-    int typeGiven;    // readable or not
-    Wvfrm* waveform;  // the last one
-};
-Reading reading = {};
 
 const struct TypeRow {
     const char* name;
@@ -49,33 +39,17 @@ bool isAllowed(const SubMdl* submodel, const Allowed& allowed)
     return submodel->type == SUBMDL_UNSET || allowed.in[submodel->type - 1];
 }
 
-enum Kind { KIND_HEAD, KIND_SPEC, KIND_PULSE, KIND_TABLE, KIND_RAMP, KIND_WAVE };
-
-// clang-format off
-const struct Keyword {
-    int code;
-    Kind kind;
+struct Keyword : SecKeyword<SubMdl> {
     Allowed allowed;
-    Vitbl* SubMdl::* table;     // KIND_TABLE
-    Wvfrm* SubMdl::* waveform;  // KIND_PULSE, KIND_WAVE
-} keywords[] = {
-    { KEY_SUBMODEL,                KIND_HEAD,  all,     nullptr,             nullptr              },
-    { KEY_SUBMODEL_SPEC,           KIND_SPEC,  all,     nullptr,             nullptr              },
-    { KEY_GND_PULSE_TABLE,         KIND_PULSE, clamps,  nullptr,             &SubMdl::gndPulse    },
-    { KEY_POWER_PULSE_TABLE,       KIND_PULSE, clamps,  nullptr,             &SubMdl::powerPulse  },
-    { KEY_SUBMDL_PULLDOWN,         KIND_TABLE, drivers, &SubMdl::pulldown,   nullptr              },
-    { KEY_SUBMDL_PULLUP,           KIND_TABLE, drivers, &SubMdl::pullup,     nullptr              },
-    { KEY_SUBMDL_GND_CLAMP,        KIND_TABLE, clamps,  &SubMdl::gndClamp,   nullptr              },
-    { KEY_SUBMDL_POWER_CLAMP,      KIND_TABLE, clamps,  &SubMdl::powerClamp, nullptr              },
-    { KEY_SUBMDL_RAMP,             KIND_RAMP,  drivers, nullptr,             nullptr              },
-    { KEY_SUBMDL_RISING_WAVEFORM,  KIND_WAVE,  drivers, nullptr,             &SubMdl::rising      },
-    { KEY_SUBMDL_FALLING_WAVEFORM, KIND_WAVE,  drivers, nullptr,             &SubMdl::falling     },
+    Vitbl* SubMdl::*table;
+    Wvfrm* SubMdl::*waveform;
 };
-// clang-format on
 
-enum { FIRST_CODE = KEY_SUBMODEL, LAST_CODE = KEY_SUBMDL_FALLING_WAVEFORM };
-static_assert(sizeof keywords / sizeof keywords[0] == LAST_CODE - FIRST_CODE + 1,
-              "one row for each code, in order");
+// The submodel that is being read.
+struct Reading : SecReading<SubMdl, Keyword, &SubMdl::found> {
+    bool typeGiven = false;     // readable or not
+    Wvfrm* waveform = nullptr;  // the last one
+} reading;
 
 const struct {
     const char* name;
@@ -87,12 +61,23 @@ const struct {
     {"Off_delay", &SubMdl::Off_delay, holders},
 };
 
-bool found(const SubMdl* submodel, int code)
+// Splits a sub-parameter line for the function.
+template <int (*receive)(SubMdl* submodel, const CmnArgs* args, const char* line)>
+int subParameter(SubMdl* submodel, const char* line)
 {
-    return (submodel->found >> (code - FIRST_CODE) & 1u) != 0;
+    CmnArgs args = {};
+    if (!KRNG_Split(line, CORNER_COUNT + 1, &args)) return 0;
+    const int done = receive(submodel, &args, line);
+    CMN_ArgFree(&args);
+    return done;
 }
 
 // [Submodel] and the lines under it.
+
+int headBegin(SubMdl* submodel, char* text)
+{
+    return MDL_NameLine(submodel->name, text, KEY_SUBMODEL, LIMIT_SUBMODEL, 2211, 2219);
+}
 
 void setType(SubMdl* submodel, const CmnArgs* args)
 {
@@ -100,7 +85,7 @@ void setType(SubMdl* submodel, const CmnArgs* args)
         ERRLOG_LineErrorNew(2209, submodel->name);
         return;
     }
-    reading.typeGiven = 1;
+    reading.typeGiven = true;
     const char* word = args->nStored > 1 ? args->argv[1] : "";
     const TypeRow* row = args->argc == 2 ? SEC_FindRow(typeRows, word) : nullptr;
     if (row == nullptr) {
@@ -137,113 +122,86 @@ int specLine(SubMdl* submodel, const CmnArgs* args, const char* line)
     return KRNG_SetRange(&(submodel->*(item->slot)), KRNG_Values(line), item->name);
 }
 
-void specFini(const SubMdl* submodel)
+int specFini(SubMdl* submodel)
 {
     for (const auto& item : items)
-        if (submodel->*(item.slot) != nullptr) return;
+        if (submodel->*(item.slot) != nullptr) return 1;
     ERRLOG_LineErrorNew(2221, submodel->name);
+    return 0;
 }
 
-// Splits a sub-parameter line for one of the two above.
-int splitLine(SubMdl* submodel, const char* line,
-              int (*receive)(SubMdl* submodel, const CmnArgs* args, const char* line))
+// Tables.
+
+int tableBegin(SubMdl* submodel)
 {
-    CmnArgs args = {};
-    if (!KRNG_Split(line, CORNER_COUNT + 1, &args)) return 0;
-    const int done = receive(submodel, &args, line);
-    CMN_ArgFree(&args);
-    return done;
+    const Keyword& row = *reading.keyword;
+    return VITBL_New(&(submodel->*(row.table)), SEC_KeywordName(row.code), submodel->name);
 }
 
-// Keywords.
-
-int begin(SubMdl* submodel, const Keyword& row, char* text)
+int tableLine(SubMdl* submodel, char* line)
 {
-    switch (row.kind) {
-        case KIND_HEAD:
-            return MDL_NameLine(submodel->name, text, row.code, LIMIT_SUBMODEL, 2211, 2219);
-        case KIND_TABLE:
-            return VITBL_New(&(submodel->*(row.table)), SEC_KeywordName(row.code), submodel->name);
-        case KIND_RAMP:
-            return RAMP_KeywordLine(&submodel->ramp);
-        case KIND_PULSE:
-        case KIND_WAVE:
-            reading.waveform = nullptr;
-            return WVFRM_New(&(submodel->*(row.waveform)), row.code, submodel->name,
-                             &reading.waveform);
-        default:
-            return 1;
-    }
+    return VITBL_ReceiveLine(submodel->*(reading.keyword->table), line);
 }
 
-int receiveRow(SubMdl* submodel, const Keyword& row, const char* line)
+int tableFini(SubMdl* submodel)
 {
-    switch (row.kind) {
-        case KIND_HEAD:
-            return splitLine(submodel, line, headLine);
-        case KIND_SPEC:
-            return splitLine(submodel, line, specLine);
-        case KIND_TABLE:
-            return VITBL_ReceiveLine(submodel->*(row.table), line);
-        case KIND_RAMP:
-            return submodel->ramp != nullptr && RAMP_ReceiveLine(submodel->ramp, line);
-        default:
-            return reading.waveform != nullptr && WVFRM_ReceiveLine(reading.waveform, line);
-    }
+    return VITBL_Fini(submodel->*(reading.keyword->table));
 }
 
-void fini(SubMdl* submodel, const Keyword& row)
+int rampBegin(SubMdl* submodel)
 {
-    switch (row.kind) {
-        case KIND_SPEC:
-            specFini(submodel);
-            break;
-        case KIND_TABLE:
-            VITBL_Fini(submodel->*(row.table));
-            break;
-        case KIND_PULSE:
-        case KIND_WAVE:
-            if (reading.waveform != nullptr) WVFRM_Fini(reading.waveform);
-            break;
-        default:
-            break;
-    }
+    return RAMP_KeywordLine(&submodel->ramp);
 }
 
-int keywordLine(SubMdl* submodel, int code, char* line)
+int rampLine(SubMdl* submodel, char* line)
 {
-    const Keyword& row = keywords[code - FIRST_CODE];
-    const char* name = SEC_KeywordName(code);
-    char* text = SEC_Argument(line);
-    reading.code = code;
-    reading.skip = 0;
+    return submodel->ramp != nullptr && RAMP_ReceiveLine(submodel->ramp, line);
+}
+
+int waveBegin(SubMdl* submodel)
+{
+    const Keyword& row = *reading.keyword;
+    reading.waveform = nullptr;
+    return WVFRM_New(&(submodel->*(row.waveform)), row.code, submodel->name, &reading.waveform);
+}
+
+int waveLine(SubMdl*, char* line)
+{
+    return reading.waveform != nullptr && WVFRM_ReceiveLine(reading.waveform, line);
+}
+
+int waveFini(SubMdl*)
+{
+    return reading.waveform != nullptr && WVFRM_Fini(reading.waveform);
+}
+
+// clang-format off
+const Keyword submodelRows[] = {
+    //                               flags                begin       data line               finish        types     its place in the record
+    { { KEY_SUBMODEL,                SEC_ONCE | SEC_TEXT, headBegin,  subParameter<headLine>, nullptr   },  all,      nullptr,             nullptr              },
+    { { KEY_SUBMODEL_SPEC,           SEC_ONCE,            nullptr,    subParameter<specLine>, specFini  },  all,      nullptr,             nullptr              },
+    // Pulse tables judge a second one themselves, and waveforms may be many.
+    { { KEY_GND_PULSE_TABLE,         0,                   waveBegin,  waveLine,               waveFini  },  clamps,   nullptr,             &SubMdl::gndPulse    },
+    { { KEY_POWER_PULSE_TABLE,       0,                   waveBegin,  waveLine,               waveFini  },  clamps,   nullptr,             &SubMdl::powerPulse  },
+    { { KEY_SUBMDL_PULLDOWN,         SEC_ONCE,            tableBegin, tableLine,              tableFini },  drivers,  &SubMdl::pulldown,   nullptr              },
+    { { KEY_SUBMDL_PULLUP,           SEC_ONCE,            tableBegin, tableLine,              tableFini },  drivers,  &SubMdl::pullup,     nullptr              },
+    { { KEY_SUBMDL_GND_CLAMP,        SEC_ONCE,            tableBegin, tableLine,              tableFini },  clamps,   &SubMdl::gndClamp,   nullptr              },
+    { { KEY_SUBMDL_POWER_CLAMP,      SEC_ONCE,            tableBegin, tableLine,              tableFini },  clamps,   &SubMdl::powerClamp, nullptr              },
+    { { KEY_SUBMDL_RAMP,             SEC_ONCE,            rampBegin,  rampLine,               nullptr   },  drivers,  nullptr,             nullptr              },
+    { { KEY_SUBMDL_RISING_WAVEFORM,  0,                   waveBegin,  waveLine,               waveFini  },  drivers,  nullptr,             &SubMdl::rising      },
+    { { KEY_SUBMDL_FALLING_WAVEFORM, 0,                   waveBegin,  waveLine,               waveFini  },  drivers,  nullptr,             &SubMdl::falling     },
+};
+// clang-format on
+
+int judge(SubMdl* submodel, const Keyword& row, char* text)
+{
+    const char* name = SEC_KeywordName(row.code);
     if (!isAllowed(submodel, row.allowed))
         ERRLOG_LineErrorNew(2213, name, SUBMDL_TypeOf(submodel), submodel->name);
-    if (row.kind != KIND_HEAD) SEC_IgnoreText(2219, text, name);
-    const int isFirst = SEC_MarkFound(&submodel->found, code - FIRST_CODE);
-    // The pulse tables judge this themselves, and waveforms may be many.
-    if (!isFirst && row.kind != KIND_PULSE && row.kind != KIND_WAVE) {
+    if ((row.flags & SEC_TEXT) == 0) SEC_IgnoreText(2219, text, name);
+    if (reading.isRepeated && (row.flags & SEC_ONCE) != 0)
         ERRLOG_LineErrorNew(2212, name, submodel->name);
-        reading.skip = 1;
-        return 0;
-    }
-    return begin(submodel, row, text);
-}
-
-int dataLine(SubMdl* submodel, int code, const char* line)
-{
-    if (code != reading.code) {
-        SEC_UnknownKeyword(&frame, __LINE__);
-        return 0;
-    }
-    return reading.skip ? 0 : receiveRow(submodel, keywords[code - FIRST_CODE], line);
-}
-
-void finishKeyword()
-{
-    if (reading.code != 0 && !reading.skip) fini(reading.open, keywords[reading.code - FIRST_CODE]);
-    reading.code = 0;
-    reading.skip = 0;
+    return 1;
 }
 
 // The rules of a whole record.
@@ -264,9 +222,9 @@ void checkClamp(const SubMdl* submodel)
         {KEY_GND_PULSE_TABLE, KEY_SUBMDL_GND_CLAMP, "V_trigger_f", submodel->V_trigger_f},
     };
     for (const auto& side : sides) {
-        const bool hasPulse = found(submodel, side.pulse);
+        const bool hasPulse = reading.Has(side.pulse);
         if (hasPulse && side.trigger == nullptr) lacks(submodel, side.triggerName);
-        if (hasPulse && !found(submodel, side.clamp))
+        if (hasPulse && !reading.Has(side.clamp))
             ERRLOG_LineErrorNew(2220, SEC_KeywordName(side.pulse), submodel->name,
                                 SEC_KeywordName(side.clamp));
         if (!hasPulse && side.trigger != nullptr)
@@ -286,7 +244,7 @@ void checkHolder(const SubMdl* submodel)
     }
 }
 
-void endOfRecord(const SubMdl* submodel)
+void end(SubMdl* submodel)
 {
     if (submodel->type == SUBMDL_UNSET && !reading.typeGiven)
         ERRLOG_LineErrorNew(2210, submodel->name);
@@ -298,12 +256,11 @@ void endOfRecord(const SubMdl* submodel)
     if (MDL_Least(submodel->Off_delay) < 0.0) ERRLOG_LineErrorNew(2217, submodel->name);
 }
 
-void free(SubMdl* submodel)
+void release(SubMdl* submodel)
 {
-    if (submodel == reading.open) reading = {};
     for (const auto& item : items)
         RNG_Free(submodel->*(item.slot));
-    for (const Keyword& row : keywords) {
+    for (const Keyword& row : submodelRows) {
         if (row.table != nullptr) VITBL_Free(submodel->*(row.table));
         if (row.waveform != nullptr) WVFRM_FreeList(submodel->*(row.waveform));
     }
@@ -311,56 +268,42 @@ void free(SubMdl* submodel)
     SEC_FreeRecord(submodel);
 }
 
+const SecLife<Reading> life = {
+    .reading = &reading,
+    .frame = frame,
+    .opener = KEY_SUBMODEL,
+    .rows = submodelRows,
+    .add = IBIS_AddSubMdl,
+    .release = release,
+    .judge = judge,
+    .end = end,
+};
+
 }  // namespace
 
 int SUBMDL_Init(void)
 {
-    SUBMDL_Close();
-    IbisRoot* root = SEC_Root(&frame, __LINE__);
-    if (root == nullptr) return 0;
-    auto* submodel = static_cast<SubMdl*>(SEC_NewRecord(&frame, sizeof(SubMdl)));
-    if (submodel == nullptr) return 0;
-    submodel->line = PARSE_GetLineNum();
-    IBIS_AddSubMdl(root, submodel);
-    reading = {};
-    reading.open = submodel;
-    return 1;
+    return life.Init();
 }
 
 int SUBMDL_ReceiveLine(int kind, int code, char* line)
 {
-    CMN_ASSERT(line != nullptr);
-    if (!SEC_Receives(&frame, __LINE__, kind, reading.open)) return 0;
-    if (code < FIRST_CODE || code > LAST_CODE) {
-        SEC_UnknownKeyword(&frame, __LINE__);
-        return 0;
-    }
-    return kind == LINE_KEYWORD ? keywordLine(reading.open, code, line)
-                                : dataLine(reading.open, code, line);
+    return life.ReceiveLine(kind, code, line);
 }
 
 int SUBMDL_Fini(int nextCode)
 {
-    if (reading.open == nullptr) return 0;
-    finishKeyword();
-    const bool staysOpen =
-        nextCode == NOT_KEY ||
-        (nextCode >= FIRST_CODE && nextCode <= LAST_CODE && nextCode != KEY_SUBMODEL);
-    if (!staysOpen) SUBMDL_Close();
-    return 1;
+    return life.Fini(nextCode);
 }
 
 void SUBMDL_Close(void)
 {
-    if (reading.open == nullptr) return;
-    finishKeyword();
-    endOfRecord(reading.open);
-    reading = {};
+    life.Close();
 }
 
 void SUBMDL_FreeList(SubMdl* head)
 {
-    SEC_FreeList(head, free);
+    life.FreeList(head);
 }
 
 int SUBMDL_AddLink(SubMdl** head, SubMdl* item)
