@@ -37,7 +37,7 @@ struct Cmpnt {
     Node* nodes;
     Circuit* calls;
     CmpntEmi* emi;
-    unsigned long found;          /* bit code - 9 for each keyword that came */
+    unsigned long found;          /* a bit for each keyword that came, by code */
     struct IdxTable* pinIndex;    /* pins by name */
     struct CmpntReading* reading; /* only while the component is open */
 };

@@ -5,21 +5,9 @@
 #include "IbisParser/read/component/cmpnt.h"
 
 static const char s_Module[] = "IbisParser/cmpnt";
-static const SecFrame s_frame = {s_Module, 500, 501, 502, 503, 504, 505};
+static const SecFrame s_frame = {s_Module, 500, 501, 502, 503, 504, 505, 527};
 
-static Cmpnt* s_open = nullptr;
-
-// What a keyword of the component means to its reading.
-struct CmpntKeyword {
-    KeywordCode code;
-    unsigned duplicate;  // message of a second one; 0: any number may come
-    int isOnce;          // a second one is not read
-    int afterPin;        // names pins, which [Pin] must list before
-    int hasText;         // text may follow the keyword
-    unsigned empty;      // message when no data line came; 0: none
-    int (*begin)(Cmpnt*, const char*);
-    int (*data)(Cmpnt*, const char*);  // null: no data lines
-};
+static CmpntReading s_reading;
 
 // A block that an end keyword closes.
 struct CmpntBlock {
@@ -42,11 +30,6 @@ static const CmpntBlock* s_findBlock(int code)
     for (const CmpntBlock& block : s_blocks)
         if (block.begin == code || block.end == code) return &block;
     return nullptr;
-}
-
-static int s_isFound(const Cmpnt* component, int code)
-{
-    return (component->found >> (code - KEY_COMPONENT) & 1) != 0;
 }
 
 // Keyword lines and data lines that are the component's own.
@@ -104,7 +87,7 @@ static int s_packageModel(Cmpnt* component, const char* text)
     return CMN_ReservedWordErr(text);
 }
 
-static int s_beginPackage(Cmpnt* component, const char*)
+static int s_beginPackage(Cmpnt* component)
 {
     return PKG_New(&component->package);
 }
@@ -114,35 +97,56 @@ static int s_packageLine(Cmpnt* component, const char* line)
     return component->package != nullptr && PKG_ReceiveLine(component->package, line);
 }
 
-static int s_beginNothing(Cmpnt*, const char*)
+static int s_packageFini(Cmpnt* component)
 {
-    return 1;
+    return component->package != nullptr && PKG_Fini(component->package, component->name);
+}
+
+// The end of a keyword that is nothing without data lines, and of one that says nothing then.
+
+static int s_mustHaveLines(Cmpnt* component)
+{
+    if (s_reading.dataLines > 0) return 1;
+    ERRLOG_LineErrorNew(524, SEC_KeywordName(s_reading.keyword->code), component->name);
+    return 0;
+}
+
+static int s_shouldHaveLines(Cmpnt* component)
+{
+    if (s_reading.dataLines > 0) return 1;
+    ERRLOG_LineWarnNew(529, SEC_KeywordName(s_reading.keyword->code), component->name);
+    return 0;
+}
+
+static int s_groupsFini(Cmpnt* component)
+{
+    s_shouldHaveLines(component);
+    return SERMAP_Fini(component);
 }
 
 static int s_emiTable(Cmpnt* component, const char* text)
 {
-    CmpntReading* reading = component->reading;
-    if (reading->openBlock == KEY_BEGIN_EMI_COMPONENT)
-        return CMPNTEMI_KeywordLine(component, reading->current, text);
-    ERRLOG_LineErrorNew(528, SEC_KeywordName(reading->current));
-    reading->skipsData = 1;
+    const int code = s_reading.keyword->code;
+    if (s_reading.openBlock == KEY_BEGIN_EMI_COMPONENT)
+        return CMPNTEMI_KeywordLine(component, code, text);
+    ERRLOG_LineErrorNew(528, SEC_KeywordName(code));
+    s_reading.skips = true;
     return 0;
 }
 
 static int s_emiLine(Cmpnt* component, const char* line)
 {
-    return CMPNTEMI_ReceiveLine(component, component->reading->current, line);
+    return CMPNTEMI_ReceiveLine(component, s_reading.keyword->code, line);
 }
 
-static int s_endBlock(Cmpnt* component, const char*)
+static int s_endBlock(Cmpnt* component)
 {
-    CmpntReading* reading = component->reading;
-    const CmpntBlock* block = s_findBlock(reading->current);
-    if (reading->openBlock == block->begin) {
-        reading->openBlock = 0;
+    const CmpntBlock* block = s_findBlock(s_reading.keyword->code);
+    if (s_reading.openBlock == block->begin) {
+        s_reading.openBlock = 0;
         return block->finish(component);
     }
-    if (s_isFound(component, block->begin))
+    if (s_reading.Has(block->begin))
         ERRLOG_LineErrorNew(526, SEC_KeywordName(block->end), SEC_KeywordName(block->begin));
     else
         ERRLOG_LineErrorNew(block->alone);
@@ -151,64 +155,52 @@ static int s_endBlock(Cmpnt* component, const char*)
 
 // clang-format off
 static const CmpntKeyword s_keywords[] = {
-//    code                             twice once pins text empty  keyword line         data line
-    { KEY_COMPONENT,                      0,   0,   0,   1,    0,  s_beginComponent,    s_subParameter      },
-    { KEY_MANUFACTURER,                 506,   1,   0,   1,    0,  s_manufacturer,      nullptr             },
-    { KEY_PACKAGE,                      507,   1,   0,   0,    0,  s_beginPackage,      s_packageLine       },
-    { KEY_PIN,                          508,   0,   0,   1,  524,  PIN_KeywordLine,     PIN_ReceiveLine     },
-    { KEY_PACKAGE_MODEL,                509,   1,   0,   1,    0,  s_packageModel,      nullptr             },
-    { KEY_PIN_MAPPING,                  510,   0,   1,   1,  524,  PINMAP_KeywordLine,  PINMAP_ReceiveLine  },
-    { KEY_DIFF_PIN,                     511,   0,   1,   1,  529,  DIFFPIN_KeywordLine, DIFFPIN_ReceiveLine },
-    { KEY_SERIES_PIN_MAPPING,           512,   0,   1,   1,  529,  SERMAP_KeywordLine,  SERMAP_ReceiveLine  },
-    { KEY_SERIES_SWITCH_GROUPS,         513,   0,   1,   0,  529,  s_beginNothing,      SERMAP_GroupLine    },
-    { KEY_ALTERNATE_PACKAGE_MODELS,     514,   0,   0,   1,    0,  APKG_Begin,          APKG_ReceiveLine    },
-    { KEY_END_ALTERNATE_PACKAGE_MODELS,   0,   0,   0,   0,    0,  s_endBlock,          nullptr             },
-    { KEY_NODE_DECLARATIONS,            515,   0,   1,   0,    0,  NODE_Begin,          NODE_ReceiveLine    },
-    { KEY_END_NODE_DECLARATIONS,          0,   0,   0,   0,    0,  s_endBlock,          nullptr             },
-    { KEY_CIRCUIT_CALL,                   0,   0,   1,   1,    0,  CIRCUIT_New,         CIRCUIT_ReceiveLine },
-    { KEY_END_CIRCUIT_CALL,               0,   0,   0,   0,    0,  s_endBlock,          nullptr             },
-    { KEY_BEGIN_EMI_COMPONENT,          516,   0,   0,   0,    0,  CMPNTEMI_Begin,      s_emiLine           },
-    { KEY_END_EMI_COMPONENT,              0,   0,   0,   0,    0,  s_endBlock,          nullptr             },
-    { KEY_PIN_EMI,                        0,   0,   1,   1,  529,  s_emiTable,          s_emiLine           },
-    { KEY_PIN_DOMAIN_EMI,                 0,   0,   0,   1,  529,  s_emiTable,          s_emiLine           },
+    //                                     flags                keyword line         data line            finish               twice  after [Pin]
+    { { KEY_COMPONENT,                     SEC_TEXT,            s_beginComponent,    s_subParameter,      nullptr           },    0,  false },
+    { { KEY_MANUFACTURER,                  SEC_TEXT | SEC_ONCE, s_manufacturer,      nullptr,             nullptr           },  506,  false },
+    { { KEY_PACKAGE,                       SEC_ONCE,            s_beginPackage,      s_packageLine,       s_packageFini     },  507,  false },
+    { { KEY_PIN,                           SEC_TEXT,            PIN_KeywordLine,     PIN_ReceiveLine,     s_mustHaveLines   },  508,  false },
+    { { KEY_PACKAGE_MODEL,                 SEC_TEXT | SEC_ONCE, s_packageModel,      nullptr,             nullptr           },  509,  false },
+    { { KEY_PIN_MAPPING,                   SEC_TEXT,            PINMAP_KeywordLine,  PINMAP_ReceiveLine,  s_mustHaveLines   },  510,  true  },
+    { { KEY_DIFF_PIN,                      SEC_TEXT,            DIFFPIN_KeywordLine, DIFFPIN_ReceiveLine, s_shouldHaveLines },  511,  true  },
+    { { KEY_SERIES_SWITCH_GROUPS,          0,                   nullptr,             SERMAP_GroupLine,    s_groupsFini      },  513,  true  },
+    { { KEY_SERIES_PIN_MAPPING,            SEC_TEXT,            SERMAP_KeywordLine,  SERMAP_ReceiveLine,  s_shouldHaveLines },  512,  true  },
+    { { KEY_ALTERNATE_PACKAGE_MODELS,      SEC_TEXT,            APKG_Begin,          APKG_ReceiveLine,    nullptr           },  514,  false },
+    { { KEY_END_ALTERNATE_PACKAGE_MODELS,  0,                   s_endBlock,          nullptr,             nullptr           },    0,  false },
+    { { KEY_NODE_DECLARATIONS,             0,                   NODE_Begin,          NODE_ReceiveLine,    nullptr           },  515,  true  },
+    { { KEY_END_NODE_DECLARATIONS,         0,                   s_endBlock,          nullptr,             nullptr           },    0,  false },
+    { { KEY_CIRCUIT_CALL,                  SEC_TEXT,            CIRCUIT_New,         CIRCUIT_ReceiveLine, nullptr           },    0,  true  },
+    { { KEY_END_CIRCUIT_CALL,              0,                   s_endBlock,          nullptr,             nullptr           },    0,  false },
+    { { KEY_BEGIN_EMI_COMPONENT,           0,                   CMPNTEMI_Begin,      s_emiLine,           nullptr           },  516,  false },
+    { { KEY_END_EMI_COMPONENT,             0,                   s_endBlock,          nullptr,             nullptr           },    0,  false },
+    { { KEY_PIN_EMI,                       SEC_TEXT,            s_emiTable,          s_emiLine,           s_shouldHaveLines },    0,  true  },
+    { { KEY_PIN_DOMAIN_EMI,                SEC_TEXT,            s_emiTable,          s_emiLine,           s_shouldHaveLines },    0,  false },
 };
 // clang-format on
-
-static const CmpntKeyword* s_findKeyword(int code)
-{
-    for (const CmpntKeyword& row : s_keywords)
-        if (row.code == code) return &row;
-    return nullptr;
-}
 
 // A block that waits for its end keyword is left when a keyword comes that cannot stand in it.
 static void s_leaveBlock(Cmpnt* component, int nextCode)
 {
-    CmpntReading* reading = component->reading;
-    const CmpntBlock* block = s_findBlock(reading->openBlock);
+    const CmpntBlock* block = s_findBlock(s_reading.openBlock);
     if (block == nullptr || nextCode == block->end) return;
     if (block->begin == KEY_BEGIN_EMI_COMPONENT &&
         (nextCode == KEY_PIN_EMI || nextCode == KEY_PIN_DOMAIN_EMI))
         return;
-    reading->openBlock = 0;
+    s_reading.openBlock = 0;
     block->abandon(component);
 }
 
-// Finishes the keyword being read.
-static void s_finishKeyword(Cmpnt* component)
+static int s_judge(Cmpnt* component, const CmpntKeyword& row, char* text)
 {
-    CmpntReading* reading = component->reading;
-    const CmpntKeyword* row = s_findKeyword(reading->current);
-    reading->current = NOT_KEY;
-    if (row == nullptr) return;
-    const char* name = SEC_KeywordName(row->code);
-    if (row->empty == 524 && reading->dataLines == 0)
-        ERRLOG_LineErrorNew(524, name, component->name);
-    if (row->empty == 529 && reading->dataLines == 0 && !reading->skipsData)
-        ERRLOG_LineWarnNew(529, name, component->name);
-    if (row->code == KEY_PACKAGE && !reading->skipsData && component->package != nullptr)
-        PKG_Fini(component->package, component->name);
-    if (row->code == KEY_SERIES_SWITCH_GROUPS) SERMAP_Fini(component);
+    const char* name = SEC_KeywordName(row.code);
+    s_leaveBlock(component, row.code);
+    if (s_reading.isRepeated && row.duplicate != 0)
+        ERRLOG_LineErrorNew(row.duplicate, component->name);
+    if (row.afterPin && !s_reading.Has(KEY_PIN)) ERRLOG_LineErrorNew(518, name, component->name);
+    if ((row.flags & SEC_TEXT) == 0) SEC_IgnoreText(517, text, name);
+    const CmpntBlock* block = s_findBlock(row.code);
+    if (block != nullptr && block->begin == row.code) s_reading.openBlock = row.code;
+    return 1;
 }
 
 // Tables that came before [Pin] are joined to its pins now.
@@ -225,42 +217,24 @@ static void s_joinPins(Cmpnt* component)
         }
 }
 
-static void s_freeReading(Cmpnt* component)
+static void s_end(Cmpnt* component)
 {
-    CmpntReading* reading = component->reading;
-    if (reading == nullptr) return;
-    SERMAP_Fini(component);
-    for (SecSet* set :
-         {&reading->names, &reading->alternates, &reading->nodes, &reading->seriesPairs,
-          &reading->switchStates, &reading->emiPins, &reading->emiDomains})
-        SEC_SetClear(set);
-    SEC_FreeRecord(reading);
-    component->reading = nullptr;
-}
-
-// The end of the record.
-static void s_close(void)
-{
-    Cmpnt* component = s_open;
-    s_finishKeyword(component);
-    const CmpntBlock* block = s_findBlock(component->reading->openBlock);
+    const CmpntBlock* block = s_findBlock(s_reading.openBlock);
     if (block != nullptr) {
         ERRLOG_LineErrorNew(525, SEC_KeywordName(block->begin), component->name,
                             SEC_KeywordName(block->end));
         block->finish(component);
     }
     for (const int code : {KEY_MANUFACTURER, KEY_PACKAGE, KEY_PIN})
-        if (!s_isFound(component, code))
-            ERRLOG_LineErrorNew(523, SEC_KeywordName(code), component->name);
+        if (!s_reading.Has(code)) ERRLOG_LineErrorNew(523, SEC_KeywordName(code), component->name);
     s_joinPins(component);
-    s_freeReading(component);
-    s_open = nullptr;
+    SERMAP_Fini(component);
+    component->reading = nullptr;
 }
 
-static void s_free(Cmpnt* component)
+static void s_release(Cmpnt* component)
 {
-    if (component == s_open) s_open = nullptr;
-    s_freeReading(component);
+    if (component->reading != nullptr) SERMAP_Fini(component);
     PKG_Free(component->package);
     PIN_FreeList(component->pins);
     PINMAP_FreeList(component->pinMap);
@@ -278,90 +252,46 @@ static void s_free(Cmpnt* component)
     SEC_FreeRecord(component);
 }
 
+static int s_prepare(Cmpnt* component)
+{
+    component->reading = &s_reading;
+    return 1;
+}
+
+static const SecLife<CmpntReading> s_life = {
+    .reading = &s_reading,
+    .frame = s_frame,
+    .opener = KEY_COMPONENT,
+    .rows = s_keywords,
+    .add = IBIS_AddCmpnt,
+    .release = s_release,
+    .prepare = s_prepare,
+    .judge = s_judge,
+    .end = s_end,
+};
+
 int CMPNT_Init(void)
 {
-    if (s_open != nullptr) s_close();
-    IbisRoot* root = SEC_Root(&s_frame, __LINE__);
-    if (root == nullptr) return 0;
-    Cmpnt* component = static_cast<Cmpnt*>(SEC_NewRecord(&s_frame, sizeof(Cmpnt)));
-    if (component == nullptr) return 0;
-    component->reading = static_cast<CmpntReading*>(SEC_NewRecord(&s_frame, sizeof(CmpntReading)));
-    if (component->reading == nullptr) {
-        s_free(component);
-        return 0;
-    }
-    component->line = PARSE_GetLineNum();
-    component->reading->current = NOT_KEY;
-    s_open = component;
-    return IBIS_AddCmpnt(root, component);
-}
-
-static int s_keywordLine(Cmpnt* component, int code, const char* text)
-{
-    const CmpntKeyword* row = s_findKeyword(code);
-    if (row == nullptr) {
-        SEC_UnknownKeyword(&s_frame, __LINE__);
-        return 0;
-    }
-    CmpntReading* reading = component->reading;
-    s_finishKeyword(component);
-    s_leaveBlock(component, code);
-    reading->current = code;
-    reading->dataLines = 0;
-    reading->skipsData = 0;
-    const char* name = SEC_KeywordName(code);
-    const int isFirst = SEC_MarkFound(&component->found, code - KEY_COMPONENT);
-    if (!isFirst && row->duplicate != 0) ERRLOG_LineErrorNew(row->duplicate, component->name);
-    if (row->afterPin && !s_isFound(component, KEY_PIN))
-        ERRLOG_LineErrorNew(518, name, component->name);
-    if (!row->hasText) SEC_IgnoreText(517, text, name);
-    if (!isFirst && row->isOnce) {
-        reading->skipsData = row->data != nullptr;
-        return 0;
-    }
-    const CmpntBlock* block = s_findBlock(code);
-    if (block != nullptr && block->begin == code) reading->openBlock = code;
-    return row->begin(component, text);
-}
-
-static int s_dataLine(Cmpnt* component, const char* line)
-{
-    CmpntReading* reading = component->reading;
-    const CmpntKeyword* row = s_findKeyword(reading->current);
-    if (row == nullptr || reading->skipsData) return 0;
-    ++reading->dataLines;
-    if (row->data == nullptr) {
-        ERRLOG_LineErrorNew(527, SEC_KeywordName(row->code));
-        return 0;
-    }
-    return row->data(component, line);
+    return s_life.Init();
 }
 
 int CMPNT_ReceiveLine(int kind, int code, char* line)
 {
-    CMN_ASSERT(line != nullptr);
     // A late [Manufacturer] of a package model comes here; the record that began last has it.
     const PkgMdl* package = code == KEY_MANUFACTURER ? PKGMDL_GetOpen() : nullptr;
-    if (package != nullptr && (s_open == nullptr || package->line > s_open->line))
+    if (package != nullptr && (s_reading.open == nullptr || package->line > s_reading.open->line))
         return PKGMDL_ReceiveLine(kind, KEY_PKGMDL_MANUFACTURER, line);
-    if (!SEC_Receives(&s_frame, __LINE__, kind, s_open)) return 0;
-    return kind == LINE_KEYWORD ? s_keywordLine(s_open, code, SEC_Argument(line))
-                                : s_dataLine(s_open, line);
+    return s_life.ReceiveLine(kind, code, line);
 }
 
 int CMPNT_Fini(int nextCode)
 {
-    if (s_open == nullptr) return 1;
-    s_finishKeyword(s_open);
-    // An unknown keyword may belong to the component in a later version.
-    if (nextCode != NOT_KEY && (nextCode == KEY_COMPONENT || s_findKeyword(nextCode) == nullptr))
-        s_close();
-    return 1;
+    return s_life.Fini(nextCode);
 }
 
 void CMPNT_FreeList(Cmpnt* head)
 {
-    SEC_FreeList(head, s_free);
+    s_life.FreeList(head);
 }
 
 int CMPNT_AddLink(Cmpnt** head, Cmpnt* item)
@@ -378,11 +308,11 @@ Cmpnt* CMPNT_FindByName(Cmpnt* head, const char* name)
 
 Cmpnt* CMPNT_GetOpen(void)
 {
-    return s_open;
+    return s_reading.open;
 }
 
 int CMPNT_Close(void)
 {
-    if (s_open != nullptr) s_close();
+    s_life.Close();
     return 1;
 }

@@ -11,7 +11,7 @@
 #include "IbisParser/msel.h"
 #include "IbisParser/parse.h"
 #include "IbisParser/pkgmdl.h"
-#include "IbisParser/store/section.h"
+#include "IbisParser/store/life.h"
 
 // Rules that raise their message for the first case of a component only: bits of `reported`.
 enum CmpntReported {
@@ -20,31 +20,33 @@ enum CmpntReported {
     REPORTED_UNUSUAL_VALUE    // 1212, one bit for each of R, L and C
 };
 
-// State of an open component: places where the lists end, headers of its tables, names seen.
-struct CmpntReading {
-    unsigned reported;
-    int current;         // code of the keyword being read
-    int skipsData;       // its data lines belong to nothing
-    int dataLines;       // data lines it had
-    int openBlock;       // code of the block that waits for its end keyword, or 0
-    int valueOrder[3];   // of [Pin]: columns 4 to 6 as indices into R, L, C
-    int valueColumns;    // of [Pin]: columns for R, L and C that the header names
-    int hasGroupColumn;  // of [Series Pin Mapping]
+struct CmpntKeyword : SecKeyword<Cmpnt> {
+    unsigned duplicate;  // message of a second one; 0: any number may come
+    bool afterPin;       // names pins, which [Pin] must list before
+};
 
-    Pin** pinTail;
-    PinMap** mapTail;
-    DiffPin** diffTail;
-    SerMap** seriesTail;
-    SerState** stateTail;
-    SerGroup** groupTail;
-    SerState* openState;
-    Apkg** alternateTail;
-    Node** nodeTail;
-    Circuit** callTail;
-    Circuit* openCall;
-    CircuitPort** portTail;
-    EmiPin** emiPinTail;
-    EmiPinDomain** emiDomainTail;
+// State of the open component: places where the lists end, headers of its tables, names seen.
+struct CmpntReading : SecReading<Cmpnt, CmpntKeyword, &Cmpnt::found> {
+    unsigned reported = 0;
+    int openBlock = 0;        // code of the block that waits for its end keyword, or 0
+    int valueOrder[3] = {};   // of [Pin]: columns 4 to 6 as indices into R, L, C
+    int valueColumns = 0;     // of [Pin]: columns for R, L and C that the header names
+    int hasGroupColumn = 0;   // of [Series Pin Mapping]
+
+    Pin** pinTail = nullptr;
+    PinMap** mapTail = nullptr;
+    DiffPin** diffTail = nullptr;
+    SerMap** seriesTail = nullptr;
+    SerState** stateTail = nullptr;
+    SerGroup** groupTail = nullptr;
+    SerState* openState = nullptr;
+    Apkg** alternateTail = nullptr;
+    Node** nodeTail = nullptr;
+    Circuit** callTail = nullptr;
+    Circuit* openCall = nullptr;
+    CircuitPort** portTail = nullptr;
+    EmiPin** emiPinTail = nullptr;
+    EmiPinDomain** emiDomainTail = nullptr;
 
     SecSet names;  // of the call or switch state being read: ports, groups
     SecSet alternates;
