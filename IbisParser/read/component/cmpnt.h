@@ -28,10 +28,10 @@ struct CmpntKeyword : SecKeyword<Cmpnt> {
 // State of the open component: places where the lists end, headers of its tables, names seen.
 struct CmpntReading : SecReading<Cmpnt, CmpntKeyword, &Cmpnt::found> {
     unsigned reported = 0;
-    int openBlock = 0;        // code of the block that waits for its end keyword, or 0
-    int valueOrder[3] = {};   // of [Pin]: columns 4 to 6 as indices into R, L, C
-    int valueColumns = 0;     // of [Pin]: columns for R, L and C that the header names
-    int hasGroupColumn = 0;   // of [Series Pin Mapping]
+    int openBlock = 0;       // code of the block that waits for its end keyword, or 0
+    int valueOrder[3] = {};  // of [Pin]: columns 4 to 6 as indices into R, L, C
+    int valueColumns = 0;    // of [Pin]: columns for R, L and C that the header names
+    int hasGroupColumn = 0;  // of [Series Pin Mapping]
 
     Pin** pinTail = nullptr;
     PinMap** mapTail = nullptr;
