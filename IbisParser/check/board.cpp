@@ -16,7 +16,7 @@
 struct NodeCheck {
     const EbdMdl* board;
     SecScopedIndex owners;  // first path of each node
-    SecScopedSet unmapped;  // designators that were reported
+    SecSet unmapped;        // designators that were reported
     bool hasNodes;
 };
 

@@ -53,8 +53,8 @@ static void s_testEmi(const Cmpnt* component)
 {
     if (component->emi == nullptr) return;
     const CmpntEmi* emi = component->emi;
-    SecScopedSet listed;
-    SecScopedSet used;
+    SecSet listed;
+    SecSet used;
     long sum = 0;
     for (const EmiPinDomain* domain = emi->domains; domain != nullptr; domain = domain->next) {
         SEC_SetAdd(&listed, domain->name);

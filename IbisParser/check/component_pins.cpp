@@ -79,8 +79,8 @@ static void s_testNeeds(const Cmpnt* component, const Pin* pin, const Mdl* model
 // A bus must be fed by a supply pin; told once for each bus.
 static void s_testBuses(const Cmpnt* component)
 {
-    SecScopedSet fed;
-    SecScopedSet told;
+    SecSet fed;
+    SecSet told;
     for (const Pin* pin = component->pins; pin != nullptr; pin = pin->next)
         if (pin->mapping != nullptr && (pin->kind == PIN_POWER || pin->kind == PIN_GND))
             for (const auto& bus : pin->mapping->bus)
@@ -170,8 +170,8 @@ static void s_testSeries(const Cmpnt* component, const SerMap* row, const CmpntN
 
 void SERMAP_Test(const Cmpnt* component, const CmpntNames& names)
 {
-    SecScopedSet used;
-    SecScopedSet switched;
+    SecSet used;
+    SecSet switched;
     for (const SerMap* row = component->seriesPins; row != nullptr; row = row->next)
         if (row->group[0] != '\0') SEC_SetAdd(&used, row->group);
     for (const SerState* state = component->switchStates; state != nullptr; state = state->next)

@@ -73,7 +73,7 @@ static void s_checkSupplyNames(const Cmpnt* component)
 static void s_checkSignalModels(const Cmpnt* component)
 {
     SecScopedIndex first;
-    SecScopedSet told;
+    SecSet told;
     for (Pin* pin = component->pins; pin != nullptr; pin = pin->next) {
         void** value = nullptr;
         if (pin->kind == PIN_NC || pin->kind == PIN_NA) continue;

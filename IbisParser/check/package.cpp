@@ -71,7 +71,7 @@ int PKGMDL_TestList(PkgMdl* packages)
     NML_CheckUnique(packages, offsetof(PkgMdl, name), offsetof(PkgMdl, next), "Package Model");
     IbisRoot* root = nullptr;
     if (!IBIS_GetIBIS(&root) || root->cmpnts == nullptr) return 1;
-    SecScopedSet used;
+    SecSet used;
     for (const Cmpnt* component = root->cmpnts; component != nullptr; component = component->next) {
         SEC_SetAdd(&used, component->packageModel);
         for (const Apkg* row = component->alternates; row != nullptr; row = row->next)

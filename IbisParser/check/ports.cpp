@@ -16,7 +16,7 @@ static const char s_Module[] = "IbisParser/ext";
 void EXT_FindWired(Ext* item)
 {
     CMN_ASSERT(item != nullptr);
-    SecScopedSet inside;
+    SecSet inside;
     for (const ExtConversion* row = item->conversions; row != nullptr; row = row->next)
         for (const char* name : {row->digital, row->port1, row->port2})
             SEC_SetAdd(&inside, name);
@@ -41,7 +41,7 @@ int EXT_TestList(Ext* externals, const Cmpnt* components)
 {
     EXT_CloseCircuit();
     NML_CheckUnique(externals, offsetof(Ext, name), offsetof(Ext, next), "External Circuit");
-    SecScopedSet called;
+    SecSet called;
     for (; components != nullptr; components = components->next)
         for (const Circuit* call = components->calls; call != nullptr; call = call->next)
             SEC_SetAdd(&called, call->name);
@@ -67,9 +67,9 @@ int EXT_MdlTest(const Mdl* model)
 // What a component's calls use, and what was told of them.
 struct CallUse {
     const Cmpnt* component;
-    SecScopedSet nodes;  // declared
-    SecScopedSet used;   // nodes and pins
-    SecScopedSet told;   // pins
+    SecSet nodes;  // declared
+    SecSet used;   // nodes and pins
+    SecSet told;   // pins
 };
 
 static void s_usePin(CallUse* use, const Pin* pin)
@@ -83,7 +83,7 @@ static void s_usePin(CallUse* use, const Pin* pin)
 
 static void s_testPorts(CallUse* use, const Circuit* call, const Ext* circuit)
 {
-    SecScopedSet mapped;
+    SecSet mapped;
     for (const CircuitPort* port = call->ports; port != nullptr; port = port->next) {
         SEC_SetAdd(&mapped, port->port);
         if (circuit != nullptr && !EXT_HasPort(circuit, port->port))

@@ -55,7 +55,7 @@ int MSEL_TestList(Msel* selectors)
     }
     NML_CheckUnique(selectors, offsetof(Msel, name), offsetof(Msel, next), "Model Selector");
     const CmpntNames names(root->mdls, selectors);
-    SecScopedSet used;
+    SecSet used;
     s_collectUses(root->cmpnts, &used);
     for (const Msel* selector : SecFileOrder<const Msel>(selectors)) {
         if (names.Model(selector->name) != nullptr) ERRLOG_ErrorNew(1112, selector->name);

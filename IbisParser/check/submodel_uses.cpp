@@ -64,7 +64,7 @@ int MDL_TestSubMdlReferences(const Mdl* models, const SubMdl* submodels)
 {
     SUBMDL_Close();
     const SecNameIndex<const SubMdl> byName(submodels);
-    SecScopedSet added;
+    SecSet added;
     for (const Mdl* model : SecFileOrder<const Mdl>(models))
         for (const AddSub* row : SecFileOrder<const AddSub>(model->addSubs)) {
             SEC_SetAdd(&added, row->submodel);

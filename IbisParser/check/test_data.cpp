@@ -98,7 +98,7 @@ int TESTLOAD_TestList(TestLoad* list)
     IbisRoot* root = nullptr;
     if (!IBIS_GetIBIS(&root)) return 0;
     const SecNameIndex<Mdl> models(root->mdls);
-    SecScopedSet used;
+    SecSet used;
     for (const TestData* data = root->testData; data != nullptr; data = data->next)
         SEC_SetAdd(&used, data->load);
     for (const TestLoad* load : SecFileOrder<TestLoad>(list)) {

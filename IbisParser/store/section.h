@@ -251,12 +251,4 @@ int SEC_SetAdd(SecSet* set, const char* text);
 int SEC_SetHas(const SecSet* set, const char* text);
 void SEC_SetClear(SecSet* set);
 
-// A set for the time of a check: it clears itself.
-struct SecScopedSet : SecSet {
-    SecScopedSet() : SecSet{} {}
-    ~SecScopedSet() { SEC_SetClear(this); }
-    SecScopedSet(const SecScopedSet&) = delete;
-    SecScopedSet& operator=(const SecScopedSet&) = delete;
-};
-
 #endif

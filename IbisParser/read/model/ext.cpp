@@ -302,7 +302,6 @@ static void s_checkCircuit(const Ext* item)
     for (const ExtName* port = item->ports; port != nullptr; port = port->next)
         if (std::strncmp(port->name, "D_", 2) == 0 && !SEC_SetHas(&converted, port->name))
             ERRLOG_LineErrorNew(3448, item->name, port->name);
-    SEC_SetClear(&converted);
 }
 
 static void s_endReading(ExtReading* reading)

@@ -98,7 +98,6 @@ static void s_checkPorts(const Mdl* model, const Ext* item, const MdlTypeInfo* t
             ERRLOG_LineErrorNew(3445, model->name, port->name);
         }
     }
-    SEC_SetClear(&converted);
 }
 
 void EXT_CheckModel(const Mdl* model, const Ext* item)
