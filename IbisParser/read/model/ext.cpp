@@ -10,8 +10,8 @@ static const char s_Module[] = "IbisParser/ext";
 static const SecFrame s_frame = {s_Module, 3400, 3401, 3402, 3403, 3404, 3405};
 
 // The circuit and the model's block that are being read.
-static ExtReading s_circuit = {};
-static ExtReading s_model = {};
+static ExtReading s_circuit;
+static ExtReading s_model;
 
 // Digital languages know digital ports; the others reach them through conversions.
 static const struct ExtLanguageRow {
@@ -66,9 +66,9 @@ static void s_refuseConversion(const Ext* item, const ExtConversion* row)
 
 static void s_readLanguage(ExtReading* reading, const CmnArgs* args)
 {
-    Ext* item = reading->item;
+    Ext* item = reading->open;
     if (item->language != LANGUAGE_UNSET) {
-        ERRLOG_LineErrorNew(3412, reading->keyword);
+        ERRLOG_LineErrorNew(3412, reading->Title());
         return;
     }
     const ExtLanguageRow* row = SEC_FindRow(s_languages, args->argv[1]);
@@ -95,7 +95,7 @@ static void s_readCorner(ExtReading* reading, const CmnArgs* args)
 {
     const int corner = s_cornerOf(args->argv[1]);
     if (corner < 0) return;
-    for (const ExtCornerRow* row = reading->item->corners; row != nullptr; row = row->next)
+    for (const ExtCornerRow* row = reading->open->corners; row != nullptr; row = row->next)
         if (row->corner == corner) {
             ERRLOG_LineErrorNew(3416, CORNER_ShortTitle(corner));
             return;
@@ -107,7 +107,7 @@ static void s_readCorner(ExtReading* reading, const CmnArgs* args)
     row->corner = corner;
     row->file = CMN_StrMake(args->argv[2]);
     row->circuit = CMN_StrMake(args->argv[3]);
-    SEC_Append(&reading->item->corners, &reading->cornerTail, row);
+    SEC_Append(&reading->open->corners, &reading->cornerTail, row);
 }
 
 static ExtName* s_newName(const char* text)
@@ -119,7 +119,7 @@ static ExtName* s_newName(const char* text)
 
 static void s_readParameters(ExtReading* reading, const CmnArgs* args)
 {
-    if (reading->item->language == LANGUAGE_SPICE) ERRLOG_LineErrorNew(3420);
+    if (reading->open->language == LANGUAGE_SPICE) ERRLOG_LineErrorNew(3420);
     if (args->nStored < 2) ERRLOG_LineErrorNew(3421, args->argv[0]);
     for (int i = 1; i < args->nStored; ++i) {
         ExtName* name = s_newName(args->argv[i]);
@@ -129,7 +129,7 @@ static void s_readParameters(ExtReading* reading, const CmnArgs* args)
             SEC_FreeRecord(name);
             continue;
         }
-        SEC_Append(&reading->item->parameters, &reading->parameterTail, name);
+        SEC_Append(&reading->open->parameters, &reading->parameterTail, name);
     }
 }
 
@@ -156,8 +156,8 @@ static void s_readPorts(ExtReading* reading, const CmnArgs* args)
             ERRLOG_LineErrorNew(3424, args->argv[i], SIZE_NAME);
         ExtName* port = s_newName(args->argv[i]);
         if (port == nullptr) return;
-        if (s_indexPort(reading->item, port))
-            SEC_Append(&reading->item->ports, &reading->portTail, port);
+        if (s_indexPort(reading->open, port))
+            SEC_Append(&reading->open->ports, &reading->portTail, port);
         else
             SEC_FreeRecord(port);
     }
@@ -177,7 +177,7 @@ static int s_isLegalDigital(const ExtReading* reading, const ExtConversion* row)
 static void s_checkConversion(ExtReading* reading, const ExtConversion* row)
 {
     const char* name = EXT_ConversionName(row);
-    s_refuseConversion(reading->item, row);
+    s_refuseConversion(reading->open, row);
     if (!s_isLegalDigital(reading, row)) ERRLOG_LineErrorNew(3426, name, row->digital);
     if (std::strcmp(row->port1, row->port2) == 0) ERRLOG_LineWarnNew(3435, name, row->port1);
     char key[SIZE_NAME + 16];
@@ -224,7 +224,7 @@ static void s_readConversion(ExtReading* reading, const CmnArgs* args, int toAna
         return;
     }
     s_checkConversion(reading, row);
-    SEC_Append(&reading->item->conversions, &reading->conversionTail, row);
+    SEC_Append(&reading->open->conversions, &reading->conversionTail, row);
 }
 
 static void s_readToAnalog(ExtReading* reading, const CmnArgs* args)
@@ -250,7 +250,7 @@ static int s_dataLine(ExtReading* reading, const char* line)
     if (!KRNG_Split(line, static_cast<int>(std::strlen(line) / 2) + 1, &args)) return 0;
     const ExtRow* row = args.nStored > 0 ? SEC_FindRow(s_rows, args.argv[0]) : nullptr;
     if (row == nullptr)
-        ERRLOG_LineErrorNew(3410, reading->keyword, args.nStored > 0 ? args.argv[0] : line);
+        ERRLOG_LineErrorNew(3410, reading->Title(), args.nStored > 0 ? args.argv[0] : line);
     else if (row->items >= 0 && args.nStored - 1 != row->items)
         ERRLOG_LineErrorNew(3414, row->name, args.nStored - 1, row->items);
     else
@@ -269,12 +269,12 @@ static int s_hasCorner(const Ext* item, int corner)
 // What can be judged when all lines are there.
 static void s_checkWhole(const ExtReading* reading)
 {
-    const Ext* item = reading->item;
+    const Ext* item = reading->open;
     if (item->language == LANGUAGE_UNSET)
-        ERRLOG_LineErrorNew(3411, reading->keyword, item->name, "Language");
+        ERRLOG_LineErrorNew(3411, reading->Title(), item->name, "Language");
     if (!s_hasCorner(item, CORNER_TYP))
-        ERRLOG_LineErrorNew(3411, reading->keyword, item->name, "Corner Typ");
-    if (item->ports == nullptr) ERRLOG_LineErrorNew(3411, reading->keyword, item->name, "Ports");
+        ERRLOG_LineErrorNew(3411, reading->Title(), item->name, "Corner Typ");
+    if (item->ports == nullptr) ERRLOG_LineErrorNew(3411, reading->Title(), item->name, "Ports");
     for (const ExtConversion* row = item->conversions; row != nullptr; row = row->next) {
         const char* name = EXT_ConversionName(row);
         for (const char* port : {row->port1, row->port2})
@@ -304,94 +304,41 @@ static void s_checkCircuit(const Ext* item)
             ERRLOG_LineErrorNew(3448, item->name, port->name);
 }
 
-static void s_endReading(ExtReading* reading)
+static void s_endModel()
 {
-    SEC_SetClear(&reading->parameters);
-    SEC_SetClear(&reading->conversions);
-    *reading = {};
-}
-
-static void s_finish(ExtReading* reading)
-{
-    if (reading->item != nullptr) {
-        s_checkWhole(reading);
-        if (reading->model != nullptr)
-            EXT_CheckModel(reading->model, reading->item);
-        else
-            s_checkCircuit(reading->item);
+    if (s_model.open != nullptr) {
+        s_checkWhole(&s_model);
+        EXT_CheckModel(s_model.model, s_model.open);
     }
-    s_endReading(reading);
+    s_model = {};
 }
 
-static Ext* s_new(void)
+static void s_endCircuit(Ext* item)
 {
-    Ext* item = static_cast<Ext*>(SEC_NewRecord(&s_frame, sizeof(Ext)));
-    if (item != nullptr) item->line = PARSE_GetLineNum();
-    return item;
+    s_checkWhole(&s_circuit);
+    s_checkCircuit(item);
 }
 
-int EXT_CIR_Init(void)
-{
-    if (s_circuit.item != nullptr) {
-        ERRLOG_LineErrorNew(3407, s_circuit.item->name);
-        s_finish(&s_circuit);
-    }
-    IbisRoot* root = SEC_Root(&s_frame, __LINE__);
-    if (root == nullptr) return 0;
-    s_circuit.item = s_new();
-    s_circuit.keyword = "External Circuit";
-    return s_circuit.item != nullptr && IBIS_AddExt(root, s_circuit.item);
-}
-
-static int s_circuitName(const char* text)
+static int s_circuitName(Ext* circuit, const char* text)
 {
     CmnArgs args;
     if (!CMN_ArgParse(text, 2, &args)) return 0;
     const char* name = args.nStored > 0 ? args.argv[0] : "";
-    if (*name == '\0') ERRLOG_LineErrorNew(1913, s_circuit.keyword);
-    if (!SEC_CopyName(s_circuit.item->name, name, SIZE_NAME))
-        ERRLOG_LineErrorNew(3406, name, SIZE_NAME);
+    if (*name == '\0') ERRLOG_LineErrorNew(1913, s_circuit.Title());
+    if (!SEC_CopyName(circuit->name, name, SIZE_NAME)) ERRLOG_LineErrorNew(3406, name, SIZE_NAME);
     CMN_ReservedWordErr(name);
-    if (args.nStored > 1) SEC_IgnoreText(3434, args.argv[1], s_circuit.keyword);
+    if (args.nStored > 1) SEC_IgnoreText(3434, args.argv[1], s_circuit.Title());
     CMN_ArgFree(&args);
     return 1;
 }
 
-static int s_endLine(int kind, const char* line)
+static int s_circuitLine(Ext*, const char* line)
 {
-    if (kind == LINE_DATA) {
-        ERRLOG_LineErrorNew(3433);
-        return 0;
-    }
-    SEC_IgnoreText(3434, line, "End External Circuit");
-    if (s_circuit.item == nullptr) {
-        ERRLOG_LineErrorNew(3409);
-        return 0;
-    }
-    s_circuit.item->ended = 1;
-    s_finish(&s_circuit);
-    return 1;
+    return s_dataLine(&s_circuit, line);
 }
 
-int EXT_ReceiveLine(int kind, int code, char* line)
+static void s_release(Ext* item)
 {
-    CMN_ASSERT(line != nullptr);
-    const int isLine = kind == LINE_KEYWORD || kind == LINE_DATA;
-    if (isLine && code == KEY_END_EXTERNAL_CIRCUIT)
-        return s_endLine(kind, kind == LINE_KEYWORD ? SEC_Argument(line) : line);
-    if (!SEC_Receives(&s_frame, __LINE__, kind, s_circuit.item)) return 0;
-    if (code != KEY_EXTERNAL_CIRCUIT) {
-        SEC_UnknownKeyword(&s_frame, __LINE__);
-        return 0;
-    }
-    return kind == LINE_KEYWORD ? s_circuitName(SEC_Argument(line)) : s_dataLine(&s_circuit, line);
-}
-
-void EXT_Free(Ext* item)
-{
-    if (item == nullptr) return;
-    for (ExtReading* reading : {&s_circuit, &s_model})
-        if (reading->item == item) s_endReading(reading);
     SEC_FreeList(item->corners, [](ExtCornerRow* row) {
         SEC_FreeText(&row->file);
         SEC_FreeText(&row->circuit);
@@ -407,9 +354,62 @@ void EXT_Free(Ext* item)
     SEC_FreeRecord(item);
 }
 
+static const SecKeyword<Ext> s_keywords[] = {
+    {KEY_EXTERNAL_CIRCUIT, SEC_TEXT, s_circuitName, s_circuitLine},
+};
+
+static const SecLife<ExtReading> s_life = {
+    .reading = &s_circuit,
+    .frame = s_frame,
+    .opener = KEY_EXTERNAL_CIRCUIT,
+    .rows = s_keywords,
+    .add = IBIS_AddExt,
+    .release = s_release,
+    .end = s_endCircuit,
+};
+
+int EXT_CIR_Init(void)
+{
+    if (s_circuit.open != nullptr) ERRLOG_LineErrorNew(3407, s_circuit.open->name);
+    return s_life.Init();
+}
+
+// A circuit ends with its end keyword and not with the keyword that comes next.
+static int s_endLine(int kind, const char* line)
+{
+    if (kind == LINE_DATA) {
+        ERRLOG_LineErrorNew(3433);
+        return 0;
+    }
+    SEC_IgnoreText(3434, line, "End External Circuit");
+    if (s_circuit.open == nullptr) {
+        ERRLOG_LineErrorNew(3409);
+        return 0;
+    }
+    s_circuit.open->ended = 1;
+    s_life.Close();
+    return 1;
+}
+
+int EXT_ReceiveLine(int kind, int code, char* line)
+{
+    CMN_ASSERT(line != nullptr);
+    const int isLine = kind == LINE_KEYWORD || kind == LINE_DATA;
+    if (isLine && code == KEY_END_EXTERNAL_CIRCUIT)
+        return s_endLine(kind, kind == LINE_KEYWORD ? SEC_Argument(line) : line);
+    return s_life.ReceiveLine(kind, code, line);
+}
+
+void EXT_Free(Ext* item)
+{
+    if (item == nullptr) return;
+    if (s_model.open == item) s_model = {};
+    s_release(item);
+}
+
 void EXT_FreeList(Ext* head)
 {
-    SEC_FreeList(head, EXT_Free);
+    s_life.FreeList(head);
 }
 
 int EXT_AddLink(Ext** head, Ext* item)
@@ -434,17 +434,18 @@ int EXT_MdlNew(Mdl* model, const char* line)
 {
     CMN_ASSERT(model != nullptr && line != nullptr);
     SEC_IgnoreText(3434, line, "External Model");
-    s_endReading(&s_model);
+    s_model = {};
     s_model.model = model;
-    s_model.keyword = "External Model";
     if (model->external != nullptr) {
         ERRLOG_LineErrorNew(3442, model->name);
         return 0;
     }
-    s_model.item = s_new();
-    if (s_model.item == nullptr) return 0;
-    CMN_strncpy(s_model.item->name, model->name, SIZE_NAME);
-    model->external = s_model.item;
+    Ext* item = static_cast<Ext*>(SEC_NewRecord(&s_frame, sizeof(Ext)));
+    if (item == nullptr) return 0;
+    item->line = PARSE_GetLineNum();
+    CMN_strncpy(item->name, model->name, SIZE_NAME);
+    s_model.open = item;
+    model->external = item;
     return 1;
 }
 
@@ -452,7 +453,7 @@ int EXT_MdlReceiveLine(Mdl* model, const char* line)
 {
     CMN_ASSERT(model != nullptr && line != nullptr);
     // The lines of a second block are passed over.
-    return s_model.model == model && s_model.item != nullptr && s_dataLine(&s_model, line);
+    return s_model.model == model && s_model.open != nullptr && s_dataLine(&s_model, line);
 }
 
 int EXT_MdlEnd(Mdl* model, const char* line)
@@ -463,8 +464,8 @@ int EXT_MdlEnd(Mdl* model, const char* line)
         ERRLOG_LineErrorNew(3441);
         return 0;
     }
-    if (s_model.item != nullptr) s_model.item->ended = 1;
-    s_finish(&s_model);
+    if (s_model.open != nullptr) s_model.open->ended = 1;
+    s_endModel();
     return 1;
 }
 
@@ -473,13 +474,13 @@ int EXT_MdlFini(Mdl* model)
     CMN_ASSERT(model != nullptr);
     if (s_model.model != model) return 1;
     ERRLOG_LineErrorNew(3440, model->name);
-    s_finish(&s_model);
+    s_endModel();
     return 0;
 }
 
 void EXT_CloseCircuit()
 {
-    if (s_circuit.item == nullptr) return;
-    ERRLOG_ErrorNew(3408, s_circuit.item->name);
-    s_finish(&s_circuit);
+    if (s_circuit.open == nullptr) return;
+    ERRLOG_ErrorNew(3408, s_circuit.open->name);
+    s_life.Close();
 }

@@ -3,19 +3,20 @@
 #define IBISPARSER_READ_MODEL_EXT_H
 
 #include "IbisParser/ext.h"
-#include "IbisParser/store/section.h"
+#include "IbisParser/store/life.h"
 
-// State of an open block.
-struct ExtReading {
-    Ext* item;            // null: its lines are passed over
-    const Mdl* model;     // null for a circuit
-    const char* keyword;  // for messages
-    ExtCornerRow** cornerTail;
-    ExtName** parameterTail;
-    ExtName** portTail;
-    ExtConversion** conversionTail;
+// State of the circuit or block that is being read; without an open one its lines are passed over.
+struct ExtReading : SecReading<Ext> {
+    const Mdl* model = nullptr;  // null for a circuit
+    ExtCornerRow** cornerTail = nullptr;
+    ExtName** parameterTail = nullptr;
+    ExtName** portTail = nullptr;
+    ExtConversion** conversionTail = nullptr;
     SecSet parameters;
     SecSet conversions;  // kind, digital port and corner
+
+    // For messages.
+    const char* Title() const { return model != nullptr ? "External Model" : "External Circuit"; }
 };
 
 // Of the language, when it is known: has digital ports, or needs conversions for them.
