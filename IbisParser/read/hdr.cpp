@@ -2,57 +2,34 @@
 #include "IbisParser/hdr.h"
 
 #include <cstring>
+#include <iterator>
 
-#include "IbisParser/base/keyword.h"
 #include "IbisParser/base/textbuf.h"
 #include "IbisParser/base/version.h"
 #include "IbisParser/errlog.h"
 #include "IbisParser/parse.h"
+#include "IbisParser/store/life.h"
 
 static const char s_Module[] = "IbisParser/hdr";
 
 // Letters and digits apart, the characters of a DOS file name.
 static const char s_dosCharacters[] = "!#$%&'()-@^_`{}~";
 
-// The keywords whose data lines are text, with the message for a second one; 0 for none:
-// a disclaimer may come in several pieces.
-struct TextKeyword {
-    KeywordCode code;
-    unsigned duplicate;
-    char* Hdr::*text;
-};
-static const TextKeyword s_textKeywords[] = {
-    {KEY_SOURCE, 1017, &Hdr::source},
-    {KEY_NOTES, 1018, &Hdr::notes},
-    {KEY_DISCLAIMER, 0, &Hdr::disclaimer},
-    {KEY_COPYRIGHT, 1019, &Hdr::copyright},
-};
-enum { TEXT_KEYWORDS = 4 };
-
 static bool s_allowAnyFileName = false;
 static bool s_allow1xVersions = false;
 static bool s_allowAnyVersion = false;
 
-// The header being read.
-static Hdr* s_open = nullptr;
-static int s_currentKeyword = NOT_KEY;
-static bool s_found[KEY_COPYRIGHT + 1];
-static TextSize s_textSizes[TEXT_KEYWORDS];
+struct HdrKeyword : SecKeyword<Hdr> {
+    unsigned duplicate;  // message of a second one; 0: it may come in several pieces
+    char* Hdr::*text;    // of its data lines
+};
 
-static bool s_anyFound()
-{
-    for (bool found : s_found)
-        if (found) return true;
-    return false;
-}
-
-// 1 when the keyword came before in this header.
-static bool s_checkDuplicate(int code, unsigned message)
-{
-    if (!s_found[code]) return false;
-    if (message != 0) ERRLOG_LineErrorNew(message);
-    return true;
-}
+// The keyword table is that of all sections, but not the life: the bugs of a header stand without a
+// place, and one that a second [IBIS Ver] finds open is left as it is.
+static struct HdrReading : SecReading<Hdr, HdrKeyword> {
+    unsigned found = 0;      // a bit for each row
+    TextSize sizes[8] = {};  // of the rows' texts
+} s_reading;
 
 // The version class of a legal version, else 0.
 static int s_versionClass(const char* version)
@@ -63,16 +40,17 @@ static int s_versionClass(const char* version)
     return row != nullptr ? row->versionClass : 0;
 }
 
-static void s_receiveVersion(char* text)
+static int s_receiveVersion(Hdr* header, const char* text)
 {
-    if (s_checkDuplicate(KEY_IBIS_VER, 1005)) return;
-    if (s_anyFound()) ERRLOG_LineErrorNew(1007);
-    CMN_SetKeywordStr(s_open->ibisVer, text, HDR_VERSION_MAX, "IBIS_Version");
-    const int versionClass = s_versionClass(s_open->ibisVer);
+    // Its own bit stands already.
+    if ((s_reading.found & (s_reading.found - 1)) != 0) ERRLOG_LineErrorNew(1007);
+    CMN_SetKeywordStr(header->ibisVer, text, HDR_VERSION_MAX, "IBIS_Version");
+    const int versionClass = s_versionClass(header->ibisVer);
     if (versionClass == 0)
-        ERRLOG_LineErrorNew(1008, s_open->ibisVer);
+        ERRLOG_LineErrorNew(1008, header->ibisVer);
     else
         geFileVersion = versionClass;
+    return 1;
 }
 
 static bool s_isUpper(char c)
@@ -98,73 +76,84 @@ static void s_checkFileName(const char* name)
     if (!CMN_StrSameIC(name, gsFileName)) ERRLOG_LineErrorNew(1014, gsFileName, name);
 }
 
-static void s_receiveFileName(char* text)
+static int s_receiveFileName(Hdr* header, const char* text)
 {
-    if (s_checkDuplicate(KEY_FILE_NAME, 1009)) return;
     const unsigned limit = VERSION_Current()->limits[LIMIT_FILE_NAME];
-    CMN_SetFilenameStr(s_open->fileName, text, limit, "File_name");
-    if (!s_allowAnyFileName) s_checkFileName(s_open->fileName);
-    CMN_ReservedWordErr(s_open->fileName);
+    CMN_SetFilenameStr(header->fileName, text, limit, "File_name");
+    if (!s_allowAnyFileName) s_checkFileName(header->fileName);
+    CMN_ReservedWordErr(header->fileName);
+    return 1;
 }
 
-static void s_receiveShortText(int code, unsigned duplicate, char* field, unsigned maxLen,
-                               const char* name, char* text)
+static int s_receiveFileRev(Hdr* header, const char* text)
 {
-    if (s_checkDuplicate(code, duplicate)) return;
-    CMN_SetKeywordStr(field, text, maxLen, name);
-    CMN_ReservedWordErr(field);
+    CMN_SetKeywordStr(header->fileRev, text, HDR_FILE_REV_MAX, "File_Rev");
+    CMN_ReservedWordErr(header->fileRev);
+    return 1;
 }
 
-static void s_appendText(int row, const char* line)
+static int s_receiveDate(Hdr* header, const char* text)
 {
-    char** text = &(s_open->*s_textKeywords[row].text);
-    TextSize* size = &s_textSizes[row];
+    CMN_SetKeywordStr(header->date, text, HDR_DATE_MAX, "Date");
+    CMN_ReservedWordErr(header->date);
+    return 1;
+}
+
+// Texts of several lines.
+
+static int s_appendText(Hdr* header, const char* line)
+{
+    char** text = &(header->*s_reading.keyword->text);
+    TextSize* size = &s_reading.sizes[s_reading.keyword - s_reading.rows.data()];
     if ((*text != nullptr && !TEXTBUF_Append(text, size, "\n", 1)) ||
         !TEXTBUF_Append(text, size, line, std::strlen(line)))
         ERRLOG_LineErrorNew(1020);
+    return 1;
 }
 
-// The row of a keyword whose data lines are text, or -1.
-static int s_textRow(int code)
+static int s_beginText(Hdr* header, const char* text)
 {
-    for (int row = 0; row < TEXT_KEYWORDS; ++row)
-        if (s_textKeywords[row].code == code) return row;
-    return -1;
+    return *text == '\0' || s_appendText(header, text);
 }
+
+// clang-format off
+static const HdrKeyword s_keywords[] = {
+    //                   flags                begin              data line              twice  text
+    { { KEY_IBIS_VER,    SEC_TEXT | SEC_ONCE, s_receiveVersion,  nullptr      },  1005,  nullptr },
+    { { KEY_FILE_NAME,   SEC_TEXT | SEC_ONCE, s_receiveFileName, nullptr      },  1009,  nullptr },
+    { { KEY_FILE_REV,    SEC_TEXT | SEC_ONCE, s_receiveFileRev,  nullptr      },  1015,  nullptr },
+    { { KEY_DATE,        SEC_TEXT | SEC_ONCE, s_receiveDate,     nullptr      },  1016,  nullptr },
+    { { KEY_SOURCE,      SEC_TEXT,            s_beginText,       s_appendText },  1017,  &Hdr::source },
+    { { KEY_NOTES,       SEC_TEXT,            s_beginText,       s_appendText },  1018,  &Hdr::notes },
+    { { KEY_DISCLAIMER,  SEC_TEXT,            s_beginText,       s_appendText },     0,  &Hdr::disclaimer },
+    { { KEY_COPYRIGHT,   SEC_TEXT,            s_beginText,       s_appendText },  1019,  &Hdr::copyright },
+};
+// clang-format on
+static_assert(std::size(s_keywords) == std::size(HdrReading().sizes));
 
 static int s_receiveKeyword(int code, char* line)
 {
-    const int row = s_textRow(code);
-    s_currentKeyword = code;
-    CMN_EatKeyword(&line);
-    if (row >= 0) {
-        s_checkDuplicate(code, s_textKeywords[row].duplicate);
-        if (*line != '\0') s_appendText(row, line);
-    } else if (code == KEY_IBIS_VER) {
-        s_receiveVersion(line);
-    } else if (code == KEY_FILE_NAME) {
-        s_receiveFileName(line);
-    } else if (code == KEY_FILE_REV) {
-        s_receiveShortText(code, 1015, s_open->fileRev, HDR_FILE_REV_MAX, "File_Rev", line);
-    } else if (code == KEY_DATE) {
-        s_receiveShortText(code, 1016, s_open->date, HDR_DATE_MAX, "Date", line);
-    } else {
+    const HdrKeyword* row = s_reading.Find(code);
+    s_reading.keyword = row;
+    if (row == nullptr) {
         ERRLOG_BugNew(1003);
         return 0;
     }
-    s_found[code] = true;
-    return 1;
+    CMN_EatKeyword(&line);
+    if (!SEC_MarkFound(&s_reading.found, static_cast<int>(row - s_keywords))) {
+        if (row->duplicate != 0) ERRLOG_LineErrorNew(row->duplicate);
+        if ((row->flags & SEC_ONCE) != 0) return 1;
+    }
+    return row->begin(s_reading.open, line);
 }
 
-static int s_receiveData(const char* line)
+static int s_receiveData(char* line)
 {
-    const int row = s_textRow(s_currentKeyword);
-    if (row < 0) {
+    if (s_reading.keyword == nullptr || !s_reading.keyword->data) {
         ERRLOG_LineErrorNew(1002);
         return 0;
     }
-    s_appendText(row, line);
-    return 1;
+    return s_reading.keyword->data(s_reading.open, line);
 }
 
 static int s_getText(char* text, char** out)
@@ -181,7 +170,7 @@ static int s_getField(char* field, char** out)
 int HDR_Init()
 {
     IbisRoot* root = nullptr;
-    s_open = nullptr;
+    s_reading = {};
     if (!IBIS_GetIBIS(&root)) {
         ERRLOG_BugNew(1000);
         return 0;
@@ -191,11 +180,9 @@ int HDR_Init()
         ERRLOG_LineErrorNew(1006);
         return 0;
     }
-    s_open = static_cast<Hdr*>(block);
-    s_currentKeyword = NOT_KEY;
-    std::memset(s_found, 0, sizeof s_found);
-    std::memset(s_textSizes, 0, sizeof s_textSizes);
-    return IBIS_AddHdr(root, s_open);
+    s_reading.open = static_cast<Hdr*>(block);
+    s_reading.rows = s_keywords;
+    return IBIS_AddHdr(root, s_reading.open);
 }
 
 int HDR_ReceiveLine(int kind, int code, char* line)
@@ -205,48 +192,44 @@ int HDR_ReceiveLine(int kind, int code, char* line)
         ERRLOG_BugNew(1004);
         return 0;
     }
-    if (s_open == nullptr) {
+    if (s_reading.open == nullptr) {
         ERRLOG_LineErrorNew(kind == LINE_KEYWORD ? 1001 : 1002);
         return 0;
     }
     return kind == LINE_KEYWORD ? s_receiveKeyword(code, line) : s_receiveData(line);
 }
 
+static int s_hasFound(int code)
+{
+    return (s_reading.found >> (s_reading.Find(code) - s_keywords) & 1u) != 0;
+}
+
 int HDR_Fini(int nextCode)
 {
-    if (s_open == nullptr) return 1;
-    if (nextCode == KEY_IBIS_VER) {
-        ERRLOG_LineErrorNew(1005);
-        return 1;
-    }
-    if (KEYWORD_Section(nextCode) == SECTION_HEADER) return 1;
-    CMN_TestRequiredKeyword("IBIS_Version", s_found[KEY_IBIS_VER]);
-    CMN_TestRequiredKeyword("File_name", s_found[KEY_FILE_NAME]);
-    CMN_TestRequiredKeyword("File_Rev", s_found[KEY_FILE_REV]);
-    s_open = nullptr;
+    if (s_reading.open == nullptr) return 1;
+    if (nextCode == KEY_IBIS_VER) ERRLOG_LineErrorNew(1005);
+    if (s_reading.Find(nextCode) != nullptr) return 1;
+    CMN_TestRequiredKeyword("IBIS_Version", s_hasFound(KEY_IBIS_VER));
+    CMN_TestRequiredKeyword("File_name", s_hasFound(KEY_FILE_NAME));
+    CMN_TestRequiredKeyword("File_Rev", s_hasFound(KEY_FILE_REV));
+    s_reading = {};
     return 1;
 }
 
 int HDR_AddLink(Hdr** head, Hdr* item)
 {
     CMN_ASSERT(head != nullptr && item != nullptr);
-    item->next = *head;
-    *head = item;
-    return 1;
+    return SEC_AddLink(head, item);
 }
 
 void HDR_FreeList(Hdr* head)
 {
-    while (head != nullptr) {
-        if (head == s_open) s_open = nullptr;
-        for (const TextKeyword& keyword : s_textKeywords) {
-            void* text = head->*keyword.text;
-            if (text != nullptr) CMN_freeSetNull(&text);
-        }
-        void* record = head;
-        head = head->next;
-        CMN_freeSetNull(&record);
-    }
+    SEC_FreeList(head, [](Hdr* header) {
+        if (header == s_reading.open) s_reading = {};
+        for (const HdrKeyword& row : s_keywords)
+            if (row.text != nullptr) SEC_FreeText(&(header->*row.text));
+        SEC_FreeRecord(header);
+    });
 }
 
 // clang-format off
