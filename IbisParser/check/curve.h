@@ -1,4 +1,34 @@
 // Combined curves of one buffer, prepared once for all checks that evaluate them.
+//
+// How curves are combined. A buffer conducts through several tables at once: a pulldown or a pullup
+// that the state drives, its own clamps, and those of dynamic clamps that the state switches in.
+// Each table counts its voltage from a rail of its own; what a simulator sees, and what the checks
+// judge, is their sum over the voltage of the pin. It is made in four steps, for one state (low,
+// high, off) and one corner:
+//
+//   collect   CURVE_Collect lists the tables that conduct, each with its reference voltage in the
+//             corner and its direction: v = reference + x for what hangs on a lower rail, and
+//             v = reference - x for what hangs on an upper one. A reference that the file does not
+//             give ends it; nothing is assumed.
+//   prepare   Each table becomes a curve of its own: cells without a number are left out, points
+//             are sorted, those of one voltage become one with their mean current, and both ends
+//             get a slope to go on with. A table needs two points in the corner.
+//   place     The curve is moved to its reference, and turned round when its voltage falls as the
+//             pin's rises; then its ends change places and its slopes their sign.
+//   add       Neighbours are merged in pairs. A sum has a point at every voltage where one of the
+//             two has one, and the other is read there along its line, so nothing is sampled.
+//             n points in m tables take n log m steps.
+//
+// Two sums are kept of each case, because files leave open what a clamp does beyond its table.
+// `free` goes on with the last slope everywhere. `held` keeps a clamp at its last value beyond its
+// highest x, where its diode is off: a table that stops early in its blocking range would otherwise
+// grow a current that the part does not have. Shapes and spans are judged by `held`; where a ramp
+// or the end of a waveform is compared with the curves, the sum that comes closer to the file
+// counts.
+//
+// A CurveSet holds all nine cases of a model for the checks that share them: no sum is made twice.
+// Where the sums of a model were judged, they tell whether the shape of a single table is a fault;
+// a table that stands in no sum is judged by itself (check/table.h).
 #ifndef IBISPARSER_CHECK_CURVE_H
 #define IBISPARSER_CHECK_CURVE_H
 

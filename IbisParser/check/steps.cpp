@@ -1,4 +1,28 @@
-// The order in which a document is checked.
+// The order in which a document is checked, and how a finding travels.
+//
+// A check looks and tells; it changes nothing that the file said and keeps nothing of what it found.
+// What it tells goes this way:
+//
+//   the check     calls ERRLOG_...New(number, values). The number stands for the text and is what
+//                 users and tests know; the function says how bad it is, and whether the finding
+//                 has the line that is being read. A finding about a whole document has none.
+//   the message   base/messages holds the rows, number and text. The search for a number is part
+//                 of the behaviour: some numbers find another row than their own (base/errlog.cpp).
+//   the log       formats, counts by severity and writes the line to the log's stream, unless its
+//                 kind is suppressed. FINI prints the totals and gives back the failures.
+//   the sink      takes every message that is written as a record, so that nobody need read texts:
+//                 number, severity, file, line, text. The library's part ends here.
+//   the child     quell reads each file in a process of its own. Its sink packs the record into a
+//                 frame and writes it to a pipe, so what was found before a crash is not lost.
+//   the report    The parent takes the frames apart and collects findings by file; many files are
+//                 read at once, and each waits for its turn, so the output never depends on speed.
+//   the format    text or JSON prints the report, classic the log itself; view shows the same
+//                 findings beside the curves that they are about. The exit code follows the counts.
+//
+// The order below is that of the log, which users compare between runs: it is not to be changed for
+// tidiness. Reading tells first, line by line, then each step walks its whole list in file order.
+// Checks may count on what earlier steps made (the ports that a circuit wires, the pins of a
+// component by name), never on what those told.
 #include "IbisParser/acdc.h"
 #include "IbisParser/algmod.h"
 #include "IbisParser/chk.h"
