@@ -1,7 +1,7 @@
 // The order in which a document is checked, and how a finding travels.
 //
-// A check looks and tells; it changes nothing that the file said and keeps nothing of what it found.
-// What it tells goes this way:
+// A check looks and tells; it changes nothing that the file said and keeps nothing of what it
+// found. What it tells goes this way:
 //
 //   the check     calls ERRLOG_...New(number, values). The number stands for the text and is what
 //                 users and tests know; the function says how bad it is, and whether the finding

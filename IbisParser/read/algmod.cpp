@@ -8,6 +8,7 @@
 #include "IbisParser/cmn.h"
 #include "IbisParser/errlog.h"
 #include "IbisParser/parse.h"
+#include "IbisParser/store/section.h"
 
 static const char s_Module[] = "IbisParser/algmod";
 
@@ -162,7 +163,7 @@ int ALGMOD_New(char* line, AlgMod** slot)
 int ALGMOD_ReceiveLine(char* line, AlgModExec** head)
 {
     CMN_ASSERT(line != nullptr && head != nullptr);
-    CmnArgs args = {};
+    SecArgs args;
     int added = 0;
     if (!CMN_ArgParse(line, ITEMS, &args))
         ERRLOG_BugNew(4608, "Algorithmic Model Sub-Parameter", s_Module, __LINE__);
@@ -170,7 +171,6 @@ int ALGMOD_ReceiveLine(char* line, AlgModExec** head)
         ERRLOG_LineErrorNew(4605, args.argc, "Algorithmic Model", ITEMS);
     else
         added = s_addExec(args.argv, head);
-    if (args.argv != nullptr) CMN_ArgFree(&args);
     return added;
 }
 

@@ -54,7 +54,7 @@ static void s_setSubParameter(TestData* data, const SubParameter& row, const cha
 
 static int s_subParameterLine(TestData* data, const char* line)
 {
-    CmnArgs args;
+    SecArgs args;
     if (!KRNG_Split(line, 2, &args)) return 0;
     const char* name = args.nStored > 0 ? args.argv[0] : "";
     const SubParameter* row = SEC_FindRow(s_subParameters, name);
@@ -67,7 +67,6 @@ static int s_subParameterLine(TestData* data, const char* line)
         if (values != 1) ERRLOG_LineErrorNew(3812, row->name, values);
         if (args.nStored > 1) s_setSubParameter(data, *row, args.argv[1]);
     }
-    CMN_ArgFree(&args);
     return row != nullptr;
 }
 

@@ -99,7 +99,7 @@ static void s_setTerm(TestLoad* load, const TermVoltage& row, const CmnArgs* arg
 
 static int s_dataLine(TestLoad* load, const char* line)
 {
-    CmnArgs args;
+    SecArgs args;
     if (!KRNG_Split(line, 4, &args)) return 0;
     const char* name = args.nStored > 0 ? args.argv[0] : "";
     int known = 1;
@@ -112,7 +112,6 @@ static int s_dataLine(TestLoad* load, const char* line)
     else
         known = 0;
     if (!known) ERRLOG_LineErrorNew(4006, name);
-    CMN_ArgFree(&args);
     return known;
 }
 

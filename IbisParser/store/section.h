@@ -131,6 +131,17 @@ void SEC_FreeRecord(Record* record)
     CMN_freeSetNull(&block);
 }
 
+// The items of a split line, for CMN_ArgParse and KRNG_Split: they free themselves.
+struct SecArgs : CmnArgs {
+    SecArgs() : CmnArgs{} {}
+    ~SecArgs()
+    {
+        if (argv != nullptr) CMN_ArgFree(this);
+    }
+    SecArgs(const SecArgs&) = delete;
+    SecArgs& operator=(const SecArgs&) = delete;
+};
+
 // Frees an owned text and clears its owner's pointer; null is ignored.
 inline void SEC_FreeText(char** text)
 {

@@ -97,7 +97,7 @@ int CIRCUIT_ReceiveLine(Cmpnt* component, const char* line)
     CMN_ASSERT(component != nullptr && line != nullptr);
     Circuit* call = component->reading->openCall;
     if (call == nullptr) return 0;
-    CmnArgs args;
+    SecArgs args;
     if (!KRNG_Split(line, 3, &args)) {
         ERRLOG_LineBugNew(3700, "Circuit Call", s_Module, __LINE__);
         return 0;
@@ -109,7 +109,6 @@ int CIRCUIT_ReceiveLine(Cmpnt* component, const char* line)
         s_readPort(component->reading, call, &args);
     else
         s_readPins(component, call, row, &args);
-    CMN_ArgFree(&args);
     return row != nullptr;
 }
 

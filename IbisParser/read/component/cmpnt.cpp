@@ -63,7 +63,7 @@ static void s_setLocation(Cmpnt* component, const CmpntLocationRow* row, const c
 
 static int s_subParameter(Cmpnt* component, const char* line)
 {
-    CmnArgs args;
+    SecArgs args;
     if (!KRNG_Split(line, 2, &args)) return 0;
     const CmpntLocationRow* row =
         args.nStored > 0 ? SEC_FindRow(s_locations, args.argv[0]) : nullptr;
@@ -71,7 +71,6 @@ static int s_subParameter(Cmpnt* component, const char* line)
         ERRLOG_LineErrorNew(519, args.nStored > 0 ? args.argv[0] : line);
     else
         s_setLocation(component, row, args.nStored > 1 ? args.argv[1] : "");
-    CMN_ArgFree(&args);
     return row != nullptr;
 }
 

@@ -64,7 +64,7 @@ static void s_setValue(CmpntEmi* emi, const EmiRow* row, const CmnArgs* args)
 
 static void s_subParameter(CmpntEmi* emi, const char* line)
 {
-    CmnArgs args;
+    SecArgs args;
     if (!KRNG_Split(line, 2, &args)) {
         ERRLOG_LineBugNew(800, "Begin EMI Component", s_Module, __LINE__);
         return;
@@ -76,7 +76,6 @@ static void s_subParameter(CmpntEmi* emi, const char* line)
         s_setDomain(emi, args.nStored > 1 ? args.argv[1] : "");
     else
         s_setValue(emi, row, &args);
-    CMN_ArgFree(&args);
 }
 
 static void s_copyDomain(char* dest, const char* text)

@@ -34,14 +34,13 @@ int NODE_ReceiveLine(Cmpnt* component, const char* line)
     CMN_ASSERT(component != nullptr && line != nullptr);
     // Every blank-separated item is a name, and two characters hold at most one.
     const int most = static_cast<int>(std::strlen(line) / 2) + 1;
-    CmnArgs args;
+    SecArgs args;
     if (!CMN_ArgParse(line, most, &args)) {
         ERRLOG_LineBugNew(2900, "Node Declarations", s_Module, __LINE__);
         return 0;
     }
     for (int i = 0; i < args.nStored; ++i)
         s_add(component, args.argv[i]);
-    CMN_ArgFree(&args);
     return 1;
 }
 

@@ -51,7 +51,7 @@ int PKG_New(Pkg** slot)
 int PKG_ReceiveLine(Pkg* package, const char* line)
 {
     CMN_ASSERT(package != nullptr && line != nullptr);
-    CmnArgs args;
+    SecArgs args;
     if (!KRNG_Split(line, 1, &args)) {
         ERRLOG_LineBugNew(2500, "Package", s_Module, __LINE__);
         return 0;
@@ -67,7 +67,6 @@ int PKG_ReceiveLine(Pkg* package, const char* line)
         done = KRNG_SetRange(&(package->*row->slot), KRNG_Values(line), row->name);
         if (isFirst && package->*row->slot != nullptr) s_checkRange(*row, package->*row->slot);
     }
-    CMN_ArgFree(&args);
     return done;
 }
 

@@ -48,14 +48,12 @@ int ADDSUB_KeywordLine(Mdl* model)
 int ADDSUB_ReceiveLine(Mdl* model, const char* line)
 {
     CMN_ASSERT(model != nullptr && line != nullptr);
-    CmnArgs args = {};
+    SecArgs args;
     if (!CMN_ArgParse(line, 2, &args)) {
         ERRLOG_LineBugNew(2700, "Add Submodel", s_Module, __LINE__);
         return 0;
     }
-    const int done = s_receive(model, &args);
-    CMN_ArgFree(&args);
-    return done;
+    return s_receive(model, &args);
 }
 
 int ADDSUB_Fini(Mdl* model)

@@ -40,14 +40,12 @@ int DRVSH_KeywordLine(Mdl* model)
 int DRVSH_ReceiveLine(Mdl* model, const char* line)
 {
     CMN_ASSERT(model != nullptr && line != nullptr);
-    CmnArgs args = {};
+    SecArgs args;
     if (!CMN_ArgParse(line, DELAY_COUNT + 1, &args)) {
         ERRLOG_LineBugNew(3000, "Driver Schedule", s_Module, __LINE__);
         return 0;
     }
-    const int done = s_receive(model, &args);
-    CMN_ArgFree(&args);
-    return done;
+    return s_receive(model, &args);
 }
 
 int DRVSH_Fini(Mdl* model)

@@ -246,7 +246,7 @@ static const ExtRow s_rows[] = {
 static int s_dataLine(ExtReading* reading, const char* line)
 {
     // Blanks and "=" separate the items, so two characters hold at most one.
-    CmnArgs args;
+    SecArgs args;
     if (!KRNG_Split(line, static_cast<int>(std::strlen(line) / 2) + 1, &args)) return 0;
     const ExtRow* row = args.nStored > 0 ? SEC_FindRow(s_rows, args.argv[0]) : nullptr;
     if (row == nullptr)
@@ -255,7 +255,6 @@ static int s_dataLine(ExtReading* reading, const char* line)
         ERRLOG_LineErrorNew(3414, row->name, args.nStored - 1, row->items);
     else
         row->read(reading, &args);
-    CMN_ArgFree(&args);
     return row != nullptr;
 }
 
@@ -321,14 +320,13 @@ static void s_endCircuit(Ext* item)
 
 static int s_circuitName(Ext* circuit, const char* text)
 {
-    CmnArgs args;
+    SecArgs args;
     if (!CMN_ArgParse(text, 2, &args)) return 0;
     const char* name = args.nStored > 0 ? args.argv[0] : "";
     if (*name == '\0') ERRLOG_LineErrorNew(1913, s_circuit.Title());
     if (!SEC_CopyName(circuit->name, name, SIZE_NAME)) ERRLOG_LineErrorNew(3406, name, SIZE_NAME);
     CMN_ReservedWordErr(name);
     if (args.nStored > 1) SEC_IgnoreText(3434, args.argv[1], s_circuit.Title());
-    CMN_ArgFree(&args);
     return 1;
 }
 

@@ -56,14 +56,12 @@ int MDLEMI_ReceiveLine(Mdl* model, const char* line)
 {
     CMN_ASSERT(model != nullptr && line != nullptr);
     if (model->emi == nullptr) return 0;
-    CmnArgs args = {};
+    SecArgs args;
     if (!KRNG_Split(line, 2, &args)) {
         ERRLOG_LineBugNew(4800, "Begin EMI Model", s_Module, __LINE__);
         return 0;
     }
-    const int done = s_receive(model->emi, &args);
-    CMN_ArgFree(&args);
-    return done;
+    return s_receive(model->emi, &args);
 }
 
 int MDLEMI_End(Mdl* model)

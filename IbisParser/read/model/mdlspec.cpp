@@ -306,14 +306,12 @@ int MDLSPEC_ReceiveLine(Mdl* model, const char* line)
 {
     CMN_ASSERT(model != nullptr && line != nullptr);
     if (model->spec == nullptr) return 0;
-    CmnArgs args = {};
+    SecArgs args;
     if (!KRNG_Split(line, CORNER_COUNT + 1, &args)) {
         ERRLOG_LineBugNew(3100, "Model Spec", s_Module, __LINE__);
         return 0;
     }
-    const int done = receive(model, &args, line);
-    CMN_ArgFree(&args);
-    return done;
+    return receive(model, &args, line);
 }
 
 int MDLSPEC_Fini(Mdl* model)

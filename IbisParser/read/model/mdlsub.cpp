@@ -174,11 +174,9 @@ int MDL_TypeWasGiven()
 int MDL_SubParameter(Mdl* model, const char* line)
 {
     CMN_ASSERT(model != nullptr && line != nullptr);
-    CmnArgs args = {};
+    SecArgs args;
     if (!KRNG_Split(line, CORNER_COUNT + 1, &args)) return 0;
-    const int done = receive(model, &args, line);
-    CMN_ArgFree(&args);
-    return done;
+    return receive(model, &args, line);
 }
 
 int MDL_NameLine(char* dest, char* text, int code, VersionLimit limit, unsigned tooLong,

@@ -38,7 +38,7 @@ static void s_slope(const char* text, int corner, const char* name, RampSlope* o
     out->state = CELL_NA;
     if (corner != CORNER_TYP && CMN_StrSameIC(text, "NA")) return;
 
-    CmnArgs args = {};
+    SecArgs args;
     if (!CMN_ArgParsePlus(text, 3, '/', &args)) {
         ERRLOG_LineBugNew(1600, name, s_Module, __LINE__);
         return;
@@ -52,7 +52,6 @@ static void s_slope(const char* text, int corner, const char* name, RampSlope* o
         ERRLOG_LineErrorNew(1604, name, column);
     else
         *out = slope;
-    CMN_ArgFree(&args);
 }
 
 static void s_slopes(const CmnArgs* args, const char* name, RampSlope* slopes)
@@ -94,7 +93,7 @@ int RAMP_KeywordLine(Ramp** slot)
 int RAMP_ReceiveLine(Ramp* ramp, const char* line)
 {
     CMN_ASSERT(ramp != nullptr && line != nullptr);
-    CmnArgs args = {};
+    SecArgs args;
     if (!KRNG_Split(line, CORNER_COUNT + 2, &args)) {
         ERRLOG_LineBugNew(1600, "Ramp", s_Module, __LINE__);
         return 0;
@@ -106,7 +105,6 @@ int RAMP_ReceiveLine(Ramp* ramp, const char* line)
         s_slopes(&args, item->name, ramp->*(item->slopes));
     else
         s_load(&args, item->name, &ramp->R_load);
-    CMN_ArgFree(&args);
     return item != nullptr;
 }
 

@@ -91,14 +91,12 @@ int RCVTH_ReceiveLine(Mdl* model, const char* line)
 {
     CMN_ASSERT(model != nullptr && line != nullptr);
     if (model->thresholds == nullptr) return 0;
-    CmnArgs args = {};
+    SecArgs args;
     if (!KRNG_Split(line, 2, &args)) {
         ERRLOG_LineBugNew(2000, "Receiver Thresholds", s_Module, __LINE__);
         return 0;
     }
-    const int done = receive(model->thresholds, &args);
-    CMN_ArgFree(&args);
-    return done;
+    return receive(model->thresholds, &args);
 }
 
 int RCVTH_Fini(Mdl* model)

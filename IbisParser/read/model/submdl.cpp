@@ -65,11 +65,9 @@ const struct {
 template <int (*receive)(SubMdl* submodel, const CmnArgs* args, const char* line)>
 int subParameter(SubMdl* submodel, const char* line)
 {
-    CmnArgs args = {};
+    SecArgs args;
     if (!KRNG_Split(line, CORNER_COUNT + 1, &args)) return 0;
-    const int done = receive(submodel, &args, line);
-    CMN_ArgFree(&args);
-    return done;
+    return receive(submodel, &args, line);
 }
 
 // [Submodel] and the lines under it.

@@ -78,7 +78,7 @@ static void s_checkVds(Vitbl* table)
 static int s_receiveVds(Vitbl* table, const char* line)
 {
     static const char* const names[] = {"Vds", nullptr};
-    CmnArgs args = {};
+    SecArgs args;
     if (!KRNG_Split(line, 3, &args)) {
         ERRLOG_LineBugNew(3200, table->name, s_Module, __LINE__);
         return 1;
@@ -93,7 +93,6 @@ static int s_receiveVds(Vitbl* table, const char* line)
             table->vds.state = CELL_NA;
         if (args.argc > 2) ERRLOG_LineErrorNew(3223, args.argv[2], table->name);
     }
-    CMN_ArgFree(&args);
     return given;
 }
 

@@ -123,7 +123,7 @@ static void s_setParameter(Wvfrm* waveform, const Parameter* parameter, const Cm
 static void s_receiveParameter(Wvfrm* waveform, const char* line)
 {
     const char* keyword = SEC_KeywordName(waveform->kind);
-    CmnArgs args = {};
+    SecArgs args;
     if (!KRNG_Split(line, 3, &args)) {
         ERRLOG_LineBugNew(1800, keyword, s_Module, __LINE__);
         return;
@@ -141,7 +141,6 @@ static void s_receiveParameter(Wvfrm* waveform, const char* line)
     } else {
         s_setParameter(waveform, parameter, &args);
     }
-    CMN_ArgFree(&args);
 }
 
 static void s_checkTime(const Wvfrm* waveform, const RngpLine* previous, double time)
