@@ -113,11 +113,11 @@ struct SecReading {
         const Row* row = Find(code);
         return row != nullptr && (open->*found >> (row - rows.data()) & 1) != 0;
     }
-    // 1 when it came for the first time.
-    int Mark(const Row& row) const
+    // True when it came for the first time.
+    bool Mark(const Row& row) const
     {
         if constexpr (std::is_null_pointer_v<decltype(found)>)
-            return 1;
+            return true;
         else
             return SEC_MarkFound(&(open->*found), static_cast<int>(&row - rows.data()));
     }

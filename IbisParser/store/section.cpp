@@ -24,17 +24,17 @@ void* SEC_NewRecord(const SecFrame* frame, std::size_t size)
     return record;
 }
 
-int SEC_Receives(const SecFrame* frame, int line, int kind, const void* open)
+bool SEC_Receives(const SecFrame* frame, int line, int kind, const void* open)
 {
     if (kind != LINE_KEYWORD && kind != LINE_DATA) {
         ERRLOG_LineBugNew(frame->unknownKind, frame->module, line);
-        return 0;
+        return false;
     }
     if (open == nullptr) {
         ERRLOG_LineErrorNew(kind == LINE_KEYWORD ? frame->orphanKeyword : frame->orphanData);
-        return 0;
+        return false;
     }
-    return 1;
+    return true;
 }
 
 void SEC_UnknownKeyword(const SecFrame* frame, int line)
@@ -101,21 +101,21 @@ SecSet::~SecSet()
     SEC_SetClear(this);
 }
 
-int SEC_SetAdd(SecSet* set, const char* text)
+bool SEC_SetAdd(SecSet* set, const char* text)
 {
-    if (SEC_SetHas(set, text)) return 0;
+    if (SEC_SetHas(set, text)) return false;
     char* key = CMN_StrMake(text);
-    if (key == nullptr) return 0;
+    if (key == nullptr) return false;
     void** value = nullptr;
     if (!IDX_SlotName(&set->table, key, &value)) {
         SEC_FreeRecord(key);
-        return 0;
+        return false;
     }
     *value = key;
-    return 1;
+    return true;
 }
 
-int SEC_SetHas(const SecSet* set, const char* text)
+bool SEC_SetHas(const SecSet* set, const char* text)
 {
     return IDX_FindName(&set->table, text) != nullptr;
 }

@@ -32,20 +32,20 @@ struct SecFrame {
 IbisRoot* SEC_Root(const SecFrame* frame, int line);
 // A zeroed record, or null after the message.
 void* SEC_NewRecord(const SecFrame* frame, std::size_t size);
-// The first test of every _ReceiveLine: 1 when the line kind is legal and a record is open, else 0
-// after the message.
-int SEC_Receives(const SecFrame* frame, int line, int kind, const void* open);
+// The first test of every _ReceiveLine: whether the line kind is legal and a record is open; if
+// not, after the message.
+bool SEC_Receives(const SecFrame* frame, int line, int kind, const void* open);
 // The message for a code that the section does not know.
 void SEC_UnknownKeyword(const SecFrame* frame, int line);
 // The same as SEC_NewRecord for the parts of a section: bug `number` with module and line.
 void* SEC_NewPart(unsigned number, const char* module, int line, std::size_t size);
 
-// Sets a bit of the found flags; 1 when it was not set before.
+// Sets a bit of the found flags; true when it was not set before.
 template <typename Flags>
-int SEC_MarkFound(Flags* flags, int bit)
+bool SEC_MarkFound(Flags* flags, int bit)
 {
     const Flags mask = static_cast<Flags>(1) << bit;
-    const int isFirst = (*flags & mask) == 0;
+    const bool isFirst = (*flags & mask) == 0;
     *flags |= mask;
     return isFirst;
 }
@@ -257,9 +257,9 @@ struct SecSet {
     }
 };
 
-// 1 when the string is new in the set, 0 when it is known (or memory ran out).
-int SEC_SetAdd(SecSet* set, const char* text);
-int SEC_SetHas(const SecSet* set, const char* text);
+// True when the string is new in the set, false when it is known (or memory ran out).
+bool SEC_SetAdd(SecSet* set, const char* text);
+bool SEC_SetHas(const SecSet* set, const char* text);
 void SEC_SetClear(SecSet* set);
 
 #endif

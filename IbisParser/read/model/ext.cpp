@@ -33,13 +33,13 @@ static const ExtLanguageRow* s_languageOf(const Ext* item)
     return nullptr;
 }
 
-int EXT_IsDigital(const Ext* item)
+bool EXT_IsDigital(const Ext* item)
 {
     const ExtLanguageRow* row = s_languageOf(item);
     return row != nullptr && row->isDigital;
 }
 
-int EXT_IsAnalog(const Ext* item)
+bool EXT_IsAnalog(const Ext* item)
 {
     const ExtLanguageRow* row = s_languageOf(item);
     return row != nullptr && !row->isDigital;
@@ -164,14 +164,14 @@ static void s_readPorts(ExtReading* reading, const CmnArgs* args)
 }
 
 // In a model only the reserved digital ports can be converted.
-static int s_isLegalDigital(const ExtReading* reading, const ExtConversion* row)
+static bool s_isLegalDigital(const ExtReading* reading, const ExtConversion* row)
 {
     static const char* const toAnalog[] = {"D_drive", "D_enable", "D_switch"};
-    if (reading->model == nullptr) return 1;
+    if (reading->model == nullptr) return true;
     if (!row->toAnalog) return std::strcmp(row->digital, "D_receive") == 0;
     for (const char* name : toAnalog)
-        if (std::strcmp(row->digital, name) == 0) return 1;
-    return 0;
+        if (std::strcmp(row->digital, name) == 0) return true;
+    return false;
 }
 
 static void s_checkConversion(ExtReading* reading, const ExtConversion* row)
@@ -258,11 +258,11 @@ static int s_dataLine(ExtReading* reading, const char* line)
     return row != nullptr;
 }
 
-static int s_hasCorner(const Ext* item, int corner)
+static bool s_hasCorner(const Ext* item, int corner)
 {
     for (const ExtCornerRow* row = item->corners; row != nullptr; row = row->next)
-        if (row->corner == corner) return 1;
-    return 0;
+        if (row->corner == corner) return true;
+    return false;
 }
 
 // What can be judged when all lines are there.
@@ -285,11 +285,11 @@ static void s_checkWhole(const ExtReading* reading)
     }
 }
 
-int EXT_HasConversion(const Ext* item, const char* digital)
+bool EXT_HasConversion(const Ext* item, const char* digital)
 {
     for (const ExtConversion* row = item->conversions; row != nullptr; row = row->next)
-        if (std::strcmp(row->digital, digital) == 0) return 1;
-    return 0;
+        if (std::strcmp(row->digital, digital) == 0) return true;
+    return false;
 }
 
 static void s_checkCircuit(const Ext* item)

@@ -20,12 +20,12 @@ struct ExtReading : SecReading<Ext> {
 };
 
 // Of the language, when it is known: has digital ports, or needs conversions for them.
-int EXT_IsDigital(const Ext* item);
-int EXT_IsAnalog(const Ext* item);
+bool EXT_IsDigital(const Ext* item);
+bool EXT_IsAnalog(const Ext* item);
 // "D_to_A" or "A_to_D".
 const char* EXT_ConversionName(const ExtConversion* row);
-// 1 when a conversion serves the digital port.
-int EXT_HasConversion(const Ext* item, const char* digital);
+// Whether a conversion serves the digital port.
+bool EXT_HasConversion(const Ext* item, const char* digital);
 // The ports that the model's type asks for, and those it has no use for.
 void EXT_CheckModel(const Mdl* model, const Ext* item);
 // Ends the circuit that the file left open, with the message.
