@@ -161,7 +161,7 @@ static const SecLife<TestDataReading> s_life = {
     .end = s_end,
 };
 
-int TESTDATA_Init(void)
+int TESTDATA_Init()
 {
     return s_life.Init();
 }
@@ -176,7 +176,7 @@ int TESTDATA_Fini(int nextCode)
     return s_life.Fini(nextCode);
 }
 
-void TESTDATA_Close(void)
+void TESTDATA_Close()
 {
     s_life.Close();
 }

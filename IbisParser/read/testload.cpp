@@ -188,7 +188,7 @@ static const SecLife<SecReading<TestLoad>> s_life = {
     .end = s_checkRecord,
 };
 
-int TESTLOAD_Init(void)
+int TESTLOAD_Init()
 {
     return s_life.Init();
 }
@@ -203,7 +203,7 @@ int TESTLOAD_Fini(int nextCode)
     return s_life.Fini(nextCode);
 }
 
-void TESTLOAD_Close(void)
+void TESTLOAD_Close()
 {
     s_life.Close();
 }

@@ -269,7 +269,7 @@ static const SecLife<CmpntReading> s_life = {
     .end = s_end,
 };
 
-int CMPNT_Init(void)
+int CMPNT_Init()
 {
     return s_life.Init();
 }
@@ -305,12 +305,12 @@ Cmpnt* CMPNT_FindByName(Cmpnt* head, const char* name)
     return SEC_FindByName(head, name);
 }
 
-Cmpnt* CMPNT_GetOpen(void)
+Cmpnt* CMPNT_GetOpen()
 {
     return s_reading.open;
 }
 
-int CMPNT_Close(void)
+int CMPNT_Close()
 {
     s_life.Close();
     return 1;

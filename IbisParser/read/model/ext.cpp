@@ -366,7 +366,7 @@ static const SecLife<ExtReading> s_life = {
     .end = s_endCircuit,
 };
 
-int EXT_CIR_Init(void)
+int EXT_CIR_Init()
 {
     if (s_circuit.open != nullptr) ERRLOG_LineErrorNew(3407, s_circuit.open->name);
     return s_life.Init();

@@ -375,7 +375,7 @@ int MDL_Refused(const Mdl* model, int code)
     return (model->refused >> placeOf(code) & 1u) != 0;
 }
 
-int MDL_Init(void)
+int MDL_Init()
 {
     return life.Init();
 }
@@ -391,7 +391,7 @@ int MDL_Fini(int nextCode)
     return life.Fini(nextCode);
 }
 
-void MDL_Close(void)
+void MDL_Close()
 {
     life.Close();
 }

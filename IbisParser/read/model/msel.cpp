@@ -72,7 +72,7 @@ static const SecLife<MselReading> s_life = {
     .end = s_end,
 };
 
-int MSEL_Init(void)
+int MSEL_Init()
 {
     return s_life.Init();
 }

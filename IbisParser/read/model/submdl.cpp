@@ -279,7 +279,7 @@ const SecLife<Reading> life = {
 
 }  // namespace
 
-int SUBMDL_Init(void)
+int SUBMDL_Init()
 {
     return life.Init();
 }
@@ -294,7 +294,7 @@ int SUBMDL_Fini(int nextCode)
     return life.Fini(nextCode);
 }
 
-void SUBMDL_Close(void)
+void SUBMDL_Close()
 {
     life.Close();
 }

@@ -308,7 +308,7 @@ static const SecLife<EbdReading> s_life = {
     .end = s_end,
 };
 
-int EBDMDL_Init(void)
+int EBDMDL_Init()
 {
     return s_life.Init();
 }
@@ -331,7 +331,7 @@ int EBDMDL_Fini(int nextCode)
     return s_life.Fini(isLate ? NOT_KEY : nextCode);
 }
 
-void EBDMDL_Close(void)
+void EBDMDL_Close()
 {
     s_life.Close();
 }

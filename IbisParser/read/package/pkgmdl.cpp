@@ -347,7 +347,7 @@ static const SecLife<PkgReading> s_life = {
     .end = s_end,
 };
 
-int PKGMDL_Init(void)
+int PKGMDL_Init()
 {
     return s_life.Init();
 }
@@ -365,7 +365,7 @@ int PKGMDL_Fini(int nextCode)
     return s_life.Fini(isLate ? NOT_KEY : nextCode);
 }
 
-void PKGMDL_Close(void)
+void PKGMDL_Close()
 {
     s_life.Close();
 }
@@ -399,7 +399,7 @@ int PKGMDL_HasPin(const PkgMdl* package, const char* name)
     return PKGMDL_FindPin(package, name) != nullptr;
 }
 
-PkgMdl* PKGMDL_GetOpen(void)
+PkgMdl* PKGMDL_GetOpen()
 {
     return s_reading.open;
 }
