@@ -90,11 +90,12 @@ class Source:
 
     def structs(self):
         """(name, member names, position of the closing brace) of every struct."""
-        for match in re.finditer(r'\bstruct\s*(\w*)\s*\{', self.masked):
+        for match in re.finditer(r'\bstruct\s*(\w*)\s*(:[^{;]*)?\{', self.masked):
             spans, end = split_list(self.masked.replace(';', ','), match.end() - 1)
             members = [re.sub(r'=.*|\[.*', '', self.masked[a:b], flags=re.S) for a, b in spans]
             names = [re.findall(r'\w+', member)[-1:] for member in members]
-            yield match.group(1), [name[0] if name else '' for name in names], end - 1
+            base = [''] if match.group(2) else []  # its cells stand first, in braces of their own
+            yield match.group(1), base + [name[0] if name else '' for name in names], end - 1
 
     def function_at(self, at):
         """(start, name, parameter names) of the function around a position, by house layout."""
