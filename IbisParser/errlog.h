@@ -80,9 +80,34 @@ void ERRLOG_Totals(void);
  * twice the first row answers, and a few numbers are not found. */
 int BSearchErrorLogTable(int number);
 
+/* What a message is about: a record of the file, a part of one, or the file itself. */
+typedef enum ErrSubject {
+    SUBJECT_NONE = 0,
+    SUBJECT_FILE = 1, /* and what is not known more closely */
+    SUBJECT_COMPONENT = 2,
+    SUBJECT_PIN = 3,   /* of a component, package model or board; series pins, pairs by the first */
+    SUBJECT_NODE = 4,  /* of a die or a board */
+    SUBJECT_BUS = 5,   /* label under [Pin Mapping] */
+    SUBJECT_GROUP = 6, /* under [Series Switch Groups] */
+    SUBJECT_DOMAIN = 7, /* under [Pin Domain EMI] */
+    SUBJECT_SELECTOR = 8,
+    SUBJECT_MODEL = 9,
+    SUBJECT_SUBMODEL = 10,
+    SUBJECT_PACKAGE_MODEL = 11,
+    SUBJECT_BOARD = 12,
+    SUBJECT_PATH = 13,       /* of a board */
+    SUBJECT_DESIGNATOR = 14, /* of a board */
+    SUBJECT_CIRCUIT = 15,    /* [External Circuit] */
+    SUBJECT_TEST_DATA = 16,
+    SUBJECT_TEST_LOAD = 17,
+    SUBJECT_PARAMETER = 18 /* of a parameter file */
+} ErrSubject;
+
 /* One message as it is counted and written, for tools that must not scrape text. The pointers live
  * for the call only. line is 0 for a severity without line; numbers are 0 in the free-format
- * family. */
+ * family. The fields from subject on tell the place, with every severity. A message that comes at
+ * the end of a record, where line is that of the next keyword, has the line of the record, or of
+ * the part that it is about, as itemLine. */
 typedef struct ErrRecord {
     unsigned asked; /* number given by the caller */
     unsigned shown; /* number of the row that answered */
@@ -90,6 +115,12 @@ typedef struct ErrRecord {
     const char* file; /* file being read, empty before the first */
     unsigned long line;
     const char* text;
+    ErrSubject subject;
+    const char* name;         /* of the subject; empty where it has none */
+    int corner;               /* RngCorner, or -1: none, or all of them */
+    unsigned long itemLine;   /* line of what the message is about; 0 the whole file */
+    unsigned column;          /* in that line, from 1; 0 not known */
+    unsigned long recordLine; /* line of the record that holds it; 0 none */
 } ErrRecord;
 
 typedef void (*ErrSink)(const ErrRecord* record, void* user);

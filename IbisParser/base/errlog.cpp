@@ -6,6 +6,7 @@
 #include <cstdlib>
 
 #include "IbisParser/base/clocale.h"
+#include "IbisParser/base/place.h"
 #include "IbisParser/parse.h"
 
 FILE* gpLogFile = nullptr;
@@ -69,26 +70,35 @@ static FILE* s_stream()
     return gpLogFile;
 }
 
-static void s_tellSink(ErrSeverity severity, unsigned asked, unsigned shown, const char* text)
+// format and args made the text.
+static void s_tellSink(ErrSeverity severity, unsigned asked, const ErrorRow* row, const char* text,
+                       const char* format, va_list args)
 {
     if (gpSink == nullptr) return;
     char file[CMN_PATH_MAX + 1];
     PARSE_GetFileName(file);
-    const ErrRecord record = {
-        asked, shown, severity, file, s_severities[severity].withLine ? PARSE_GetLineNum() : 0,
-        text};
+    ErrRecord record = {};
+    record.asked = asked;
+    record.shown = row == nullptr ? 0 : static_cast<unsigned>(row->number);
+    record.severity = severity;
+    record.file = file;
+    record.line = s_severities[severity].withLine ? PARSE_GetLineNum() : 0;
+    record.text = text;
+    PLACE_Fill(&record, format, args);
     gpSink(&record, gpSinkUser);
 }
 
-// One line of a formatted message. row is null in the free-format family; asked is the number that
-// the caller gave.
-static int s_writeLine(ErrSeverity severity, unsigned asked, const ErrorRow* row, int length,
-                       const char* text)
+// A severity without a word shows in the numbered style only.
+static bool s_isShown(ErrSeverity severity, const ErrorRow* row)
+{
+    return (row != nullptr && !gbOldStyleErrors) || s_severities[severity].word != nullptr;
+}
+
+// One line of a formatted message. row is null in the free-format family.
+static int s_writeLine(ErrSeverity severity, const ErrorRow* row, int length, const char* text)
 {
     const SeverityRow* look = &s_severities[severity];
     const bool numbered = row != nullptr && !gbOldStyleErrors;
-    if (!numbered && look->word == nullptr) return 0;
-
     if (look->counter != nullptr) ++*look->counter;
     FILE* stream = s_stream();
     int written = numbered ? std::fprintf(stream, "%c%04d", look->letter, row->number)
@@ -97,22 +107,24 @@ static int s_writeLine(ErrSeverity severity, unsigned asked, const ErrorRow* row
         written += std::fprintf(stream, " (line %*lu)", LINE_WIDTH, PARSE_GetLineNum());
     const bool wrapped = length >= look->firstWrapped && length <= LAST_WRAPPED;
     written += std::fprintf(stream, wrapped ? " -\n    %s\n" : " - %s\n", text);
-
-    s_tellSink(severity, asked, row == nullptr ? 0 : static_cast<unsigned>(row->number), text);
     return written;
 }
 
 // Formats in the C locale and writes. A message that is too long for the fixed buffer is cut only
-// when there is no memory for it; one that cannot be formatted shows its format.
+// when there is no memory for it; one that cannot be formatted shows its format. row is null in the
+// free-format family; asked is the number that the caller gave.
 IBIS_PRINTF_LIKE(4, 0)
 static int s_format(ErrSeverity severity, unsigned asked, const ErrorRow* row, const char* format,
                     va_list args)
 {
+    if (!s_isShown(severity, row)) return 0;
     char fixed[FIXED_TEXT];
     char* block = nullptr;
     const char* text = fixed;
     va_list again;
+    va_list quoted;
     va_copy(again, args);
+    va_copy(quoted, args);
     const locale_t hosts = uselocale(CLocale());
     int length = std::vsnprintf(fixed, sizeof fixed, format, args);
     if (length < 0) {
@@ -125,7 +137,9 @@ static int s_format(ErrSeverity severity, unsigned asked, const ErrorRow* row, c
         if (block != nullptr && std::vsnprintf(block, size, format, again) >= 0) text = block;
     }
     va_end(again);
-    const int written = s_writeLine(severity, asked, row, length, text);
+    const int written = s_writeLine(severity, row, length, text);
+    s_tellSink(severity, asked, row, text, format, quoted);
+    va_end(quoted);
     uselocale(hosts);
     std::free(block);
     return written;

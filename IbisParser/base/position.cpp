@@ -61,6 +61,7 @@ void POSITION_Reset(FileType fileType)
     gbIBIS_VerFound = 0;
     gbEndFound = 0;
     geCurrFileType = fileType;
+    PLACE_Close();
 }
 
 unsigned long PARSE_GetLineNum()

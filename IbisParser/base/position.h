@@ -4,13 +4,14 @@
 #ifndef IBISPARSER_BASE_POSITION_H
 #define IBISPARSER_BASE_POSITION_H
 
+#include "IbisParser/base/place.h"
 #include "IbisParser/cmn.h"
 #include "IbisParser/parse.h"
 
 extern bool gbTabFound;  // tabs are reported once for each file
 
 // Keeps the position while another file is read, and puts it back at its end, so that the messages
-// after it name the outer file again.
+// after it name the outer file again. What the checks of the outer file look at is out of sight.
 class PositionKeeper {
 public:
     PositionKeeper();
@@ -31,6 +32,7 @@ private:
     int m_InSubModel;
     int m_Continue;
     bool m_TabFound;
+    PlaceElsewhere m_Place;
 };
 
 // Begins a file of the type: its first line comes next.

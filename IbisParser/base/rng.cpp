@@ -2,6 +2,7 @@
 #include "IbisParser/rng.h"
 
 #include "IbisParser/base/corner.h"
+#include "IbisParser/base/place.h"
 #include "IbisParser/cmn.h"
 #include "IbisParser/errlog.h"
 
@@ -47,6 +48,7 @@ int RNG_ParseRange(const char* text, const char* keyword, RngRange** out)
     } else {
         RngRange* range = static_cast<RngRange*>(block);
         *out = range;
+        PLACE_Remember(range);
         // Every cell is read, also after a bad one.
         ok = CMN_GetColValue(args.argv[0], CORNER_Title(CORNER_TYP), keyword, &range->typ,
                              &range->typState);

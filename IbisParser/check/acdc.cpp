@@ -5,6 +5,7 @@
 
 #include "IbisParser/base/corner.h"
 #include "IbisParser/base/index.h"
+#include "IbisParser/base/place.h"
 #include "IbisParser/check/acdc.h"
 #include "IbisParser/errlog.h"
 #include "IbisParser/read/model/table.h"
@@ -48,6 +49,7 @@ static void s_checkDriver(const Mdl* model, const MdlTypeInfo* info, const Curve
         &acdcModelNumbers, model->name, {model->rising, model->falling}, model};
     const CurveSet set(model, submodels);
     for (int corner = CORNER_TYP; corner < CORNER_COUNT; ++corner) {
+        const PlaceScope at(corner);
         const AcdcCorner each = {
             corner,
             {&set.cases[CURVE_LOW][corner], &set.cases[CURVE_HIGH][corner]},
@@ -81,8 +83,10 @@ static void s_checkModel(const Mdl* model, const CurveSubMdls* submodels)
 int acdc_CheckAllModels(const Mdl* models)
 {
     const CurveSubMdls submodels(CURVE_StoredSubMdls());
-    for (const Mdl* model : SecFileOrder<const Mdl>(models))
+    for (const Mdl* model : SecFileOrder<const Mdl>(models)) {
+        const PlaceScope at(SUBJECT_MODEL, model);
         s_checkModel(model, &submodels);
+    }
     return 1;
 }
 
@@ -92,6 +96,7 @@ static void s_checkHolder(const SubMdl* submodel, const Mdl* model)
     const AcdcBuffer buffer = {
         &acdcSubMdlNumbers, submodel->name, {submodel->rising, submodel->falling}, model};
     for (int corner = CORNER_TYP; corner < CORNER_COUNT; ++corner) {
+        const PlaceScope at(corner);
         CurvePart low = {submodel->pulldown, 0.0, false, false};
         CurvePart high = {submodel->pullup, 0.0, true, false};
         if (!MDL_RefVoltage(model, MDL_REF_PULLDOWN, corner, &low.reference) ||
@@ -141,6 +146,7 @@ static void s_checkPulses(const SubMdl* submodel, const Mdl* model)
         const double amplitude = std::fmax(s_amplitude(submodel->gndPulse, corner),
                                            s_amplitude(submodel->powerPulse, corner));
         if (amplitude > high - low) {
+            const PlaceScope at(corner);
             ERRLOG_WarnNew(2439, submodel->name, CORNER_Short(corner), amplitude, high - low);
             return;
         }
@@ -167,6 +173,7 @@ int acdc_CheckAllSubModels(const SubMdl* submodels)
     SecScopedIndex users;
     s_indexUsers(models, &users);
     for (const SubMdl* submodel : SecFileOrder<const SubMdl>(submodels)) {
+        const PlaceScope at(SUBJECT_SUBMODEL, submodel);
         const Mdl* model = static_cast<const Mdl*>(IDX_FindName(&users, submodel->name));
         if (submodel->type == SUBMDL_DYNAMIC_CLAMP) {
             if (model != nullptr) s_checkPulses(submodel, model);

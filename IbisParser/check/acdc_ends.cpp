@@ -3,6 +3,7 @@
 #include <cmath>
 
 #include "IbisParser/base/corner.h"
+#include "IbisParser/base/place.h"
 #include "IbisParser/check/acdc.h"
 #include "IbisParser/check/waveforms.h"
 #include "IbisParser/cmn.h"
@@ -128,6 +129,7 @@ static void s_compare(const AcdcBuffer* buffer, const AcdcCorner* corner, int ed
 static void s_checkWaveform(const AcdcBuffer* buffer, const AcdcCorner* corner,
                             const Wvfrm* waveform, int edge, Said* said)
 {
+    const PlaceScope at(waveform);
     Fixture fixture;
     Ends ends;
     if (!s_fixture(waveform, corner->corner, &fixture) ||
@@ -146,6 +148,7 @@ static void s_checkWaveform(const AcdcBuffer* buffer, const AcdcCorner* corner,
 static void s_compareEdges(const AcdcBuffer* buffer, const AcdcCorner* corner, const Wvfrm* rising,
                            const Wvfrm* falling)
 {
+    const PlaceScope at(rising);
     Fixture fixture;
     Ends up;
     Ends down;

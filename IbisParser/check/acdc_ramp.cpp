@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "IbisParser/base/place.h"
 #include "IbisParser/check/acdc.h"
 #include "IbisParser/cmn.h"
 #include "IbisParser/errlog.h"
@@ -102,6 +103,7 @@ static void s_checkStep(const Mdl* model, const AcdcCorner* typ, const CurveRail
     const RampSlope* slope =
         rising ? &model->ramp->rise[CORNER_TYP] : &model->ramp->fall[CORNER_TYP];
     if (slope->state != CELL_NUMBER) return;
+    const PlaceScope at(&slope->dt);
     Trial trial = {typ, slope->dV, 0.0, 0.0, false};
     s_tryLoads(&trial, model, rails);
     const double q = std::fabs(trial.quotient);
@@ -135,6 +137,7 @@ static void s_checkEdgeTime(const Mdl* model, const CurveRails* rails, bool risi
     const RampSlope* slope =
         rising ? &model->ramp->rise[CORNER_TYP] : &model->ramp->fall[CORNER_TYP];
     if (slope->state != CELL_NUMBER) return;
+    const PlaceScope at(&slope->dt);
     const double usual = s_usualLoad(model, rails, rising);
     const double slack = ACDC_SAME_LOAD * std::fabs(rails->pullup - rails->pulldown);
     for (const Wvfrm* waveform = rising ? model->rising : model->falling; waveform != nullptr;
@@ -157,6 +160,7 @@ void ACDC_CheckRamp(const Mdl* model, const AcdcCorner* typ)
 {
     CurveRails rails;
     if (model->ramp == nullptr || !CURVE_Rails(model, CORNER_TYP, &rails)) return;
+    const PlaceScope at(model->ramp);
     if (typ->driven[CURVE_LOW] && typ->driven[CURVE_HIGH]) {
         s_checkStep(model, typ, &rails, true);
         s_checkStep(model, typ, &rails, false);
@@ -174,6 +178,7 @@ void ACDC_CheckTimingLoad(const Mdl* model, const AcdcCorner* typ)
     if (!s_effective(model, &model->Vmeas, SPEC_VMEAS, &level) ||
         !CURVE_Rails(model, CORNER_TYP, &rails))
         return;
+    const PlaceScope at(&model->Vmeas.state);
     if (s_timingLoad(model, &r, &vf)) {
         if (!typ->driven[CURVE_LOW] || !typ->driven[CURVE_HIGH]) return;
         AcdcPoint low;

@@ -1,6 +1,7 @@
 // The assembly that a board describes: boards of components and boards, and the files they are in.
 #include <cstring>
 
+#include "IbisParser/base/place.h"
 #include "IbisParser/base/position.h"
 #include "IbisParser/cmn.h"
 #include "IbisParser/cmpnt.h"
@@ -206,7 +207,10 @@ static void s_lookUp(Assembly* assembly, const WaitingBoard* waiting, const RefD
         return;
     }
     for (std::size_t link = head; link != 0; link = nodes->links[link - 1].next) {
-        const char* pin = std::strchr(nodes->links[link - 1].node->text, '.') + 1;
+        const SectItem* node = nodes->links[link - 1].node;
+        const char* pin = std::strchr(node->text, '.') + 1;
+        const PlaceScope at(SUBJECT_NODE, node->text,
+                            waiting->depth == 0 ? PLACE_Of(node) : PlaceSpot{0, 0});
         if (!s_hasPin(file, part, pin)) ERRLOG_WarnNew(4506, boardName, "pin", pin, row->name);
     }
 }
@@ -237,6 +241,9 @@ static void s_chainNode(const EbdMdl* board, BoardNodes* nodes, const SectItem* 
 static void s_testBoard(Assembly* assembly, const WaitingBoard* waiting)
 {
     const EbdMdl* board = waiting->board;
+    // Lines of deeper boards are those of other files.
+    const bool isOwn = waiting->depth == 0;
+    const PlaceScope at(SUBJECT_BOARD, board->name, isOwn ? PLACE_Of(board) : PlaceSpot{0, 0});
     const auto designators = static_cast<std::size_t>(board->refDesCount);
     BoardNodes nodes = {SecArray<NodeLink>(s_countNodes(board)), SecArray<std::size_t>(designators),
                         SecArray<std::size_t>(designators), 0};
@@ -248,8 +255,9 @@ static void s_testBoard(Assembly* assembly, const WaitingBoard* waiting)
         for (const SectItem* item = path->path.head; item != nullptr; item = item->next)
             if (item->kind == SECT_NODE) s_chainNode(board, &nodes, item);
     for (const RefDes* row = board->map; row != nullptr; row = row->next) {
+        const PlaceScope in(SUBJECT_DESIGNATOR, row->name, isOwn ? PLACE_Of(row) : PlaceSpot{0, 0});
         const std::size_t head = nodes.heads[row->index];
-        if (waiting->depth == 0 && head == 0) ERRLOG_WarnNew(4505, board->name, row->name);
+        if (isOwn && head == 0) ERRLOG_WarnNew(4505, board->name, row->name);
         s_lookUp(assembly, waiting, row, &nodes, head);
     }
 }

@@ -3,6 +3,7 @@
 #include <cstring>
 
 #include "IbisParser/base/index.h"
+#include "IbisParser/base/place.h"
 #include "IbisParser/cmn.h"
 #include "IbisParser/ebdmdl.h"
 #include "IbisParser/errlog.h"
@@ -41,15 +42,19 @@ static void s_testNode(NodeCheck* check, EbdPath* path, const SectItem* node)
 
 static void s_testBoard(const EbdMdl* board)
 {
-    for (const EbdPin* pin = board->pins; pin != nullptr; pin = pin->next)
+    for (const EbdPin* pin = board->pins; pin != nullptr; pin = pin->next) {
+        const PlaceScope at(SUBJECT_PIN, pin);
         if (pin->kind == EBDPIN_SIGNAL && pin->path == nullptr)
             ERRLOG_ErrorNew(4335, board->name, pin->name);
+    }
     NodeCheck check = {board, {}, {}, false};
     for (EbdPath* path = board->paths; path != nullptr; path = path->next) {
+        const PlaceScope at(SUBJECT_PATH, path);
         bool hasNode = false;
         for (const SectItem* item = path->path.head; item != nullptr; item = item->next) {
             if (item->kind != SECT_NODE) continue;
             hasNode = true;
+            const PlaceScope in(SUBJECT_NODE, item->text, PLACE_Of(item));
             s_testNode(&check, path, item);
         }
         if (!hasNode) ERRLOG_WarnNew(4339, board->name, path->name);
@@ -66,8 +71,10 @@ int EBDMDL_TestList(EbdMdl* boards, int deep)
         return 0;
     }
     NML_CheckUnique(boards, offsetof(EbdMdl, name), offsetof(EbdMdl, next), "Board");
-    for (const EbdMdl* board : SecFileOrder<EbdMdl>(boards))
+    for (const EbdMdl* board : SecFileOrder<EbdMdl>(boards)) {
+        const PlaceScope at(SUBJECT_BOARD, board);
         s_testBoard(board);
+    }
     REFDES_Test(boards, deep);
     return 1;
 }

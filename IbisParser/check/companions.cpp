@@ -4,6 +4,7 @@
 #include <cstring>
 
 #include "IbisParser/algmod.h"
+#include "IbisParser/base/place.h"
 #include "IbisParser/base/position.h"
 #include "IbisParser/check/ami.h"
 #include "IbisParser/cmn.h"
@@ -50,6 +51,7 @@ static void s_testParameterFile(AlgModExec* exec, const char* model)
 
 static void s_testExec(AlgModExec* exec, const char* model)
 {
+    const PlaceScope at(exec);
     if (!COMPANION_Exists(exec->codeFile)) ERRLOG_ErrorNew(4616, exec->codeFile, model);
     s_testParameterFile(exec, model);
 }
@@ -58,6 +60,8 @@ int ALGMOD_Test(Mdl* models)
 {
     for (Mdl* model = models; model != nullptr; model = model->next) {
         if (model->algMod == nullptr) continue;
+        const PlaceScope at(SUBJECT_MODEL, model);
+        const PlaceScope block(model->algMod);
         if (model->algMod->execs == nullptr) ERRLOG_ErrorNew(4615, model->name);
         for (AlgModExec* exec = model->algMod->execs; exec != nullptr; exec = exec->next)
             s_testExec(exec, model->name);

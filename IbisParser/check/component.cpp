@@ -1,5 +1,6 @@
 // Components against the document: the order of their checks, pins, locations, EMI domains.
 #include "IbisParser/check/component.h"
+#include "IbisParser/base/place.h"
 #include "IbisParser/check/companions.h"
 #include "IbisParser/errlog.h"
 #include "IbisParser/ext.h"
@@ -28,6 +29,7 @@ static void s_testPins(const Cmpnt* component, const CmpntNames& names)
     int all = 0;
     for (const Pin* pin = component->pins; pin != nullptr; pin = pin->next) {
         if (pin->repeated) continue;
+        const PlaceScope at(SUBJECT_PIN, pin);
         ++all;
         ++count[pin->kind];
         if (pin->kind == PIN_MODEL) s_testPin(component, pin, names);
@@ -60,15 +62,19 @@ static void s_testEmi(const Cmpnt* component)
         SEC_SetAdd(&listed, domain->name);
         if (domain->percent > 0) sum += domain->percent;
     }
+    const PlaceScope in(emi->domains);
     if (sum > 100) ERRLOG_ErrorNew(816, component->name, static_cast<int>(sum));
     for (const EmiPin* pin = emi->pins; pin != nullptr; pin = pin->next) {
         if (pin->domain[0] == '\0') continue;
+        const PlaceScope at(SUBJECT_PIN, pin);
         SEC_SetAdd(&used, pin->domain);
         if (emi->domains != nullptr && !SEC_SetHas(&listed, pin->domain))
             ERRLOG_ErrorNew(817, component->name, pin->domain, pin->name);
     }
-    for (const EmiPinDomain* domain = emi->domains; domain != nullptr; domain = domain->next)
+    for (const EmiPinDomain* domain = emi->domains; domain != nullptr; domain = domain->next) {
+        const PlaceScope at(SUBJECT_DOMAIN, domain);
         if (SEC_SetAdd(&used, domain->name)) ERRLOG_WarnNew(818, component->name, domain->name);
+    }
 }
 
 int CMPNT_TestList(Cmpnt* components, Ext* externals, Mdl* models)
@@ -82,6 +88,7 @@ int CMPNT_TestList(Cmpnt* components, Ext* externals, Mdl* models)
     for (Ext* item = externals; item != nullptr; item = item->next)
         EXT_FindWired(item);
     for (const Cmpnt* component : SecFileOrder<const Cmpnt>(components)) {
+        const PlaceScope at(SUBJECT_COMPONENT, component);
         s_testPins(component, names);
         s_testLocations(component);
         PINMAP_Test(component, names);

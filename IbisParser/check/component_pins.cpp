@@ -1,5 +1,6 @@
 // The tables of a component's pins against the document: [Pin Mapping], [Diff Pin] and
 // [Series Pin Mapping] with its switch groups.
+#include "IbisParser/base/place.h"
 #include "IbisParser/check/component.h"
 #include "IbisParser/errlog.h"
 #include "IbisParser/read/component/cmpnt.h"
@@ -24,6 +25,7 @@ static int s_countBuses(const PinMap* row)
 static void s_testSupply(const Cmpnt* component, const Pin* pin, int ownColumn, int otherColumn)
 {
     const PinMap* row = pin->mapping;
+    const PlaceScope at(row);
     const int buses = s_countBuses(row);
     if (buses == 1 && s_hasBus(row, ownColumn)) return;
     const bool isSwapped = buses == 1 && s_hasBus(row, otherColumn);
@@ -69,11 +71,18 @@ static void s_findNeeds(const Mdl* model, const PinMap* row, bool needs[PINMAP_C
 
 static void s_testNeeds(const Cmpnt* component, const Pin* pin, const Mdl* model)
 {
+    const PlaceScope at(pin->mapping);
     bool needs[PINMAP_COLUMNS] = {};
     s_findNeeds(model, pin->mapping, needs);
     for (int i = 0; i < PINMAP_COLUMNS; ++i)
         if (needs[i] && !s_hasBus(pin->mapping, i))
             ERRLOG_WarnNew(1314, component->name, pin->name, pinmapColumns[i], model->name);
+}
+
+static void s_testUnconnected(const Cmpnt* component, const Pin* pin)
+{
+    const PlaceScope at(pin->mapping);
+    if (s_countBuses(pin->mapping) > 0) ERRLOG_ErrorNew(1313, component->name, pin->name);
 }
 
 // A bus must be fed by a supply pin; told once for each bus.
@@ -92,6 +101,7 @@ static void s_testBuses(const Cmpnt* component)
             // Neighbours often hang on the same bus.
             if (std::strcmp(bus, previous[i]) == 0) continue;
             previous[i] = bus;
+            const PlaceScope at(SUBJECT_BUS, bus, PLACE_Of(pin->mapping));
             if (s_hasBus(pin->mapping, i) && !SEC_SetHas(&fed, bus) && SEC_SetAdd(&told, bus))
                 ERRLOG_ErrorNew(1310, component->name, bus);
         }
@@ -102,14 +112,15 @@ void PINMAP_Test(const Cmpnt* component, const CmpntNames& names)
     if (component->pinMap == nullptr) return;
     for (const Pin* pin = component->pins; pin != nullptr; pin = pin->next) {
         if (pin->repeated) continue;
+        const PlaceScope at(SUBJECT_PIN, pin);
         if (pin->mapping == nullptr)
             ERRLOG_ErrorNew(1309, component->name, pin->name);
         else if (pin->kind == PIN_GND)
             s_testSupply(component, pin, PINMAP_PULLDOWN, PINMAP_PULLUP);
         else if (pin->kind == PIN_POWER)
             s_testSupply(component, pin, PINMAP_PULLUP, PINMAP_PULLDOWN);
-        else if (pin->kind == PIN_NC && s_countBuses(pin->mapping) > 0)
-            ERRLOG_ErrorNew(1313, component->name, pin->name);
+        else if (pin->kind == PIN_NC)
+            s_testUnconnected(component, pin);
         else if (pin->kind == PIN_MODEL) {
             const Mdl* model = names.Resolve(pin->model);
             if (model != nullptr) s_testNeeds(component, pin, model);
@@ -123,6 +134,8 @@ void PINMAP_Test(const Cmpnt* component, const CmpntNames& names)
 static const Mdl* s_testPairPin(const Cmpnt* component, const Pin* pin, const CmpntNames& names)
 {
     if (pin == nullptr) return nullptr;
+    // The pair's line stays.
+    const PlaceScope at(SUBJECT_PIN, pin->name, {0, 0});
     if (pin->kind == PIN_POWER || pin->kind == PIN_GND || pin->kind == PIN_NC)
         ERRLOG_ErrorNew(1511, component->name, pin->name, pin->model);
     return pin->kind == PIN_MODEL ? names.Resolve(pin->model) : nullptr;
@@ -131,6 +144,7 @@ static const Mdl* s_testPairPin(const Cmpnt* component, const Pin* pin, const Cm
 void DIFFPIN_Test(const Cmpnt* component, const CmpntNames& names)
 {
     for (const DiffPin* pair = component->diffPins; pair != nullptr; pair = pair->next) {
+        const PlaceScope at(SUBJECT_PIN, pair);
         const Mdl* model = s_testPairPin(component, pair->pins[0], names);
         const Mdl* inverse = s_testPairPin(component, pair->pins[1], names);
         if (model == nullptr) continue;
@@ -178,9 +192,13 @@ void SERMAP_Test(const Cmpnt* component, const CmpntNames& names)
         for (const SerGroup* group = state->groups; group != nullptr; group = group->next)
             SEC_SetAdd(&switched, group->name);
 
-    for (const SerMap* row = component->seriesPins; row != nullptr; row = row->next)
+    for (const SerMap* row = component->seriesPins; row != nullptr; row = row->next) {
+        const PlaceScope at(SUBJECT_PIN, row);
         s_testSeries(component, row, names, &switched);
+    }
     for (const SerState* state = component->switchStates; state != nullptr; state = state->next)
-        for (const SerGroup* group = state->groups; group != nullptr; group = group->next)
+        for (const SerGroup* group = state->groups; group != nullptr; group = group->next) {
+            const PlaceScope at(SUBJECT_GROUP, group);
             if (SEC_SetAdd(&used, group->name)) ERRLOG_ErrorNew(1719, component->name, group->name);
+        }
 }

@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <cstring>
 
+#include "IbisParser/base/place.h"
 #include "IbisParser/cmn.h"
 #include "IbisParser/cmpnt.h"
 #include "IbisParser/errlog.h"
@@ -45,6 +46,13 @@ static bool s_checkImpedance(const char* owner, double L, double C)
     return true;
 }
 
+static void s_checkPackage(const char* owner, const RngRange* L, const RngRange* C)
+{
+    const PlaceScope at(L);
+    const PlaceScope in(CORNER_TYP);
+    s_checkImpedance(owner, L->typ, C->typ);
+}
+
 static void s_checkImpedances(const Cmpnt* component)
 {
     const Pkg* package = component->package;
@@ -52,16 +60,19 @@ static void s_checkImpedances(const Cmpnt* component)
     const RngRange* C = package != nullptr ? package->C_pkg : nullptr;
     if (L != nullptr && C != nullptr && L->typState == CELL_NUMBER && C->typState == CELL_NUMBER &&
         L->typ > 0.0 && C->typ > 0.0)
-        s_checkImpedance(component->name, L->typ, C->typ);
-    for (const Pin* pin = component->pins; pin != nullptr; pin = pin->next)
+        s_checkPackage(component->name, L, C);
+    for (const Pin* pin = component->pins; pin != nullptr; pin = pin->next) {
+        const PlaceScope at(SUBJECT_PIN, pin);
         if (s_isPositive(&pin->L) && s_isPositive(&pin->C) &&
             s_checkImpedance(pin->name, pin->L.value, pin->C.value))
             return;
+    }
 }
 
 static void s_checkSupplyNames(const Cmpnt* component)
 {
     for (const Pin* pin = component->pins; pin != nullptr; pin = pin->next) {
+        const PlaceScope at(SUBJECT_PIN, pin);
         const bool isNamedSupply =
             CMN_StrSameIC(pin->signal, "GND") || CMN_StrSameIC(pin->signal, "POWER");
         if (isNamedSupply && (pin->kind == PIN_MODEL || pin->kind == PIN_NC))
@@ -75,6 +86,7 @@ static void s_checkSignalModels(const Cmpnt* component)
     SecScopedIndex first;
     SecSet told;
     for (Pin* pin = component->pins; pin != nullptr; pin = pin->next) {
+        const PlaceScope at(SUBJECT_PIN, pin);
         void** value = nullptr;
         if (pin->kind == PIN_NC || pin->kind == PIN_NA) continue;
         if (!IDX_SlotName(&first, pin->signal, &value)) break;
@@ -106,6 +118,7 @@ static void s_checkPinValues(const Cmpnt* component)
             if (!s_isPositive(cell)) continue;
             if (cell->value <= s_maxFactor * range->typ && range->typ <= s_maxFactor * cell->value)
                 continue;
+            const PlaceScope at(SUBJECT_PIN, pin);
             ERRLOG_WarnNew(720, component->name, pin->name, column.name, cell->value, range->typ);
             break;
         }
@@ -117,6 +130,7 @@ int chk_CheckAllComponents(Cmpnt* components)
     CMPNT_Close();
     NML_CheckUnique(components, offsetof(Cmpnt, name), offsetof(Cmpnt, next), "Component");
     for (const Cmpnt* component : SecFileOrder<const Cmpnt>(components)) {
+        const PlaceScope at(SUBJECT_COMPONENT, component);
         s_checkSignals(component);
         s_checkImpedances(component);
         s_checkSupplyNames(component);

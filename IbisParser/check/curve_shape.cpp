@@ -3,6 +3,7 @@
 #include <cmath>
 
 #include "IbisParser/base/corner.h"
+#include "IbisParser/base/place.h"
 #include "IbisParser/check/curve.h"
 #include "IbisParser/cmn.h"
 #include "IbisParser/errlog.h"
@@ -93,6 +94,7 @@ static void s_keep(Worst* worst, const CurveRun* run, double limit, int corner)
 
 static void s_reportInside(const Mdl* model, int state, const Worst* worst)
 {
+    const PlaceScope at(worst->corner);
     const char* corner = CORNER_Short(worst->corner);
     if (state == CURVE_HIGH)
         ERRLOG_WarnNew(4702, model->name, corner, worst->run.from);
@@ -127,10 +129,12 @@ void CURVE_CheckShape(const Mdl* model, const CurveSet* set, CurveFalls* falls, 
         falls->falls[state] = inside.found;
         falls->beyond[state] = !inside.found && beyond.found;
         if (!report) continue;
-        if (inside.found)
+        if (inside.found) {
             s_reportInside(model, state, &inside);
-        else if (beyond.found)
+        } else if (beyond.found) {
+            const PlaceScope at(beyond.corner);
             ERRLOG_CautionNew(4723, model->name, CORNER_Short(beyond.corner), names[state],
                               beyond.run.loss, beyond.run.from, beyond.run.to);
+        }
     }
 }

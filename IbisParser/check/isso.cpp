@@ -2,6 +2,7 @@
 #include <cmath>
 
 #include "IbisParser/base/corner.h"
+#include "IbisParser/base/place.h"
 #include "IbisParser/cmn.h"
 #include "IbisParser/curve.h"
 #include "IbisParser/errlog.h"
@@ -44,6 +45,7 @@ static void s_testTables(const Mdl* model, const IssoRow* isso)
         if (!MDL_RefVoltage(model, MDL_REF_PULLUP, corner, &high) ||
             !MDL_RefVoltage(model, MDL_REF_PULLDOWN, corner, &low) || high <= low)
             continue;
+        const PlaceScope at(corner);
         if (corner == CORNER_TYP) s_testSpan(model, isso, high - low);
         s_testDrive(model, isso, corner, high - low);
     }
@@ -53,6 +55,7 @@ static void s_testTables(const Mdl* model, const IssoRow* isso)
 static void s_testComposite(const Mdl* model, const Wvfrm* list, int count[2])
 {
     for (const Wvfrm* waveform = list; waveform != nullptr; waveform = waveform->next) {
+        const PlaceScope at(waveform);
         ++count[waveform->composite != nullptr];
         if (waveform->composite == nullptr || waveform->head == nullptr) continue;
         const double first = waveform->head->x;
@@ -69,6 +72,7 @@ int ISSO_Test(const Mdl* model)
 {
     CMN_ASSERT(model != nullptr);
     for (const IssoRow& isso : issoRows) {
+        const PlaceScope at(model->*isso.table);
         if (model->*isso.table != nullptr) s_testTables(model, &isso);
     }
     int count[2] = {0, 0};

@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <initializer_list>
 
+#include "IbisParser/base/place.h"
 #include "IbisParser/check/curve.h"
 #include "IbisParser/check/model.h"
 #include "IbisParser/check/table.h"
@@ -114,7 +115,9 @@ int chk_CheckAllModels(const Mdl* models)
 {
     NML_CheckUnique(models, offsetof(Mdl, name), offsetof(Mdl, next), "Model");
     const CurveSubMdls submodels(CURVE_StoredSubMdls());
-    for (const Mdl* model : SecFileOrder<const Mdl>(models))
+    for (const Mdl* model : SecFileOrder<const Mdl>(models)) {
+        const PlaceScope at(SUBJECT_MODEL, model);
         s_checkModel(model, &submodels);
+    }
     return 1;
 }

@@ -2,6 +2,7 @@
 #include <cmath>
 
 #include "IbisParser/base/corner.h"
+#include "IbisParser/base/place.h"
 #include "IbisParser/check/model.h"
 #include "IbisParser/errlog.h"
 #include "IbisParser/read/model/table.h"
@@ -34,11 +35,13 @@ static bool s_isExternal(const Mdl* model)
 static void s_checkZero(const Mdl* model, const Vitbl* table)
 {
     if (table == nullptr) return;
+    const PlaceScope at(table);
     for (const RngpLine* line = table->head; line != nullptr; line = line->next) {
         for (int corner = 0; corner < CORNER_COUNT; ++corner) {
             double current = 0.0;
             if (VITBL_Cell(line, corner, &current) == CELL_NUMBER &&
                 std::fabs(current) > NO_CURRENT) {
+                const PlaceScope in(corner);
                 ERRLOG_ErrorNew(704, model->name, s_typeName(model), table->name);
                 return;
             }
@@ -73,6 +76,7 @@ static void s_checkClamps(const Mdl* model, const MdlTypeInfo* info)
 void CHK_Ramp(const Ramp* ramp, const char* owner)
 {
     if (ramp == nullptr) return;
+    const PlaceScope at(ramp);
     if (ramp->rise[CORNER_TYP].state == CELL_ABSENT) ERRLOG_ErrorNew(708, owner, "dV/dt_r");
     if (ramp->fall[CORNER_TYP].state == CELL_ABSENT) ERRLOG_ErrorNew(708, owner, "dV/dt_f");
 }
@@ -89,6 +93,8 @@ static void s_checkUnusualSlope(const Mdl* model, const RampSlope* slopes, const
     for (int corner = 0; corner < CORNER_COUNT; ++corner) {
         double slope = 0.0;
         if (s_slope(&slopes[corner], &slope) && (slope < SLOWEST_SLOPE || slope > FASTEST_SLOPE)) {
+            const PlaceScope at(&slopes[CORNER_TYP].dt);
+            const PlaceScope in(corner);
             ERRLOG_WarnNew(710, model->name, name, slope);
             return;
         }
@@ -103,6 +109,7 @@ static bool s_checkSteeper(const Mdl* model, const RampSlope* slopes, const char
     if (!s_slope(&slopes[CORNER_MIN], &least) || !s_slope(&slopes[CORNER_MAX], &most) ||
         least <= STEEPER * most)
         return false;
+    const PlaceScope at(&slopes[CORNER_TYP].dt);
     ERRLOG_CautionNew(709, model->name, name, least, most);
     return true;
 }
@@ -149,13 +156,18 @@ static void s_checkCorners(const Mdl* model, const bool* hasCorner, bool data)
                     {model->powerClampRef, KEY_POWER_CLAMP_REFERENCE},
                     {model->gndClampRef, KEY_GND_CLAMP_REFERENCE}};
     for (int corner = CORNER_MIN; corner <= CORNER_MAX; ++corner) {
+        const PlaceScope in(corner);
         int given = 0;
-        int numeric = 0;  // code of the first supply with a number
+        int numeric = 0;                  // code of the first supply with a number
+        const RngRange* first = nullptr;  // that supply
         for (const auto& supply : supplies) {
             if (supply.range == nullptr) continue;
             ++given;
-            if (numeric == 0 && s_state(supply.range, corner) == CELL_NUMBER) numeric = supply.code;
+            if (numeric != 0 || s_state(supply.range, corner) != CELL_NUMBER) continue;
+            numeric = supply.code;
+            first = supply.range;
         }
+        const PlaceScope at(first);
         if (numeric != 0 && data && !hasCorner[corner])
             ERRLOG_NoteNew(714, model->name, SEC_KeywordName(numeric), CORNER_Name(corner));
         if (numeric == 0 && given > 0 && hasCorner[corner])
@@ -179,6 +191,7 @@ static void s_checkElement(const Mdl* model, const RngRange* range, const char* 
                            double most)
 {
     if (range == nullptr || range->typState != CELL_NUMBER) return;
+    const PlaceScope at(range);
     if (range->typ < least || range->typ > most) ERRLOG_WarnNew(727, model->name, name, range->typ);
 }
 
@@ -204,8 +217,10 @@ static void s_checkElements(const Mdl* model)
     const SerEl* off = model->series[SEREL_OFF];
     if (on != nullptr && off != nullptr && on->R != nullptr && off->R != nullptr &&
         on->R->typState == CELL_NUMBER && off->R->typState == CELL_NUMBER &&
-        off->R->typ < on->R->typ)
+        off->R->typ < on->R->typ) {
+        const PlaceScope at(off->R);
         ERRLOG_WarnNew(728, model->name);
+    }
 }
 
 void CHK_Model(const Mdl* model, const bool* hasCorner)

@@ -2,6 +2,7 @@
 #include <cmath>
 #include <initializer_list>
 
+#include "IbisParser/base/place.h"
 #include "IbisParser/drvsh.h"
 #include "IbisParser/errlog.h"
 #include "IbisParser/read/model/mdl.h"
@@ -80,10 +81,12 @@ int DRVSH_Test(const Mdl* models)
     const SecNameIndex<const Mdl> byName(models);
     for (const Mdl* model : SecFileOrder<const Mdl>(models)) {
         if (model->schedule == nullptr) continue;
+        const PlaceScope at(SUBJECT_MODEL, model);
         const MdlTypeInfo* info = MDL_TypeInfo(model->type);
         if (info != nullptr && !info->drives && !MDL_Refused(model, KEY_DRIVER_SCHEDULE))
             ERRLOG_ErrorNew(3012, model->name, info->name);
         for (const DrvSh* row = model->schedule; row != nullptr; row = row->next) {
+            const PlaceScope in(row);
             const Mdl* scheduled = byName.Find(row->model);
             if (scheduled == nullptr)
                 ERRLOG_ErrorNew(3005, model->name, row->model);

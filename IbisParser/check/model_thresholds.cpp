@@ -1,6 +1,7 @@
 // [Receiver Thresholds]: whether the sets are whole, and their values.
 #include <cmath>
 
+#include "IbisParser/base/place.h"
 #include "IbisParser/check/names.h"
 #include "IbisParser/errlog.h"
 #include "IbisParser/read/model/mdl.h"
@@ -40,6 +41,7 @@ void checkSpread(const Mdl* model)
     const RngSingle& vth = model->thresholds->item[TH_VTH];
     const RngSingle& low = model->thresholds->item[TH_VTH_MIN];
     const RngSingle& high = model->thresholds->item[TH_VTH_MAX];
+    const PlaceScope at(low.state != CELL_ABSENT ? &low.state : &high.state);
     if (MDL_IsNumber(vth) && MDL_IsNumber(low) && MDL_IsNumber(high) &&
         (vth.value < low.value || vth.value > high.value))
         ERRLOG_ErrorNew(2010, model->name, vth.value, low.value, high.value);
@@ -52,17 +54,21 @@ void checkLevels(const Mdl* model)
     const RngSingle* item = model->thresholds->item;
     for (int i = 0; i < TH_COUNT; ++i) {
         if (!MDL_IsNumber(item[i])) continue;
+        const PlaceScope at(&item[i].state);
         if (rcvthItems[i].sign == TH_POSITIVE && item[i].value <= 0.0)
             ERRLOG_ErrorNew(2012, model->name, rcvthItems[i].name);
         if (rcvthItems[i].sign == TH_NEGATIVE && item[i].value >= 0.0)
             ERRLOG_ErrorNew(2013, model->name, rcvthItems[i].name);
     }
-    for (const auto& pair : nested)
+    for (const auto& pair : nested) {
+        const PlaceScope at(&item[pair.ac].state);
         if (MDL_IsNumber(item[pair.ac]) && MDL_IsNumber(item[pair.dc]) &&
             std::fabs(item[pair.ac].value) < std::fabs(item[pair.dc].value))
             ERRLOG_ErrorNew(2014, model->name, rcvthItems[pair.ac].name, rcvthItems[pair.dc].name);
+    }
     const RngSingle& low = item[TH_VCROSS_LOW];
     const RngSingle& high = item[TH_VCROSS_HIGH];
+    const PlaceScope at(&low.state);
     if (MDL_IsNumber(low) && MDL_IsNumber(high) && low.value >= high.value)
         ERRLOG_ErrorNew(2015, model->name, low.value, high.value);
 }
@@ -71,6 +77,7 @@ void checkSensitivity(const Mdl* model)
 {
     const RngSingle& slope = model->thresholds->item[TH_THRESHOLD_SENSITIVITY];
     const int supply = model->thresholds->referenceSupply;
+    const PlaceScope at(&slope.state);
     if ((slope.state == CELL_ABSENT) != (supply == TH_SUPPLY_UNSET))
         ERRLOG_WarnNew(2016, model->name);
     for (const auto& row : rcvthSupplies)
@@ -96,6 +103,8 @@ void checkSupplies(const Mdl* model)
     if (!hasPower) power = pullup;
     const double low = std::fmin(pulldown, ground);
     const double high = std::fmax(pullup, power);
+    const PlaceScope at(&vth.state);
+    const PlaceScope in(CORNER_TYP);
     if (vth.value < low || vth.value > high)
         ERRLOG_WarnNew(2019, model->name, vth.value, low, high);
 }
@@ -113,6 +122,7 @@ void checkReplaced(const Mdl* model)
         if (MDL_IsNumber(vth) && MDL_IsNumber(row.level) && MDL_IsNumber(row.offset) &&
             std::fabs(row.level.value - vth.value - row.offset.value) >
                 0.2 * std::fabs(vth.value)) {
+            const PlaceScope at(&row.level.state);
             ERRLOG_NoteNew(2021, model->name);
             return;
         }
@@ -144,7 +154,10 @@ int RCVTH_Check(const Mdl* models)
     IbisRoot* root = nullptr;
     IBIS_GetIBIS(&root);
     const MdlPairs pairs(root);
-    for (const Mdl* model : SecFileOrder<const Mdl>(models))
+    for (const Mdl* model : SecFileOrder<const Mdl>(models)) {
+        const PlaceScope at(SUBJECT_MODEL, model);
+        const PlaceScope in(model->thresholds);
         if (model->thresholds != nullptr) checkModel(model, pairs);
+    }
     return 1;
 }

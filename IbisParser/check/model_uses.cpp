@@ -1,6 +1,7 @@
 // Models against the document: who uses them, and the loads across pairs of pins.
 #include <cstddef>
 
+#include "IbisParser/base/place.h"
 #include "IbisParser/check/names.h"
 #include "IbisParser/cmpnt.h"
 #include "IbisParser/errlog.h"
@@ -82,8 +83,10 @@ void testUses(const IbisRoot* root, const Mdl* models)
     Uses uses;
     addUses(root, models, &uses);
     const SecFileOrder<const Mdl> order(models);
-    for (const Mdl* model : order)
+    for (const Mdl* model : order) {
+        const PlaceScope at(SUBJECT_MODEL, model);
         testCapacitance(model, uses.Of(model->name));
+    }
     unsigned used = 0;
     for (const Mdl* model : order)
         used += uses.Of(model->name) != 0;
@@ -92,6 +95,7 @@ void testUses(const IbisRoot* root, const Mdl* models)
         return;
     }
     for (const Mdl* model : order) {
+        const PlaceScope at(SUBJECT_MODEL, model);
         const int use = uses.Of(model->name);
         if (use == 0) ERRLOG_WarnNew(210, model->name);
         if (use == USE_SCHEDULE) ERRLOG_NoteNew(212, model->name);
@@ -121,8 +125,10 @@ int MDL_TestMdlReference(const Mdl* models)
     IbisRoot* root = nullptr;
     if (!IBIS_GetIBIS(&root)) return 0;
     const MdlPairs pairs(root);
-    for (const Mdl* model : SecFileOrder<const Mdl>(models))
+    for (const Mdl* model : SecFileOrder<const Mdl>(models)) {
+        const PlaceScope at(SUBJECT_MODEL, model);
         testDifferentialLoad(model, pairs);
+    }
     testUses(root, models);
     return 1;
 }

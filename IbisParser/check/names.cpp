@@ -4,11 +4,30 @@
 #include <cstring>
 
 #include "IbisParser/base/index.h"
+#include "IbisParser/base/place.h"
 #include "IbisParser/cmn.h"
 #include "IbisParser/errlog.h"
 #include "IbisParser/nml.h"
 
 static const char s_Module[] = "IbisParser/nml";
+
+// By the keywords that begin the records.
+static ErrSubject s_subjectOf(const char* kind)
+{
+    static const struct {
+        const char* kind;
+        ErrSubject subject;
+    } rows[] = {
+        {"Component", SUBJECT_COMPONENT},         {"Model", SUBJECT_MODEL},
+        {"Model Selector", SUBJECT_SELECTOR},     {"Submodel", SUBJECT_SUBMODEL},
+        {"Package Model", SUBJECT_PACKAGE_MODEL}, {"Board", SUBJECT_BOARD},
+        {"External Circuit", SUBJECT_CIRCUIT},    {"Test Data", SUBJECT_TEST_DATA},
+        {"Test Load", SUBJECT_TEST_LOAD},
+    };
+    for (const auto& row : rows)
+        if (std::strcmp(row.kind, kind) == 0) return row.subject;
+    return SUBJECT_NONE;
+}
 
 int NML_CheckUnique(const void* head, size_t nameOffset, size_t nextOffset, const char* kindText)
 {
@@ -34,6 +53,8 @@ int NML_CheckUnique(const void* head, size_t nameOffset, size_t nextOffset, cons
         void** value = nullptr;
         if (names[i][0] == '\0' || !IDX_SlotName(&known, names[i], &value)) continue;
         if (*value != nullptr) {
+            const PlaceScope at(s_subjectOf(kindText), names[i],
+                                PLACE_Of(static_cast<const void*>(names[i] - nameOffset)));
             ERRLOG_ErrorNew(3600, kindText, names[i]);
             unique = 0;
         }

@@ -1,7 +1,7 @@
 // Package models: whom components ask for, and what they hold against the components' pins.
 #include <cstddef>
 #include <cstring>
-
+#include "IbisParser/base/place.h"
 #include "IbisParser/check/companions.h"
 #include "IbisParser/check/component.h"
 #include "IbisParser/cmn.h"
@@ -14,12 +14,14 @@ static void s_comparePins(const Cmpnt* component, const PkgMdl* package)
 {
     for (const PkgPin* pin = package->pins; pin != nullptr; pin = pin->next)
         if (CMPNT_FindPin(component, pin->name) == nullptr) {
+            const PlaceScope at(SUBJECT_PIN, pin->name, {0, 0});
             ERRLOG_WarnNew(534, component->name, package->name, pin->name);
             break;
         }
     unsigned supplies = 0;
     for (const Pin* pin = component->pins; pin != nullptr; pin = pin->next) {
         if (pin->repeated || PKGMDL_HasPin(package, pin->name)) continue;
+        const PlaceScope at(SUBJECT_PIN, pin);
         if (pin->kind == PIN_MODEL)
             ERRLOG_WarnNew(535, component->name, pin->name, package->name);
         else if (pin->kind == PIN_POWER || pin->kind == PIN_GND || pin->kind == PIN_NC)
@@ -31,6 +33,7 @@ static void s_comparePins(const Cmpnt* component, const PkgMdl* package)
 bool PACKAGE_Test(const Cmpnt* component, PkgFinder* finder)
 {
     if (component->packageModel[0] == '\0') return true;
+    const PlaceScope at(component->packageModel);
     const PkgPlace place = PKGFINDER_Find(finder, component->packageModel);
     if (place.where == PKG_NO_FILE)
         ERRLOG_WarnNew(533, component->name, component->packageModel, place.fileName);
@@ -54,14 +57,17 @@ void APKG_Test(const Cmpnt* component, PkgFinder* finder)
 {
     const Apkg* first = component->alternates;
     if (first == nullptr) return;
+    const PlaceScope list(first);
     bool hasDefault = false;
     for (const Apkg* item = first; item != nullptr; item = item->next)
         hasDefault = hasDefault || std::strcmp(item->name, component->packageModel) == 0;
     if (!hasDefault && component->packageModel[0] != '\0')
         ERRLOG_NoteNew(609, component->name, component->packageModel);
-    for (const Apkg* item = first; item != nullptr; item = item->next)
+    for (const Apkg* item = first; item != nullptr; item = item->next) {
+        const PlaceScope at(item);
         if (PKGFINDER_Find(finder, item->name).where != PKG_FOUND)
             ERRLOG_WarnNew(610, component->name, item->name);
+    }
     if (first->next == nullptr) ERRLOG_NoteNew(611, component->name);
 }
 
@@ -77,7 +83,9 @@ int PKGMDL_TestList(PkgMdl* packages)
         for (const Apkg* row = component->alternates; row != nullptr; row = row->next)
             SEC_SetAdd(&used, row->name);
     }
-    for (const PkgMdl* package : SecFileOrder<PkgMdl>(packages))
+    for (const PkgMdl* package : SecFileOrder<PkgMdl>(packages)) {
+        const PlaceScope at(SUBJECT_PACKAGE_MODEL, package);
         if (!SEC_SetHas(&used, package->name)) ERRLOG_WarnNew(2331, package->name);
+    }
     return 1;
 }

@@ -2,7 +2,7 @@
 #include <cstddef>
 #include <cstring>
 #include <initializer_list>
-
+#include "IbisParser/base/place.h"
 #include "IbisParser/check/companions.h"
 #include "IbisParser/check/component.h"
 #include "IbisParser/cmn.h"
@@ -32,6 +32,8 @@ void EXT_FindWired(Ext* item)
 static void s_testFiles(const char* keyword, const Ext* item)
 {
     for (const ExtCornerRow* row = item->corners; row != nullptr; row = row->next) {
+        const PlaceScope at(row);
+        const PlaceScope in(row->corner);
         if (row->file != nullptr && !COMPANION_Exists(row->file))
             ERRLOG_WarnNew(3418, keyword, item->name, row->file);
     }
@@ -46,6 +48,7 @@ int EXT_TestList(Ext* externals, const Cmpnt* components)
         for (const Circuit* call = components->calls; call != nullptr; call = call->next)
             SEC_SetAdd(&called, call->name);
     for (const Ext* item : SecFileOrder<const Ext>(externals)) {
+        const PlaceScope at(SUBJECT_CIRCUIT, item);
         s_testFiles("External Circuit", item);
         // A circuit without a name was reported as that.
         if (item->name[0] != '\0' && !SEC_SetHas(&called, item->name))
@@ -58,6 +61,7 @@ int EXT_MdlTest(const Mdl* model)
 {
     CMN_ASSERT(model != nullptr);
     if (model->external == nullptr) return 1;
+    const PlaceScope at(model->external);
     s_testFiles("External Model", model->external);
     if (EXT_HasPort(model->external, "A_extref") && model->externalRef == nullptr)
         ERRLOG_NoteNew(3447, model->name);
@@ -74,6 +78,7 @@ struct CallUse {
 
 static void s_usePin(CallUse* use, const Pin* pin)
 {
+    const PlaceScope at(SUBJECT_PIN, pin);
     SEC_SetAdd(&use->used, pin->name);
     const bool isFree =
         pin->kind == PIN_CIRCUITCALL || pin->kind == PIN_POWER || pin->kind == PIN_GND;
@@ -85,6 +90,7 @@ static void s_testPorts(CallUse* use, const Circuit* call, const Ext* circuit)
 {
     SecSet mapped;
     for (const CircuitPort* port = call->ports; port != nullptr; port = port->next) {
+        const PlaceScope at(port);
         SEC_SetAdd(&mapped, port->port);
         if (circuit != nullptr && !EXT_HasPort(circuit, port->port))
             ERRLOG_ErrorNew(3714, use->component->name, call->name, port->port);
@@ -104,6 +110,7 @@ static void s_testPorts(CallUse* use, const Circuit* call, const Ext* circuit)
 
 static void s_testCall(CallUse* use, const Circuit* call, const Ext* circuit)
 {
+    const PlaceScope at(call);
     if (circuit == nullptr && call->name[0] != '\0')
         ERRLOG_ErrorNew(3713, use->component->name, call->name);
     const char* pins[] = {call->signalPin, call->diffPins[0], call->diffPins[1],
@@ -122,9 +129,13 @@ void CIRCUIT_Test(const Cmpnt* component, const SecNameIndex<const Ext>& externa
         SEC_SetAdd(&use.nodes, node->name);
     for (const Circuit* call = component->calls; call != nullptr; call = call->next)
         s_testCall(&use, call, externals.Find(call->name));
-    for (const Node* node = component->nodes; node != nullptr; node = node->next)
+    for (const Node* node = component->nodes; node != nullptr; node = node->next) {
+        const PlaceScope at(SUBJECT_NODE, node);
         if (!SEC_SetHas(&use.used, node->name)) ERRLOG_WarnNew(2908, component->name, node->name);
-    for (const Pin* pin = component->pins; pin != nullptr; pin = pin->next)
+    }
+    for (const Pin* pin = component->pins; pin != nullptr; pin = pin->next) {
+        const PlaceScope at(SUBJECT_PIN, pin);
         if (pin->kind == PIN_CIRCUITCALL && !pin->repeated && !SEC_SetHas(&use.used, pin->name))
             ERRLOG_ErrorNew(537, component->name, pin->name);
+    }
 }

@@ -1,6 +1,7 @@
 // Model selectors: what their rows name, and who uses them.
 #include <cstddef>
 
+#include "IbisParser/base/place.h"
 #include "IbisParser/check/names.h"
 #include "IbisParser/cmpnt.h"
 #include "IbisParser/errlog.h"
@@ -19,6 +20,7 @@ static void s_testRows(const Msel* selector, const CmpntNames& names)
     const MdlTypeInfo* first = nullptr;
     bool isMixed = false;
     for (const MselRow* row = selector->rows; row != nullptr; row = row->next) {
+        const PlaceScope at(row);
         const Mdl* model = names.Model(row->model);
         if (model == nullptr && names.Selector(row->model) != nullptr)
             ERRLOG_ErrorNew(1115, selector->name, row->model);
@@ -58,6 +60,7 @@ int MSEL_TestList(Msel* selectors)
     SecSet used;
     s_collectUses(root->cmpnts, &used);
     for (const Msel* selector : SecFileOrder<const Msel>(selectors)) {
+        const PlaceScope at(SUBJECT_SELECTOR, selector);
         if (names.Model(selector->name) != nullptr) ERRLOG_ErrorNew(1112, selector->name);
         s_testRows(selector, names);
         // A selector without a name was reported as that.

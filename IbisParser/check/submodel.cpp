@@ -2,6 +2,7 @@
 #include <cstddef>
 #include <initializer_list>
 
+#include "IbisParser/base/place.h"
 #include "IbisParser/check/curve.h"
 #include "IbisParser/check/model.h"
 #include "IbisParser/check/table.h"
@@ -84,6 +85,7 @@ static void s_checkTriggers(const SubMdl* submodel, const Mdl* model)
     // Another submodel of this name may be the one whose triggers are outside.
     if (!rising && !s_isOutside(submodel->V_trigger_f, model)) return;
     const RngRange* trigger = rising ? submodel->V_trigger_r : submodel->V_trigger_f;
+    const PlaceScope at(trigger);
     ERRLOG_NoteNew(724, submodel->name, rising ? "V_trigger_r" : "V_trigger_f", trigger->typ,
                    model->name, rails.pulldown, rails.pullup);
 }
@@ -92,6 +94,7 @@ static void s_checkTriggers(const SubMdl* submodel, const Mdl* model)
 static void s_checkPulse(const SubMdl* submodel, const Wvfrm* pulse)
 {
     if (pulse == nullptr) return;
+    const PlaceScope at(pulse);
     int numbers = 0;
     double first = 0.0;
     for (const RngpLine* line = pulse->head; line != nullptr; line = line->next) {
@@ -175,7 +178,9 @@ int chk_CheckAllSubModels(const SubMdl* submodels)
     const CurveSubMdls byName(CURVE_StoredSubMdls());
     Users users;
     s_findUsers(models, &byName, &users);
-    for (const SubMdl* submodel : SecFileOrder<const SubMdl>(submodels))
+    for (const SubMdl* submodel : SecFileOrder<const SubMdl>(submodels)) {
+        const PlaceScope at(SUBJECT_SUBMODEL, submodel);
         s_checkSubMdl(submodel, &users, &byName);
+    }
     return 1;
 }

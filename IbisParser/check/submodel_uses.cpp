@@ -1,6 +1,7 @@
 // Submodels and the models that add them.
 #include <cstddef>
 
+#include "IbisParser/base/place.h"
 #include "IbisParser/errlog.h"
 #include "IbisParser/mdl.h"
 #include "IbisParser/nml.h"
@@ -27,6 +28,7 @@ int impossibleMode(const MdlTypeInfo* info)
 
 void testAdded(const Mdl* model, const AddSub* row, const SubMdl* submodel)
 {
+    const PlaceScope at(row);
     const MdlTypeInfo* info = MDL_TypeInfo(model->type);
     const char* mode = ADDSUB_ModeName(row->mode);
     if (info != nullptr &&
@@ -65,15 +67,20 @@ int MDL_TestSubMdlReferences(const Mdl* models, const SubMdl* submodels)
     SUBMDL_Close();
     const SecNameIndex<const SubMdl> byName(submodels);
     SecSet added;
-    for (const Mdl* model : SecFileOrder<const Mdl>(models))
+    for (const Mdl* model : SecFileOrder<const Mdl>(models)) {
+        const PlaceScope at(SUBJECT_MODEL, model);
         for (const AddSub* row : SecFileOrder<const AddSub>(model->addSubs)) {
+            const PlaceScope in(row);
             SEC_SetAdd(&added, row->submodel);
             if (byName.Find(row->submodel) == nullptr)
                 ERRLOG_ErrorNew(200, model->name, row->submodel);
         }
+    }
     NML_CheckUnique(submodels, offsetof(SubMdl, name), offsetof(SubMdl, next), "Submodel");
-    for (const SubMdl* submodel : SecFileOrder<const SubMdl>(submodels))
+    for (const SubMdl* submodel : SecFileOrder<const SubMdl>(submodels)) {
+        const PlaceScope at(SUBJECT_SUBMODEL, submodel);
         if (!SEC_SetHas(&added, submodel->name)) ERRLOG_WarnNew(201, submodel->name);
+    }
     return 1;
 }
 
@@ -81,6 +88,7 @@ int MDL_TestSubMdls(const Mdl* models, const SubMdl* submodels)
 {
     const SecNameIndex<const SubMdl> byName(submodels);
     for (const Mdl* model : SecFileOrder<const Mdl>(models)) {
+        const PlaceScope at(SUBJECT_MODEL, model);
         if (model->addSubs == nullptr) continue;
         if (submodels == nullptr) ERRLOG_ErrorNew(205, model->name);
         for (const AddSub* row : SecFileOrder<const AddSub>(model->addSubs))

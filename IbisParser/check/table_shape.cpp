@@ -3,6 +3,7 @@
 #include <cmath>
 
 #include "IbisParser/base/corner.h"
+#include "IbisParser/base/place.h"
 #include "IbisParser/check/curve.h"
 #include "IbisParser/check/table.h"
 #include "IbisParser/cmn.h"
@@ -56,6 +57,7 @@ static void s_checkMonotonic(const Vitbl* table, const VitblContext* context)
         }
     }
     if (worstCorner == CORNER_COUNT) return;
+    const PlaceScope at(worstCorner);
     if (context->shape == VITBL_OWN_SHAPE) {
         ERRLOG_WarnNew(3211, table->name, table->owner, CORNER_Name(worstCorner), worst.from);
     } else if (!*context->soundSaid) {
@@ -80,14 +82,17 @@ static void s_checkSize(const Vitbl* table)
             }
         }
     }
-    if (std::fabs(largest) > LARGE_CURRENT)
+    if (std::fabs(largest) > LARGE_CURRENT) {
+        const PlaceScope at(corner);
         ERRLOG_WarnNew(3212, table->name, table->owner, CORNER_Name(corner), largest);
+    }
     if (std::fabs(farthest) > LARGE_VOLTAGE)
         ERRLOG_WarnNew(3213, table->name, table->owner, farthest);
 }
 
 static void s_checkZero(const Vitbl* table, const VitblContext* context)
 {
+    const PlaceScope at(CORNER_TYP);
     int numbers = 0;
     double current = 0.0;
     for (const RngpLine* line = table->head; line != nullptr; line = line->next) {
@@ -144,8 +149,9 @@ static void s_checkSteps(const Vitbl* table, const VitblContext* context)
         s_largestStep(points, end, &worst);
         if (worst.i > before) worstCorner = corner;
     }
-    if (worstCorner != CORNER_COUNT)
-        ERRLOG_WarnNew(3215, table->name, table->owner, CORNER_Name(worstCorner), worst.i, worst.v);
+    if (worstCorner == CORNER_COUNT) return;
+    const PlaceScope at(worstCorner);
+    ERRLOG_WarnNew(3215, table->name, table->owner, CORNER_Name(worstCorner), worst.i, worst.v);
 }
 
 // Both columns hold the same numbers, and not only zeros.
@@ -164,6 +170,7 @@ static bool s_sameCorners(const Vitbl* table)
 static void s_checkCorners(const Vitbl* table, const VitblContext* context)
 {
     for (int corner = CORNER_MIN; corner <= CORNER_MAX; ++corner) {
+        const PlaceScope at(corner);
         if (table->head != nullptr && context->hasCorner[corner] &&
             VITBL_CountNumbers(table, corner) == 0)
             ERRLOG_NoteNew(3217, table->name, table->owner, CORNER_Name(corner));
@@ -190,6 +197,7 @@ void VITBL_Check(const Vitbl* table, const VitblContext* context)
 {
     CMN_ASSERT(context != nullptr);
     if (table == nullptr) return;
+    const PlaceScope at(table);
     if (context->shape != VITBL_ANY_SHAPE) s_checkMonotonic(table, context);
     s_checkSize(table);
     s_checkZero(table, context);
@@ -237,6 +245,8 @@ void VITBL_CheckMosfets(const Vitbl* list, const VitblContext* context)
     });
     for (int k = 1; k < count; ++k) {
         if (s_carriesLess(byVds[k - 1], byVds[k], context)) {
+            const PlaceScope at(byVds[k]);
+            const PlaceScope typ(CORNER_TYP);
             ERRLOG_WarnNew(3211, byVds[k]->name, byVds[k]->owner, CORNER_Name(CORNER_TYP),
                            byVds[k]->vds.value);
             return;

@@ -4,6 +4,7 @@
 #include <initializer_list>
 
 #include "IbisParser/acdc.h"
+#include "IbisParser/base/place.h"
 #include "IbisParser/check/curve.h"
 #include "IbisParser/cmn.h"
 #include "IbisParser/errlog.h"
@@ -63,6 +64,7 @@ public:
     double At(double x) const { return m_Built ? CURVE_At(&curve, x, nullptr) : 0.0; }
     bool Covers(double x) const { return m_Built && x >= Low() && x <= High(); }
     const char* Name() const { return m_Table->name; }
+    const Vitbl* Table() const { return m_Table; }
 
     Curve curve = {nullptr, 0, 0.0, 0.0};
     double largest = 0.0;
@@ -76,6 +78,7 @@ static void s_checkSpan(const Mdl* model, const TypTable* table, const Coverage*
                         double supply)
 {
     if (!table->Carries() || !(supply > 0.0)) return;
+    const PlaceScope at(table->Table());
     const double low = table->Low();
     const double high = table->High();
     const double slack = SPAN_TOLERANCE * supply;
@@ -95,6 +98,7 @@ static void s_checkSpan(const Mdl* model, const TypTable* table, const Coverage*
 static void s_checkDrive(const Mdl* model, const TypTable* table, double supply, bool pulldown)
 {
     if (!table->Carries()) return;
+    const PlaceScope at(table->Table());
     const double atZero = table->At(0.0);
     const double most = CURVE_LargestCurrent(&table->curve, 0.0, supply, nullptr);
     if (table->Covers(0.0) && std::fabs(atZero) > std::max(ZERO_FLOOR, ZERO_SHARE * most)) {
@@ -112,6 +116,7 @@ static void s_checkDrive(const Mdl* model, const TypTable* table, double supply,
 static void s_checkFlat(const Mdl* model, const TypTable* table)
 {
     if (!table->Carries()) return;
+    const PlaceScope at(table->Table());
     for (int k = 1; k < table->curve.count; ++k)
         if (table->curve.points[k].i != table->curve.points[0].i) return;
     ERRLOG_WarnNew(4721, model->name, s_typ, table->Name());
@@ -128,16 +133,26 @@ static bool s_contains(const TypTable* drive, const TypTable* clamp)
            std::fabs(a - b) <= CONTAINED_SHARE * std::fabs(b);
 }
 
+static void s_checkContained(const Mdl* model, unsigned number, const TypTable* drive,
+                             const TypTable* clamp)
+{
+    if (!s_contains(drive, clamp)) return;
+    const PlaceScope at(drive->Table());
+    ERRLOG_WarnNew(number, model->name, s_typ);
+}
+
 static void s_checkClamps(const Mdl* model, const CurveRails* rails, const TypTable* gnd,
                           const TypTable* power, const Curve* receive)
 {
     if (gnd->Carries() && gnd->Low() < 0.0) {
+        const PlaceScope at(gnd->Table());
         const double current = gnd->At(gnd->Low());
         if (current > WRONG_SIGN &&
             CURVE_At(receive, rails->gndClamp + gnd->Low(), nullptr) > WRONG_SIGN)
             ERRLOG_WarnNew(4711, model->name, s_typ, current);
     }
     if (power->Carries() && power->Low() < 0.0) {
+        const PlaceScope at(power->Table());
         const double current = power->At(power->Low());
         if (current < -WRONG_SIGN &&
             CURVE_At(receive, rails->powerClamp - power->Low(), nullptr) < -WRONG_SIGN)
@@ -230,6 +245,7 @@ static void s_checkCorners(const Mdl* model, const CurveSet* set, int state, con
         if (each->result != CURVE_BUILT || !CURVE_Rails(model, corner, &rails)) return;
         current[corner] = CURVE_At(&each->held, (rails.pullup + rails.pulldown) / 2.0, nullptr);
     }
+    const PlaceScope at(table);
     if (std::fabs(current[CORNER_MIN]) > STRONGER * std::fabs(current[CORNER_MAX]))
         ERRLOG_CautionNew(4720, model->name, state == CURVE_LOW ? "low" : "high",
                           current[CORNER_MAX], current[CORNER_MIN]);
@@ -240,6 +256,7 @@ static void s_checkSeries(const Mdl* model)
     double supply = 0.0;
     if (model->voltageRange == nullptr || model->voltageRange->typState != CELL_NUMBER) return;
     supply = model->voltageRange->typ;
+    const PlaceScope at(CORNER_TYP);
     for (const SerEl* elements : model->series) {
         if (elements == nullptr) continue;
         const TypTable current(elements->current);
@@ -266,11 +283,9 @@ static void s_checkSpans(const Mdl* model, const CurveRails* rails, const TypTab
     s_checkSpan(model, power, &s_powerClamp, clamp);
 }
 
-void CURVE_CheckTables(const Mdl* model, const CurveSet* set)
+static void s_checkTypical(const Mdl* model, const CurveSet* set, const CurveRails& rails)
 {
-    s_checkSeries(model);
-    CurveRails rails;
-    if (!CURVE_Rails(model, CORNER_TYP, &rails)) return;
+    const PlaceScope at(CORNER_TYP);
     const TypTable pulldown(model->pulldown);
     const TypTable pullup(model->pullup);
     const TypTable gnd(model->gndClamp);
@@ -284,11 +299,19 @@ void CURVE_CheckTables(const Mdl* model, const CurveSet* set)
     }
     s_checkClamps(model, &rails, &gnd, &power, &set->cases[CURVE_OFF][CORNER_TYP].held);
     s_checkTermination(model, &rails);
-    if (s_contains(&pulldown, &gnd)) ERRLOG_WarnNew(4716, model->name, s_typ);
-    if (s_contains(&pullup, &power)) ERRLOG_WarnNew(4717, model->name, s_typ);
+    s_checkContained(model, 4716, &pulldown, &gnd);
+    s_checkContained(model, 4717, &pullup, &power);
     s_checkSize(model, set, &rails);
+    if (s_isDriver(model)) s_checkLift(model, set, &rails);
+}
+
+void CURVE_CheckTables(const Mdl* model, const CurveSet* set)
+{
+    s_checkSeries(model);
+    CurveRails rails;
+    if (!CURVE_Rails(model, CORNER_TYP, &rails)) return;
+    s_checkTypical(model, set, rails);
     if (!s_isDriver(model)) return;
-    s_checkLift(model, set, &rails);
     s_checkCorners(model, set, CURVE_LOW, model->pulldown);
     s_checkCorners(model, set, CURVE_HIGH, model->pullup);
 }

@@ -1,6 +1,7 @@
 // [Test Data] and [Test Load] against the document: their models, and each other.
 #include <cstddef>
 
+#include "IbisParser/base/place.h"
 #include "IbisParser/errlog.h"
 #include "IbisParser/mdl.h"
 #include "IbisParser/nml.h"
@@ -63,6 +64,7 @@ int TESTDATA_TestList(TestData* list)
     const SecNameIndex<Mdl> models(root->mdls);
     const SecNameIndex<TestLoad> loads(root->testLoads);
     for (const TestData* data : SecFileOrder<TestData>(list)) {
+        const PlaceScope at(SUBJECT_TEST_DATA, data);
         const Mdl* driver = s_testDriver(data, data->driver, models);
         const Mdl* inverse = s_testDriver(data, data->driverInv, models);
         if (driver != nullptr && inverse != nullptr && driver->type != inverse->type)
@@ -102,6 +104,7 @@ int TESTLOAD_TestList(TestLoad* list)
     for (const TestData* data = root->testData; data != nullptr; data = data->next)
         SEC_SetAdd(&used, data->load);
     for (const TestLoad* load : SecFileOrder<TestLoad>(list)) {
+        const PlaceScope at(SUBJECT_TEST_LOAD, load);
         const Mdl* receiver = s_testReceiver(load, load->receiver, models);
         const Mdl* inverse = s_testReceiver(load, load->receiverInv, models);
         if (!SEC_SetHas(&used, load->name)) ERRLOG_WarnNew(4020, load->name);

@@ -4,6 +4,7 @@
 #include <initializer_list>
 
 #include "IbisParser/base/corner.h"
+#include "IbisParser/base/place.h"
 #include "IbisParser/check/curve.h"
 #include "IbisParser/check/waveforms.h"
 #include "IbisParser/cmn.h"
@@ -130,6 +131,7 @@ static void s_checkDirection(const Wvfrm* waveform, const Mdl* model, const Edge
     bool hidden = false;
     for (int corner = 0; corner < CORNER_COUNT; ++corner) {
         const Edge* edge = &edges[corner];
+        const PlaceScope at(corner);
         const char* column = CORNER_Name(corner);
         if (edge->numbers < 2) continue;
         if (std::fabs(edge->last - edge->first) < NO_SWING) {
@@ -155,7 +157,9 @@ static void s_checkSettled(const Wvfrm* waveform, const Edge* edges)
             return s_unsettled(waveform, each, edge) / swing;
         },
         &worst);
-    if (corner != CORNER_COUNT && worst >= SETTLED_SHARE)
+    if (corner == CORNER_COUNT) return;
+    const PlaceScope at(corner);
+    if (worst >= SETTLED_SHARE)
         ERRLOG_WarnNew(1826, SEC_KeywordName(waveform->kind), waveform->owner, CORNER_Name(corner),
                        "end");
 }
@@ -171,7 +175,9 @@ static void s_checkOvershoot(const Wvfrm* waveform, const Edge* edges)
             return std::max(above, below) / swing;
         },
         &worst);
-    if (corner != CORNER_COUNT && worst > OVERSHOOT_SHARE)
+    if (corner == CORNER_COUNT) return;
+    const PlaceScope at(corner);
+    if (worst > OVERSHOOT_SHARE)
         ERRLOG_CautionNew(1832, SEC_KeywordName(waveform->kind), waveform->owner,
                           CORNER_Name(corner), 100.0 * worst);
 }
@@ -183,6 +189,7 @@ static void s_checkValues(const Wvfrm* waveform, const Edge* edges)
     for (int corner = 0; corner < CORNER_COUNT; ++corner) {
         const Edge* edge = &edges[corner];
         if (edge->numbers == 0) continue;
+        const PlaceScope at(corner);
         const double largest =
             std::fabs(edge->highest) >= std::fabs(edge->lowest) ? edge->highest : edge->lowest;
         if (std::fabs(largest) > LARGE_VOLTAGE)
@@ -212,6 +219,7 @@ static void s_checkTypical(const Wvfrm* waveform, const Edge* typ, Said* said)
     const char* keyword = SEC_KeywordName(waveform->kind);
     const double swing = typ->last - typ->first;
     if (typ->numbers < 2 || std::fabs(swing) < NO_SWING) return;
+    const PlaceScope at(CORNER_TYP);
     double start = typ->firstTime;
     double timeBefore = typ->firstTime;
     double shareBefore = 0.0;
@@ -252,6 +260,7 @@ static void s_checkSpeed(const Wvfrm* waveform, Said* said)
 static void s_checkPulse(const Wvfrm* waveform, const Edge* edges)
 {
     for (int corner = 0; corner < CORNER_COUNT; ++corner) {
+        const PlaceScope at(corner);
         if (edges[corner].numbers > 1 && !s_sameVoltage(edges[corner].first, edges[corner].last)) {
             ERRLOG_WarnNew(1834, SEC_KeywordName(waveform->kind), waveform->owner);
             return;
@@ -268,6 +277,7 @@ static void s_edges(const Wvfrm* waveform, Edge* edges)
 void WVFRM_Check(const Wvfrm* waveform)
 {
     if (waveform == nullptr) return;
+    const PlaceScope at(waveform);
     Edge edges[CORNER_COUNT];
     s_edges(waveform, edges);
     s_checkValues(waveform, edges);
@@ -282,6 +292,7 @@ void WVFRM_Check(const Wvfrm* waveform)
 // A waveform into a fixture. hasCorner tells what tables and waveforms of its owner have.
 static void s_checkEdge(const Wvfrm* waveform, const Mdl* model, const bool* hasCorner, Said* said)
 {
+    const PlaceScope at(waveform);
     Edge edges[CORNER_COUNT];
     s_edges(waveform, edges);
     s_checkValues(waveform, edges);
@@ -291,6 +302,7 @@ static void s_checkEdge(const Wvfrm* waveform, const Mdl* model, const bool* has
     s_checkTypical(waveform, &edges[CORNER_TYP], said);
     for (int corner = CORNER_MIN; corner <= CORNER_MAX && waveform->head != nullptr; ++corner) {
         if (edges[corner].numbers > 0 || !hasCorner[corner] || said->corner[corner]) continue;
+        const PlaceScope missing(corner);
         ERRLOG_NoteNew(1830, SEC_KeywordName(waveform->kind), waveform->owner, CORNER_Name(corner));
         said->corner[corner] = true;
     }
@@ -338,12 +350,16 @@ static void s_checkFixtures(const Mdl* model)
 {
     double r = 0.0;
     double v = 0.0;
-    for (const Wvfrm* waveform = model->rising; waveform != nullptr; waveform = waveform->next)
+    for (const Wvfrm* waveform = model->rising; waveform != nullptr; waveform = waveform->next) {
+        const PlaceScope at(waveform);
         if (s_typFixture(waveform, &r, &v) && !s_hasFixture(model->falling, r, v))
             ERRLOG_NoteNew(1837, model->name, r, v);
-    for (const Wvfrm* waveform = model->falling; waveform != nullptr; waveform = waveform->next)
+    }
+    for (const Wvfrm* waveform = model->falling; waveform != nullptr; waveform = waveform->next) {
+        const PlaceScope at(waveform);
         if (s_typFixture(waveform, &r, &v) && !s_hasFixture(model->rising, r, v))
             ERRLOG_NoteNew(1838, model->name, r, v);
+    }
     if (!CURVE_IsPushPull(model)) return;
     int fixtures = 0;
     double only = 0.0;
@@ -380,6 +396,7 @@ static void s_checkCopies(const Wvfrm* list)
             if (!s_typFixture(earlier, &itsR, &itsV) || (itsR == r && itsV == v) ||
                 !s_sameVoltages(earlier, waveform))
                 continue;
+            const PlaceScope at(waveform);
             ERRLOG_WarnNew(1841, SEC_KeywordName(waveform->kind), waveform->owner);
             break;
         }

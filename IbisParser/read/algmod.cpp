@@ -5,6 +5,7 @@
 #include <cstring>
 
 #include "IbisParser/base/index.h"
+#include "IbisParser/base/place.h"
 #include "IbisParser/cmn.h"
 #include "IbisParser/errlog.h"
 #include "IbisParser/parse.h"
@@ -65,6 +66,7 @@ static int s_addExec(char** argv, AlgModExec** head)
         ERRLOG_BugNew(4602, s_Module, __LINE__);
     } else {
         AlgModExec* exec = static_cast<AlgModExec*>(block);
+        PLACE_Remember(exec);
         exec->bits = -1;
         s_setName(exec->platform, platform, 4611);
         s_setName(exec->compiler, compiler, 4612);
@@ -149,6 +151,7 @@ int ALGMOD_New(char* line, AlgMod** slot)
         return 0;
     }
     *slot = static_cast<AlgMod*>(block);
+    PLACE_Remember(block);
     s_keywordLine = static_cast<int>(PARSE_GetLineNum());
     if (!CMN_EatKeyword(&line)) {
         ERRLOG_BugNew(4603, s_Module, __LINE__);

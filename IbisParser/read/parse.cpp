@@ -5,6 +5,7 @@
 #include <cstring>
 
 #include "IbisParser/base/keyword.h"
+#include "IbisParser/base/place.h"
 #include "IbisParser/base/position.h"
 #include "IbisParser/base/textbuf.h"
 #include "IbisParser/base/token.h"
@@ -93,6 +94,7 @@ static bool s_inHeaderText()
 
 static void s_readLine(char* line)
 {
+    const PlaceLine here(line);
     s_testLine(line);
     char* text = TOKEN_SkipBlanks(line);
     if (*text == '\0' || *text == gpcComment) return;
@@ -150,6 +152,7 @@ static bool s_beginsDescription(char* line)
 // Appends a line of a parameter file to gsBuffer: 1 done, 0 when memory ran out.
 static int s_appendParameterLine(char* line, TextSize* size)
 {
+    const PlaceLine here(line);
     s_testLine(line);
     s_cutComment(line);
     if (line[0] == '\0' || TEXTBUF_Append(&gsBuffer, size, line, std::strlen(line))) return 1;

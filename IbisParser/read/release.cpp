@@ -1,4 +1,5 @@
 // Releases a document with everything in it.
+#include "IbisParser/base/place.h"
 #include "IbisParser/cmn.h"
 #include "IbisParser/cmpnt.h"
 #include "IbisParser/ebdmdl.h"
@@ -40,4 +41,7 @@ void IBIS_Free(IbisRoot* root)
         step(root);
     void* block = root;
     CMN_freeSetNull(&block);
+    PLACE_Close();
+    IbisRoot* rest = nullptr;
+    if (!IBIS_GetIBIS(&rest)) PLACE_ForgetAll();
 }

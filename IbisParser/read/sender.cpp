@@ -4,6 +4,8 @@
 #include <algorithm>
 #include <cstring>
 
+#include "IbisParser/base/keyword.h"
+#include "IbisParser/base/place.h"
 #include "IbisParser/base/version.h"
 #include "IbisParser/errlog.h"
 #include "IbisParser/parse.h"
@@ -66,6 +68,8 @@ static KeywordCode s_getKeyword(const char* line)
 
 static KeywordCode s_lastKnown = NOT_KEY;  // the current keyword, or the one before unknown ones
 
+static PlaceSpot s_keywordSpot = {0, 0};  // the keyword whose lines are being read
+
 // The section that is told which keyword begins. Behind an unknown keyword that is none; but
 // [Manufacturer] then comes as a component's, and the package or board that waits for one must
 // learn of it.
@@ -116,7 +120,11 @@ static void s_beginKeyword(const char* line)
     const Section* section = SECTIONS_Find(code);
     geCurrentKeyword = code;
     if (code != NOT_KEY) s_lastKnown = code;
-    if (previous != nullptr && previous->fini != nullptr) previous->fini(code);
+    if (previous != nullptr && previous->fini != nullptr) {
+        const PlaceScope ended(s_keywordSpot);
+        previous->fini(code);
+    }
+    s_keywordSpot = PLACE_Here();
     // An unknown keyword may be one of a later version, in the middle of the submodel.
     if (code != NOT_KEY && KEYWORD_Section(code) != SECTION_SUBMODEL) gbInSubModel = 0;
     if (section != nullptr && section->opener == code) s_openSection(section, code);

@@ -155,6 +155,7 @@ static const SecLife<TestDataReading> s_life = {
     .reading = &s_reading,
     .frame = s_frame,
     .opener = KEY_TEST_DATA,
+    .subject = SUBJECT_TEST_DATA,
     .rows = s_keywords,
     .add = IBIS_AddTestData,
     .release = s_release,

@@ -182,6 +182,7 @@ static const SecLife<SecReading<TestLoad>> s_life = {
     .reading = &s_reading,
     .frame = s_frame,
     .opener = KEY_TEST_LOAD,
+    .subject = SUBJECT_TEST_LOAD,
     .rows = s_keywords,
     .add = IBIS_AddTestLoad,
     .release = s_release,

@@ -40,6 +40,7 @@
 #include <span>
 #include <type_traits>
 
+#include "IbisParser/base/place.h"
 #include "IbisParser/errlog.h"
 #include "IbisParser/parse.h"
 #include "IbisParser/store/section.h"
@@ -133,6 +134,7 @@ struct SecLife {
     Reading* reading;
     SecFrame frame;
     KeywordCode opener;
+    ErrSubject subject;  // what findings about the record are about
     std::span<const Row> rows;
     int (*add)(IbisRoot*, Record*);
     void (*release)(Record*);           // frees a record, finished or not
@@ -155,6 +157,7 @@ struct SecLife {
         *reading = {};
         reading->rows = rows;
         reading->open = record;
+        PLACE_Open(subject, record->name);
         return add(root, record);
     }
 
@@ -184,6 +187,7 @@ struct SecLife {
     {
         if (reading->open == nullptr) return;
         FinishKeyword();
+        const PlaceClosing closing(subject, reading->open);
         if (end != nullptr) end(reading->open);
         *reading = {};
     }

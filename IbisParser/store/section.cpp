@@ -6,6 +6,7 @@
 #include <algorithm>
 
 #include "IbisParser/base/keyword.h"
+#include "IbisParser/base/place.h"
 #include "IbisParser/errlog.h"
 
 static const char s_Module[] = "IbisParser/section_internal";
@@ -20,7 +21,10 @@ IbisRoot* SEC_Root(const SecFrame* frame, int line)
 void* SEC_NewRecord(const SecFrame* frame, std::size_t size)
 {
     void* record = nullptr;
-    if (!CMN_malloc(&record, size)) ERRLOG_BugNew(frame->noRecord);
+    if (CMN_malloc(&record, size))
+        PLACE_Remember(record);
+    else
+        ERRLOG_BugNew(frame->noRecord);
     return record;
 }
 
@@ -45,7 +49,10 @@ void SEC_UnknownKeyword(const SecFrame* frame, int line)
 void* SEC_NewPart(unsigned number, const char* module, int line, std::size_t size)
 {
     void* record = nullptr;
-    if (!CMN_malloc(&record, size)) ERRLOG_BugNew(number, module, line);
+    if (CMN_malloc(&record, size))
+        PLACE_Remember(record);
+    else
+        ERRLOG_BugNew(number, module, line);
     return record;
 }
 

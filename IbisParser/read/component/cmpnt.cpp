@@ -1,6 +1,7 @@
 // [Component]: its record, and the way of its lines to its parts.
 #include "IbisParser/cmpnt.h"
 
+#include "IbisParser/base/place.h"
 #include "IbisParser/errlog.h"
 #include "IbisParser/read/component/cmpnt.h"
 
@@ -82,6 +83,7 @@ static int s_manufacturer(Cmpnt* component, const char* text)
 
 static int s_packageModel(Cmpnt* component, const char* text)
 {
+    PLACE_Remember(component->packageModel);
     CMN_SetStr(component->packageModel, text, SIZE_NAME, "Package Model");
     return CMN_ReservedWordErr(text);
 }
@@ -261,6 +263,7 @@ static const SecLife<CmpntReading> s_life = {
     .reading = &s_reading,
     .frame = s_frame,
     .opener = KEY_COMPONENT,
+    .subject = SUBJECT_COMPONENT,
     .rows = s_keywords,
     .add = IBIS_AddCmpnt,
     .release = s_release,

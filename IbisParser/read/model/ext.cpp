@@ -2,6 +2,7 @@
 #include "IbisParser/ext.h"
 
 #include "IbisParser/base/corner.h"
+#include "IbisParser/base/place.h"
 #include "IbisParser/errlog.h"
 #include "IbisParser/read/component/cmpnt.h"
 #include "IbisParser/read/model/ext.h"
@@ -275,6 +276,7 @@ static void s_checkWhole(const ExtReading* reading)
         ERRLOG_LineErrorNew(3411, reading->Title(), item->name, "Corner Typ");
     if (item->ports == nullptr) ERRLOG_LineErrorNew(3411, reading->Title(), item->name, "Ports");
     for (const ExtConversion* row = item->conversions; row != nullptr; row = row->next) {
+        const PlaceScope at(row);
         const char* name = EXT_ConversionName(row);
         for (const char* port : {row->port1, row->port2})
             if (item->ports != nullptr && !EXT_HasPort(item, port))
@@ -298,14 +300,17 @@ static void s_checkCircuit(const Ext* item)
     SecSet converted = {};
     for (const ExtConversion* row = item->conversions; row != nullptr; row = row->next)
         SEC_SetAdd(&converted, row->digital);
-    for (const ExtName* port = item->ports; port != nullptr; port = port->next)
+    for (const ExtName* port = item->ports; port != nullptr; port = port->next) {
+        const PlaceScope at(port);
         if (std::strncmp(port->name, "D_", 2) == 0 && !SEC_SetHas(&converted, port->name))
             ERRLOG_LineErrorNew(3448, item->name, port->name);
+    }
 }
 
 static void s_endModel()
 {
     if (s_model.open != nullptr) {
+        const PlaceScope at(s_model.open);
         s_checkWhole(&s_model);
         EXT_CheckModel(s_model.model, s_model.open);
     }
@@ -360,6 +365,7 @@ static const SecLife<ExtReading> s_life = {
     .reading = &s_circuit,
     .frame = s_frame,
     .opener = KEY_EXTERNAL_CIRCUIT,
+    .subject = SUBJECT_CIRCUIT,
     .rows = s_keywords,
     .add = IBIS_AddExt,
     .release = s_release,
@@ -368,7 +374,10 @@ static const SecLife<ExtReading> s_life = {
 
 int EXT_CIR_Init()
 {
-    if (s_circuit.open != nullptr) ERRLOG_LineErrorNew(3407, s_circuit.open->name);
+    if (s_circuit.open != nullptr) {
+        const PlaceScope at(SUBJECT_CIRCUIT, s_circuit.open);
+        ERRLOG_LineErrorNew(3407, s_circuit.open->name);
+    }
     return s_life.Init();
 }
 
@@ -479,6 +488,7 @@ int EXT_MdlFini(Mdl* model)
 void EXT_CloseCircuit()
 {
     if (s_circuit.open == nullptr) return;
+    const PlaceScope at(SUBJECT_CIRCUIT, s_circuit.open);
     ERRLOG_ErrorNew(3408, s_circuit.open->name);
     s_life.Close();
 }

@@ -1,4 +1,5 @@
 // The ports of an [External Model]: which a Model_type needs, and which mean nothing to it.
+#include "IbisParser/base/place.h"
 #include "IbisParser/errlog.h"
 #include "IbisParser/mdl.h"
 #include "IbisParser/read/model/ext.h"
@@ -85,6 +86,7 @@ static void s_checkPorts(const Mdl* model, const Ext* item, const MdlTypeInfo* t
 {
     SecSet converted = {};
     for (const ExtConversion* row = item->conversions; row != nullptr; row = row->next) {
+        const PlaceScope at(row);
         if (type != nullptr && !EXT_HasPort(item, row->digital) &&
             !SEC_SetHas(&converted, row->digital))
             s_checkMeaning(model, type, row->digital);
@@ -92,6 +94,7 @@ static void s_checkPorts(const Mdl* model, const Ext* item, const MdlTypeInfo* t
             SEC_SetAdd(&converted, name);
     }
     for (const ExtName* port = item->ports; port != nullptr; port = port->next) {
+        const PlaceScope at(port);
         if (s_reserved(port->name) != nullptr) {
             if (type != nullptr) s_checkMeaning(model, type, port->name);
         } else if (!SEC_SetHas(&converted, port->name)) {

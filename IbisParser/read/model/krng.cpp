@@ -6,6 +6,7 @@
 #include <cstring>
 
 #include "IbisParser/base/corner.h"
+#include "IbisParser/base/place.h"
 #include "IbisParser/base/token.h"
 #include "IbisParser/errlog.h"
 
@@ -128,6 +129,7 @@ int KRNG_SetSingle(RngSingle* slot, const CmnArgs* args, const char* name)
         ERRLOG_LineErrorNew(1913, name);
         return 0;
     }
+    PLACE_Remember(&slot->state);
     return KRNG_ReadCell(args->argv[1], name, 0, slot);
 }
 

@@ -353,6 +353,7 @@ const SecLife<Reading> life = {
     .reading = &reading,
     .frame = frame,
     .opener = KEY_MODEL,
+    .subject = SUBJECT_MODEL,
     .rows = modelRows,
     .add = IBIS_AddMdl,
     .release = release,

@@ -66,6 +66,7 @@ static const SecLife<MselReading> s_life = {
     .reading = &s_reading,
     .frame = s_frame,
     .opener = KEY_MODEL_SELECTOR,
+    .subject = SUBJECT_SELECTOR,
     .rows = s_keywords,
     .add = IBIS_AddMsel,
     .release = s_release,

@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "IbisParser/base/corner.h"
+#include "IbisParser/base/place.h"
 #include "IbisParser/cmn.h"
 #include "IbisParser/errlog.h"
 #include "IbisParser/krng.h"
@@ -60,6 +61,8 @@ static void s_slopes(const CmnArgs* args, const char* name, RampSlope* slopes)
         ERRLOG_LineErrorNew(1602, name);
         return;
     }
+    // The record begins with a slope, whose own address tells the line of the keyword.
+    PLACE_Remember(&slopes[CORNER_TYP].dt);
     for (int corner = 0; corner < CORNER_COUNT; ++corner)
         s_slope(corner + 1 < args->nStored ? args->argv[corner + 1] : "", corner, name,
                 &slopes[corner]);
@@ -86,6 +89,7 @@ int RAMP_KeywordLine(Ramp** slot)
     void* block = nullptr;
     if (!CMN_malloc(&block, sizeof(Ramp))) return 0;
     *slot = static_cast<Ramp*>(block);
+    PLACE_Remember(*slot);
     (*slot)->R_load.value = s_defaultLoad;
     return 1;
 }

@@ -6,6 +6,7 @@
 #include <iterator>
 
 #include "IbisParser/base/corner.h"
+#include "IbisParser/base/place.h"
 #include "IbisParser/errlog.h"
 #include "IbisParser/krng.h"
 #include "IbisParser/read/model/mdl.h"
@@ -53,6 +54,7 @@ SerEl* elementsOf(Mdl* model, SerElState state)
         void* block = nullptr;
         if (!CMN_malloc(&block, sizeof(SerEl))) return nullptr;
         model->series[state] = static_cast<SerEl*>(block);
+        PLACE_Remember(block);
     }
     return model->series[state];
 }

@@ -270,6 +270,7 @@ const SecLife<Reading> life = {
     .reading = &reading,
     .frame = frame,
     .opener = KEY_SUBMODEL,
+    .subject = SUBJECT_SUBMODEL,
     .rows = submodelRows,
     .add = IBIS_AddSubMdl,
     .release = release,

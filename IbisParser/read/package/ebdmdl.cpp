@@ -300,6 +300,7 @@ static const SecLife<EbdReading> s_life = {
     .reading = &s_reading,
     .frame = s_frame,
     .opener = KEY_BEGIN_BOARD_DESCRIPTION,
+    .subject = SUBJECT_BOARD,
     .rows = s_keywords,
     .add = IBIS_AddEbdMdl,
     .release = s_release,

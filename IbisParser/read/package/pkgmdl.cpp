@@ -339,6 +339,7 @@ static const SecLife<PkgReading> s_life = {
     .reading = &s_reading,
     .frame = s_frame,
     .opener = KEY_DEFINE_PACKAGE_MODEL,
+    .subject = SUBJECT_PACKAGE_MODEL,
     .rows = s_keywords,
     .add = IBIS_AddPkgMdl,
     .release = s_release,
