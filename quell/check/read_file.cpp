@@ -7,6 +7,7 @@
 
 #include "IbisParser/errlog.h"
 #include "IbisParser/parse.h"
+#include "IbisParser/rng.h"
 #include "quell/params/ami_tree.h"
 #include "quell/reader/version.h"
 
@@ -22,6 +23,29 @@ constexpr Severity Severities[] = {Severity::Bug,     Severity::Bug,        Seve
                                    Severity::Caution, Severity::Caution,    Severity::Note,
                                    Severity::Note,    Severity::Information};
 
+// A corner of none goes as 0, the others follow.
+void Send(FrameWriter& writer, const FindingPlace& place)
+{
+    writer.Number(place.subject);
+    writer.Text(place.name);
+    writer.Number(static_cast<uint64_t>(place.corner + 1));
+    writer.Number(place.line);
+    writer.Number(place.column);
+    writer.Number(place.recordLine);
+}
+
+FindingPlace ReceivePlace(FrameFields& frame)
+{
+    FindingPlace place;
+    place.subject = static_cast<ErrSubject>(std::min<uint64_t>(frame.Number(), SUBJECT_PARAMETER));
+    place.name = frame.Text();
+    place.corner = static_cast<int>(std::min<uint64_t>(frame.Number(), CORNER_COUNT)) - 1;
+    place.line = frame.Number();
+    place.column = static_cast<unsigned>(frame.Number());
+    place.recordLine = frame.Number();
+    return place;
+}
+
 void Send(FrameWriter& writer, const Finding& finding)
 {
     writer.Begin();
@@ -32,6 +56,7 @@ void Send(FrameWriter& writer, const Finding& finding)
     writer.Number(finding.line);
     writer.Text(finding.file);
     writer.Text(finding.text);
+    Send(writer, finding.place);
     writer.End();
 }
 
@@ -74,6 +99,8 @@ FindingSink::FindingSink(const Opening& opening, std::function<void(Finding)> ta
           finding.file = own.Has(record.file) ? "" : record.file;
           finding.line = record.line;
           finding.text = record.text;
+          finding.place = {record.subject,  record.name,   record.corner,
+                           record.itemLine, record.column, record.recordLine};
           take(std::move(finding));
       })
 {
@@ -116,6 +143,7 @@ void ReportReceiver::Receive(FrameFields frame)
     finding.file =
         companion.empty() ? m_Report.name : FolderOf(m_Report.name) + std::string(companion);
     finding.text = frame.Text();
+    finding.place = ReceivePlace(frame);
     if (!companion.empty() && IsRepeated(finding)) return;
     if (m_Each) m_Each(finding);
     m_Findings.Add(std::move(finding));

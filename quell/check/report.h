@@ -9,6 +9,8 @@
 #include <utility>
 #include <vector>
 
+#include "IbisParser/errlog.h"
+
 namespace quell {
 
 // In the order in which totals name them; the words of messages and of the JSON.
@@ -22,6 +24,16 @@ struct SeverityWord {
 };
 const SeverityWord& WordOf(Severity severity);
 
+// What a finding is about, and where that stands.
+struct FindingPlace {
+    ErrSubject subject = SUBJECT_NONE;
+    std::string name;              // of the subject; empty where it has none
+    int corner = -1;               // RngCorner, or -1: none, or all of them
+    unsigned long line = 0;        // of the item, also where the message tells another; 0 unknown
+    unsigned column = 0;           // in that line, from 1; 0 unknown
+    unsigned long recordLine = 0;  // where the record begins that holds the item; 0 none
+};
+
 struct Finding {
     Severity severity = Severity::Error;
     unsigned asked = 0;      // number that the check gave
@@ -29,6 +41,7 @@ struct Finding {
     std::string file;        // as the user named it, or a companion beside it
     unsigned long line = 0;  // 0: the whole file
     std::string text;
+    FindingPlace place;
 };
 
 enum class FileStatus {
