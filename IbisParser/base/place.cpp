@@ -1,6 +1,7 @@
 // Where findings stand.
 #include "IbisParser/base/place.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
@@ -24,6 +25,18 @@ static PlaceEntry s_first[FIRST_ROOM];
 static PlaceEntry* s_entries = s_first;
 static std::size_t s_room = FIRST_ROOM;
 static std::size_t s_count = 0;
+
+// Where the lines of a parameter file begin in its text, in order.
+struct TextStart {
+    std::size_t offset;
+    unsigned long line;
+};
+
+static struct {
+    TextStart* starts;
+    std::size_t count;
+    std::size_t room;
+} s_text = {};
 
 static PlaceEntry* s_probe(PlaceEntry* entries, std::size_t room, const void* record)
 {
@@ -74,18 +87,58 @@ static unsigned s_firstColumn()
     return 0;
 }
 
+static bool s_isBoundary(char c)
+{
+    return s_isBlank(c) || std::strchr("[](){}<>=,;:/\"'|", c) != nullptr;
+}
+
+// The text at a place of the line, where blanks may have become zeros.
+static bool s_standsAt(const char* place, const char* text, std::size_t length)
+{
+    for (std::size_t i = 0; i < length; ++i)
+        if (place[i] != text[i] && !(place[i] == '\0' && TOKEN_IsBlank(text[i]))) return false;
+    return true;
+}
+
+// The column of a text that is a part of the line, or a copy of whole words of it; else 0.
+static unsigned s_columnOfText(const char* text)
+{
+    const auto begin = reinterpret_cast<std::uintptr_t>(s_now.line);
+    const auto at = reinterpret_cast<std::uintptr_t>(text);
+    if (begin <= at && at < begin + s_now.length) return static_cast<unsigned>(at - begin) + 1;
+    const std::size_t length = std::strlen(text);
+    if (length == 0) return 0;
+    for (std::size_t i = 0; i + length <= s_now.length; ++i) {
+        const char* place = s_now.line + i;
+        if (i > 0 && !s_isBoundary(place[-1]) && !s_isBoundary(*place)) continue;
+        if (!s_standsAt(place, text, length)) continue;
+        if (i + length == s_now.length || s_isBoundary(place[length])) return s_columnOf(place);
+    }
+    return 0;
+}
+
 PlaceSpot PLACE_Here()
 {
     return {PARSE_GetLineNum(), s_firstColumn()};
 }
 
+PlaceSpot PLACE_At(const char* word)
+{
+    const unsigned column = s_now.line != nullptr ? s_columnOfText(word) : 0;
+    return {PARSE_GetLineNum(), column};
+}
+
 void PLACE_Remember(const void* record)
 {
-    if (s_now.line == nullptr) return;
+    if (s_now.line != nullptr) PLACE_RememberAt(record, PLACE_Here());
+}
+
+void PLACE_RememberAt(const void* record, PlaceSpot spot)
+{
     if (3 * (s_count + 1) > 2 * s_room && !s_grow()) return;
     PlaceEntry* entry = s_probe(s_entries, s_room, record);
     if (entry->record == nullptr) ++s_count;
-    *entry = {record, static_cast<unsigned>(PARSE_GetLineNum()), s_firstColumn()};
+    *entry = {record, static_cast<unsigned>(spot.line), spot.column};
 }
 
 PlaceSpot PLACE_Remembered(const void* record)
@@ -101,6 +154,31 @@ void PLACE_ForgetAll()
     s_room = FIRST_ROOM;
     s_count = 0;
     std::memset(s_first, 0, sizeof s_first);
+    std::free(s_text.starts);
+    s_text = {};
+}
+
+void PLACE_AddToText(std::size_t offset)
+{
+    if (offset == 0) s_text.count = 0;
+    if (s_text.count == s_text.room) {
+        const std::size_t room = s_text.room == 0 ? 64 : 2 * s_text.room;
+        void* block = std::realloc(s_text.starts, room * sizeof(TextStart));
+        if (block == nullptr) return;
+        s_text.starts = static_cast<TextStart*>(block);
+        s_text.room = room;
+    }
+    s_text.starts[s_text.count++] = {offset, PARSE_GetLineNum()};
+}
+
+PlaceSpot PLACE_InText(std::size_t offset)
+{
+    const TextStart* end = s_text.starts + s_text.count;
+    const TextStart* behind =
+        std::upper_bound(static_cast<const TextStart*>(s_text.starts), end, offset,
+                         [](std::size_t at, const TextStart& start) { return at < start.offset; });
+    if (behind == s_text.starts) return {0, 0};
+    return {behind[-1].line, static_cast<unsigned>(offset - behind[-1].offset) + 1};
 }
 
 PlaceScope::PlaceScope(ErrSubject subject, const char* name, PlaceSpot spot)
@@ -148,36 +226,6 @@ PlaceElsewhere::PlaceElsewhere() : m_Outside(s_now)
 PlaceElsewhere::~PlaceElsewhere()
 {
     s_now = m_Outside;
-}
-
-static bool s_isBoundary(char c)
-{
-    return s_isBlank(c) || std::strchr("[](){}<>=,;:/\"'|", c) != nullptr;
-}
-
-// The text at a place of the line, where blanks may have become zeros.
-static bool s_standsAt(const char* place, const char* text, std::size_t length)
-{
-    for (std::size_t i = 0; i < length; ++i)
-        if (place[i] != text[i] && !(place[i] == '\0' && TOKEN_IsBlank(text[i]))) return false;
-    return true;
-}
-
-// The column of a text that is a part of the line, or a copy of whole words of it; else 0.
-static unsigned s_columnOfText(const char* text)
-{
-    const auto begin = reinterpret_cast<std::uintptr_t>(s_now.line);
-    const auto at = reinterpret_cast<std::uintptr_t>(text);
-    if (begin <= at && at < begin + s_now.length) return static_cast<unsigned>(at - begin) + 1;
-    const std::size_t length = std::strlen(text);
-    if (length == 0) return 0;
-    for (std::size_t i = 0; i + length <= s_now.length; ++i) {
-        const char* place = s_now.line + i;
-        if (i > 0 && !s_isBoundary(place[-1]) && !s_isBoundary(*place)) continue;
-        if (!s_standsAt(place, text, length)) continue;
-        if (i + length == s_now.length || s_isBoundary(place[length])) return s_columnOf(place);
-    }
-    return 0;
 }
 
 // A conversion of a message's format.

@@ -8,6 +8,7 @@
 #include <cstdarg>
 #include <cstddef>
 
+#include "IbisParser/base/place.h"
 #include "IbisParser/errlog.h"
 #include "IbisParser/rng.h"
 
@@ -19,13 +20,22 @@ struct PlaceSpot {
 
 // The line being read, and the column of its first word.
 PlaceSpot PLACE_Here();
+// A word of that line, or a copy of one.
+PlaceSpot PLACE_At(const char* word);
 // Notes for a record, or a part of one, that it was made at the line being read. One entry for
 // each; where there is no memory for it, its place is just not known.
 void PLACE_Remember(const void* record);
 // Where it was made.
 PlaceSpot PLACE_Remembered(const void* record);
+void PLACE_RememberAt(const void* record, PlaceSpot spot);
 // With the last document.
 void PLACE_ForgetAll();
+
+// The text of a parameter file is joined from its lines. The line being read begins at the offset;
+// the first one, at 0, begins a new text.
+void PLACE_AddToText(std::size_t offset);
+// The place of a character of that text.
+PlaceSpot PLACE_InText(std::size_t offset);
 
 // The place of a record: the line that it keeps where it keeps one, else the remembered one.
 template <typename Record>

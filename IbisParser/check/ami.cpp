@@ -5,9 +5,11 @@
 #include <cstring>
 
 #include "IbisParser/algmod.h"
+#include "IbisParser/base/place.h"
 #include "IbisParser/cmn.h"
 #include "IbisParser/errlog.h"
 #include "IbisParser/parse.h"
+#include "IbisParser/read/amitree.h"
 
 static const char s_Module[] = "IbisParser/amicheck";
 
@@ -149,6 +151,7 @@ static void s_checkFormat(const _tagLeafStruct* leaf, bool integer, const char* 
 
 static void s_checkLeaf(const _tagLeafStruct* leaf, const char* parent)
 {
+    const PlaceScope at(SUBJECT_PARAMETER, parent, PLACE_Of(leaf));
     if (leaf->valueCount == 0) {
         ERRLOG_ErrorNew(4626, leaf->name, parent);
         return;
@@ -211,6 +214,7 @@ static bool s_isGoodDefault(DefaultRule rule, const _tagValueStruct& value)
 
 static void s_checkReservedLeaf(const ReservedRow& row, const _tagLeafStruct* leaf)
 {
+    const PlaceScope at(leaf);
     if (leaf->valueCount == 0) {
         ERRLOG_ErrorNew(4626, leaf->name, row.name);
         return;
@@ -246,6 +250,7 @@ static void s_checkReservedLeaf(const ReservedRow& row, const _tagLeafStruct* le
 
 static void s_checkReservedParameter(const ReservedRow& row, const _tagBranchStruct* branch)
 {
+    const PlaceScope at(SUBJECT_PARAMETER, branch);
     if (branch->childCount == 0) {
         ERRLOG_ErrorNew(4630, s_leafNames[LEAF_USAGE], row.name);
         return;
@@ -254,6 +259,7 @@ static void s_checkReservedParameter(const ReservedRow& row, const _tagBranchStr
     for (int i = 0; i < branch->childCount; ++i) {
         const _tagNodeStruct& child = branch->children[i];
         if (const _tagBranchStruct* inner = s_branch(child)) {
+            const PlaceScope in(inner);
             ERRLOG_ErrorNew(4628, inner->name, row.name);
             continue;
         }
@@ -279,12 +285,14 @@ static void s_checkReservedBranch(const _tagBranchStruct* reserved)
         const _tagNodeStruct& child = reserved->children[i];
         const _tagBranchStruct* branch = s_branch(child);
         if (branch == nullptr) {
+            const PlaceScope at(SUBJECT_PARAMETER, s_leaf(child));
             ERRLOG_ErrorNew(4600, s_leaf(child)->name, reserved->name);
             s_checkLeaf(s_leaf(child), reserved->name);
             continue;
         }
         const int row = s_findReserved(branch->name);
         if (row < 0) {
+            const PlaceScope at(SUBJECT_PARAMETER, branch);
             ERRLOG_ErrorNew(4624, branch->name, reserved->name);
             s_checkBranch(branch);
             continue;
@@ -292,8 +300,10 @@ static void s_checkReservedBranch(const _tagBranchStruct* reserved)
         found[row] = true;
         s_checkReservedParameter(s_reserved[row], branch);
     }
-    for (int row = 0; row < RESERVED; ++row)
+    for (int row = 0; row < RESERVED; ++row) {
+        const PlaceScope at(SUBJECT_PARAMETER, s_reserved[row].name, PLACE_Of(reserved));
         if (s_reserved[row].mandatory && !found[row]) ERRLOG_ErrorNew(4625, s_reserved[row].name);
+    }
 }
 
 void AMICHECK_Tree(const _tagTreeStruct* tree)
@@ -301,6 +311,7 @@ void AMICHECK_Tree(const _tagTreeStruct* tree)
     CMN_ASSERT(tree != nullptr);
     // Without memory for a copy of the text the tree comes without nodes.
     const _tagBranchStruct* root = tree->count > 0 ? s_branch(tree->nodes[0]) : nullptr;
+    const PlaceScope at(root);
     bool reservedFound = false;
     for (int i = 0; root != nullptr && i < root->childCount; ++i) {
         const _tagNodeStruct& child = root->children[i];
@@ -313,6 +324,7 @@ void AMICHECK_Tree(const _tagTreeStruct* tree)
         } else if (std::strcmp(branch->name, "Model_Specific") == 0) {
             s_checkBranch(branch);
         } else {
+            const PlaceScope in(SUBJECT_PARAMETER, branch);
             ERRLOG_ErrorNew(4623, branch->name);
         }
     }
@@ -357,7 +369,7 @@ _tagTreeStruct* AMICHECK_Parameters()
     const int saved = gbAllowAnyLineLength;
     gbAllowAnyLineLength = 1;
     _tagTreeStruct* tree = nullptr;
-    const int result = GetParsedTree(gsBuffer, &tree);
+    const int result = AMITREE_ParseFile(&tree);
     gbAllowAnyLineLength = saved;
     AMICHECK_FreeText();
     if (result == TREE_OK)

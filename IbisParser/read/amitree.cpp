@@ -1,13 +1,15 @@
 // The AMI parameter tree: a flat array of nodes in document order, made by one scan of the text and
 // then linked. Nothing recurses, so that nesting is bounded by memory alone.
-#include "IbisParser/amitree.h"
+#include "IbisParser/read/amitree.h"
 
 #include <climits>
 #include <cstring>
 
 #include "IbisParser/base/clocale.h"
+#include "IbisParser/base/place.h"
 #include "IbisParser/base/token.h"
 #include "IbisParser/cmn.h"
+#include "IbisParser/parse.h"
 
 static const char s_Module[] = "IbisParser/amitree";
 
@@ -92,6 +94,9 @@ struct Scan {
     int count;
     int level;    // lists open
     int visited;  // lists opened so far
+    // Of a file whose places are kept: the working copy, and its offset in the file's text.
+    const char* copy;
+    size_t offset;
 };
 
 static void s_skipTo(char** p, const char* stops)
@@ -129,6 +134,9 @@ static int s_addNode(Scan* scan, int kind, const char* name, int length, void** 
     _tagBranchStruct* record = static_cast<_tagBranchStruct*>(node->detail);
     record->name = CMN_StrMakeN(name, length);
     if (record->name == nullptr) return TREE_NO_MEMORY;
+    if (scan->copy != nullptr)
+        PLACE_RememberAt(record,
+                         PLACE_InText(scan->offset + static_cast<size_t>(name - scan->copy)));
     *detail = record;
     return TREE_OK;
 }
@@ -256,21 +264,27 @@ static int s_closeList(Scan* scan)
     return TREE_OK;
 }
 
-int ScanForNodes(char* text, _tagNodeStruct** nodes, int* count)
+static int s_scan(Scan* scan)
 {
-    CMN_ASSERT(text != nullptr && nodes != nullptr && *nodes != nullptr && count != nullptr);
-    Scan scan = {text, *nodes, *count, 0, 0, 0};
     int result = TREE_OK;
     while (result == TREE_OK) {
-        s_skipIgnored(&scan.at);
-        if (*scan.at == '\0') break;
-        if (*scan.at == ')')
-            result = s_closeList(&scan);
-        else if (scan.visited < scan.capacity)
-            result = s_openList(&scan);
+        s_skipIgnored(&scan->at);
+        if (*scan->at == '\0') break;
+        if (*scan->at == ')')
+            result = s_closeList(scan);
+        else if (scan->visited < scan->capacity)
+            result = s_openList(scan);
         else
             break;
     }
+    return result;
+}
+
+int ScanForNodes(char* text, _tagNodeStruct** nodes, int* count)
+{
+    CMN_ASSERT(text != nullptr && nodes != nullptr && *nodes != nullptr && count != nullptr);
+    Scan scan = {text, *nodes, *count, 0, 0, 0, nullptr, 0};
+    const int result = s_scan(&scan);
     *count = scan.count;
     return result;
 }
@@ -337,7 +351,8 @@ static int s_newTree(int capacity, _tagTreeStruct** out)
     return 1;
 }
 
-int GetParsedTree(char* text, _tagTreeStruct** out)
+// source is the beginning of the text when the places of the nodes are kept, else null.
+static int s_parse(char* text, const char* source, _tagTreeStruct** out)
 {
     if (out == nullptr || text == nullptr) return TREE_NO_RECORD;
     CMN_EatWhitespace(&text);
@@ -354,7 +369,13 @@ int GetParsedTree(char* text, _tagTreeStruct** out)
         if (copy == nullptr) {
             tree->count = 0;
         } else {
-            result = ScanForNodes(static_cast<char*>(copy), &tree->nodes, &tree->count);
+            Scan scan = {static_cast<char*>(copy), tree->nodes, tree->count, 0, 0, 0, nullptr, 0};
+            if (source != nullptr) {
+                scan.copy = scan.at;
+                scan.offset = static_cast<size_t>(text - source);
+            }
+            result = s_scan(&scan);
+            tree->count = scan.count;
             if (result == TREE_OK) result = s_link(tree);
             CMN_freeSetNull(&copy);
         }
@@ -364,6 +385,16 @@ int GetParsedTree(char* text, _tagTreeStruct** out)
     else
         FreeParsedTree(&tree);
     return result;
+}
+
+int GetParsedTree(char* text, _tagTreeStruct** out)
+{
+    return s_parse(text, nullptr, out);
+}
+
+int AMITREE_ParseFile(_tagTreeStruct** out)
+{
+    return s_parse(gsBuffer, gsBuffer, out);
 }
 
 void FreeParsedTree(_tagTreeStruct** tree)

@@ -152,9 +152,9 @@ static bool s_beginsDescription(char* line)
 // Appends a line of a parameter file to gsBuffer: 1 done, 0 when memory ran out.
 static int s_appendParameterLine(char* line, TextSize* size)
 {
-    const PlaceLine here(line);
     s_testLine(line);
     s_cutComment(line);
+    if (line[0] != '\0') PLACE_AddToText(size->length);
     if (line[0] == '\0' || TEXTBUF_Append(&gsBuffer, size, line, std::strlen(line))) return 1;
     ERRLOG_BugNew(922, s_Module, __LINE__);
     return 0;
@@ -175,6 +175,7 @@ static int s_readParameterLines(std::FILE* file)
             --gulLineNum;
             break;
         }
+        const PlaceLine here(line);
         if (line[0] == '(') inDescription = s_beginsDescription(line);
         if (inDescription && lineSize > DESCRIPTION_MAX + 1)
             ERRLOG_ErrorNew(923, static_cast<int>(gulLineNum), DESCRIPTION_MAX);

@@ -41,7 +41,7 @@ struct Finding {
     std::string file;        // as the user named it, or a companion beside it
     unsigned long line = 0;  // 0: the whole file
     std::string text;
-    FindingPlace place;
+    FindingPlace place = {};
 };
 
 enum class FileStatus {

@@ -114,7 +114,9 @@ static void s_readCorner(ExtReading* reading, const CmnArgs* args)
 static ExtName* s_newName(const char* text)
 {
     ExtName* name = static_cast<ExtName*>(SEC_NewPart(1908, s_Module, __LINE__, sizeof(ExtName)));
-    if (name != nullptr) SEC_CopyName(name->name, text, SIZE_NAME);
+    if (name == nullptr) return nullptr;
+    PLACE_RememberAt(name, PLACE_At(text));
+    SEC_CopyName(name->name, text, SIZE_NAME);
     return name;
 }
 

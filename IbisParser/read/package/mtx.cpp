@@ -7,6 +7,7 @@
 #include <cmath>
 #include <iterator>
 
+#include "IbisParser/base/place.h"
 #include "IbisParser/base/token.h"
 #include "IbisParser/cmn.h"
 #include "IbisParser/errlog.h"
@@ -180,6 +181,7 @@ static void s_endRow(Mtx* matrix)
 {
     MtxReading* reading = matrix->reading;
     if (reading->row >= 0) {
+        const PlaceScope at(reading);
         const MtxRow* row = &matrix->rows[reading->row];
         if (matrix->kind == MTX_SPARSE) {
             if (!reading->diagonal) ERRLOG_LineErrorNew(2620, reading->pin, s_name(matrix));
@@ -397,6 +399,7 @@ int MTX_New(Mtx** slot, int kind)
     CMN_ASSERT(slot != nullptr);
     Mtx* matrix = nullptr;
     if (!s_allocate(&matrix, 1)) return 0;
+    PLACE_Remember(matrix);
     matrix->kind = kind;
     matrix->code = KEY_RESISTANCE_MATRIX;
     matrix->bandwidth = -1;
@@ -499,6 +502,7 @@ int MTX_Row(PkgMdl* package, char* text)
     matrix->rows[pin->index].given = 1;
     ++matrix->rowCount;
     reading->row = pin->index;
+    PLACE_Remember(reading);
     reading->skipRow = 0;
     reading->pin = pin->name;
     reading->tooMany = 0;
@@ -533,6 +537,7 @@ int MTX_Fini(PkgMdl* package)
     package->reading = nullptr;
     s_endRow(matrix);
     if (matrix->rowCount < matrix->n) {
+        const PlaceScope at(matrix);
         ERRLOG_LineErrorNew(2621, s_name(matrix), package->name, matrix->rowCount, matrix->n);
         int missing = 0;
         while (matrix->rows[missing].given)
@@ -551,6 +556,7 @@ int MTX_Check(const Mtx* matrix, const PkgMdl* package)
 {
     CMN_ASSERT(package != nullptr);
     if (matrix == nullptr || matrix->kind == MTX_UNKNOWN) return 0;
+    const PlaceScope at(matrix);
     const std::size_t n = static_cast<std::size_t>(matrix->n);
     double* diagonal = nullptr;
     if (!s_allocate(&diagonal, n)) return 0;

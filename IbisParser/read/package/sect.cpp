@@ -4,6 +4,7 @@
 #include <cmath>
 #include <cstring>
 
+#include "IbisParser/base/place.h"
 #include "IbisParser/base/token.h"
 #include "IbisParser/cmn.h"
 #include "IbisParser/errlog.h"
@@ -176,6 +177,7 @@ static char* s_readPoint(SectPath* path, const PathWord* word, char* text)
     }
     SectItem* item = s_newItem(word->kind);
     if (item == nullptr) return text;
+    PLACE_RememberAt(item, PLACE_At(name));
     if (word->kind == SECT_NODE)
         s_setNode(item, name);
     else
