@@ -1,6 +1,7 @@
 // [Begin EMI Component], [Pin EMI] and [Pin Domain EMI].
 #include "IbisParser/cmpntemi.h"
 
+#include "IbisParser/base/place.h"
 #include "IbisParser/errlog.h"
 #include "IbisParser/read/component/cmpnt.h"
 
@@ -88,6 +89,7 @@ static void s_pinLine(Cmpnt* component, const CmpntItems* args)
     CmpntReading* reading = component->reading;
     EmiPin* pin = static_cast<EmiPin*>(SEC_NewPart(801, s_Module, __LINE__, sizeof(EmiPin)));
     if (pin == nullptr) return;
+    const PlaceScope at(SUBJECT_PIN, pin->name, {0, 0});
     pin->line = PARSE_GetLineNum();
     SEC_CopyName(pin->name, args->argv[0], SIZE_PIN);
     if (!CMPNT_HasPin(component, pin->name)) ERRLOG_LineErrorNew(810, args->argv[0]);
@@ -110,6 +112,7 @@ static void s_domainLine(Cmpnt* component, const CmpntItems* args)
     EmiPinDomain* domain =
         static_cast<EmiPinDomain*>(SEC_NewPart(801, s_Module, __LINE__, sizeof(EmiPinDomain)));
     if (domain == nullptr) return;
+    const PlaceScope at(SUBJECT_DOMAIN, domain->name, {0, 0});
     domain->line = PARSE_GetLineNum();
     s_copyDomain(domain->name, args->argv[0]);
     if (!SEC_SetAdd(&reading->emiDomains, domain->name)) ERRLOG_LineErrorNew(814, domain->name);

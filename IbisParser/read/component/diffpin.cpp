@@ -1,6 +1,7 @@
 // [Diff Pin]: differential pairs.
 #include "IbisParser/diffpin.h"
 
+#include "IbisParser/base/place.h"
 #include "IbisParser/dly.h"
 #include "IbisParser/errlog.h"
 #include "IbisParser/read/component/cmpnt.h"
@@ -85,6 +86,7 @@ int DIFFPIN_ReceiveLine(Cmpnt* component, const char* line)
             ? nullptr
             : static_cast<DiffPin*>(SEC_NewPart(1501, s_Module, __LINE__, sizeof(DiffPin)));
     if (pair != nullptr) {
+        const PlaceScope at(SUBJECT_PIN, pair->name, {0, 0});
         pair->line = PARSE_GetLineNum();
         SEC_CopyName(pair->name, args.argv[0], SIZE_PIN);
         SEC_CopyName(pair->invPin, args.argv[1], SIZE_PIN);

@@ -1,6 +1,7 @@
 // [Pin]: the pin list of a component.
 #include "IbisParser/pin.h"
 
+#include "IbisParser/base/place.h"
 #include "IbisParser/errlog.h"
 #include "IbisParser/read/component/cmpnt.h"
 
@@ -140,6 +141,7 @@ int PIN_ReceiveLine(Cmpnt* component, const char* line)
                    ? nullptr
                    : static_cast<Pin*>(SEC_NewPart(1201, s_Module, __LINE__, sizeof(Pin)));
     if (pin != nullptr) {
+        const PlaceScope at(SUBJECT_PIN, pin->name, {0, 0});
         pin->line = PARSE_GetLineNum();
         s_readNames(pin, &args);
         if (args.nStored == PIN_COLUMNS) s_readValues(reading, pin, &args);

@@ -1,6 +1,7 @@
 // [Pin Mapping]: the buses that supply each pin.
 #include "IbisParser/pinmap.h"
 
+#include "IbisParser/base/place.h"
 #include "IbisParser/errlog.h"
 #include "IbisParser/read/component/cmpnt.h"
 
@@ -55,6 +56,7 @@ int PINMAP_ReceiveLine(Cmpnt* component, const char* line)
                       ? nullptr
                       : static_cast<PinMap*>(SEC_NewPart(1301, s_Module, __LINE__, sizeof(PinMap)));
     if (row != nullptr) {
+        const PlaceScope at(SUBJECT_PIN, row->name, {0, 0});
         row->line = PARSE_GetLineNum();
         SEC_CopyName(row->name, args.argv[0], SIZE_PIN);
         for (int i = 1; i < args.nStored; ++i)

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 
+#include "IbisParser/base/place.h"
 #include "IbisParser/errlog.h"
 #include "IbisParser/read/component/cmpnt.h"
 
@@ -52,6 +53,7 @@ int SERMAP_ReceiveLine(Cmpnt* component, const char* line)
                       ? nullptr
                       : static_cast<SerMap*>(SEC_NewPart(1701, s_Module, __LINE__, sizeof(SerMap)));
     if (row != nullptr) {
+        const PlaceScope at(SUBJECT_PIN, row->name, {0, 0});
         const unsigned limit = SEC_Limit(LIMIT_SIGNAL);
         row->line = PARSE_GetLineNum();
         SEC_CopyName(row->name, args.argv[0], SIZE_PIN);

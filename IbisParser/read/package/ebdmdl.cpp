@@ -6,6 +6,7 @@
 #include <cstring>
 #include <iterator>
 
+#include "IbisParser/base/place.h"
 #include "IbisParser/base/token.h"
 #include "IbisParser/cmn.h"
 #include "IbisParser/errlog.h"
@@ -54,6 +55,7 @@ static void s_checkPathPin(const EbdMdl* board, EbdPath* path, const SectItem* i
 
 static void s_checkPathBegin(const EbdPath* path)
 {
+    const PlaceScope at(path->path.head);
     const int kind = path->path.head->kind;
     if (kind == SECT_PIN) return;
     // A path between components begins with one of them.
@@ -67,13 +69,16 @@ static int s_endPath(EbdMdl* board)
 {
     EbdPath* path = s_reading.path;
     s_reading.path = nullptr;
-    if (path == nullptr || !SECT_End(&path->path)) return 0;
+    if (path == nullptr) return 0;
+    const PlaceScope at(SUBJECT_PATH, path);
+    if (!SECT_End(&path->path)) return 0;
     s_checkPathBegin(path);
     IdxTable nodes = {nullptr, 0, 0};
     int points = 0;
     for (const SectItem* item = path->path.head; item != nullptr; item = item->next) {
         if (item->kind != SECT_PIN && item->kind != SECT_NODE) continue;
         ++points;
+        const PlaceScope in(item);
         if (item->kind == SECT_PIN) {
             s_checkPathPin(board, path, item);
         } else if (item->text[0] != '\0') {
@@ -105,6 +110,7 @@ static int s_beginPath(EbdMdl* board, char* text)
 {
     EbdPath* path = s_newPath(board);
     if (path == nullptr) return 0;
+    const PlaceScope at(SUBJECT_PATH, path->name, {0, 0});
     if (TOKEN_Count(text) > 1) ERRLOG_LineErrorNew(4320, text);
     const char* name = TOKEN_Next(&text);
     if (name == nullptr) {
@@ -126,7 +132,10 @@ static int s_beginPath(EbdMdl* board, char* text)
 
 static int s_pathLine(EbdMdl*, char* line)
 {
-    return s_reading.path != nullptr && SECT_ReceiveLine(&s_reading.path->path, line);
+    EbdPath* path = s_reading.path;
+    if (path == nullptr) return 0;
+    const PlaceScope at(SUBJECT_PATH, path->name, {0, 0});
+    return SECT_ReceiveLine(&path->path, line);
 }
 
 // Pins.
@@ -140,6 +149,7 @@ static int s_pinLine(EbdMdl* board, char* line)
     }
     ++s_reading.pinLines;
     char* name = TOKEN_Next(&line);
+    const PlaceScope at(SUBJECT_PIN, name, {0, 0});
     const char* signal = TOKEN_Next(&line);
     if (std::strlen(name) > SIZE_BOARD_PIN) {
         ERRLOG_LineErrorNew(4315, name, static_cast<int>(SIZE_BOARD_PIN));

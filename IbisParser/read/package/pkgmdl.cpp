@@ -8,6 +8,7 @@
 #include <iterator>
 
 #include "IbisParser/apkg.h"
+#include "IbisParser/base/place.h"
 #include "IbisParser/base/token.h"
 #include "IbisParser/cmn.h"
 #include "IbisParser/cmpnt.h"
@@ -54,10 +55,13 @@ static int s_endPin(PkgMdl* package)
     SectPath* path = s_reading.path;
     s_reading.path = nullptr;
     if (path == nullptr) return 1;
+    const bool isKept = path != &s_reading.discarded;
+    const PlaceScope at(SUBJECT_PIN, path->name,
+                        isKept ? PLACE_Of(package->lastPin) : PlaceSpot{0, 0});
     const bool unfinished = path->open != nullptr;
     SECT_End(path);
     const int count = SECT_Count(path);
-    if (path != &s_reading.discarded) {
+    if (isKept) {
         if (count > s_reading.longestPath) s_reading.longestPath = count;
         if (!s_hasSection(path)) {
             if (!unfinished && s_takesSections(package)) ERRLOG_LineErrorNew(2316, path->name);
@@ -127,6 +131,7 @@ static int s_pinLine(PkgMdl* package, char* line)
         text = TOKEN_SkipBlanks(text);
         if (*text == '\0') return 1;
     }
+    const PlaceScope at(SUBJECT_PIN, pinName, {0, 0});
     if (!s_takesSections(package)) {
         if (!SECT_IsItem(text)) {
             ERRLOG_LineErrorNew(2317, text, pinName);
