@@ -5,8 +5,8 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "IbisParser/base/raise.h"
 #include "IbisParser/base/token.h"
-#include "IbisParser/errlog.h"
 #include "IbisParser/parse.h"
 
 static const char s_Module[] = "IbisParser/cmn";

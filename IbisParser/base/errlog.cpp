@@ -6,6 +6,7 @@
 #include <cstdlib>
 
 #include "IbisParser/base/clocale.h"
+#include "IbisParser/base/messages.h"
 #include "IbisParser/base/place.h"
 #include "IbisParser/parse.h"
 
@@ -245,17 +246,7 @@ void ERRLOG_Totals()
 
 int BSearchErrorLogTable(int number)
 {
-    int lo = 0;
-    int hi = ERRLOG_ROWS - 1;
-    while (lo <= hi) {
-        const int mid = (lo + hi) / 2;
-        if (errorLogTable[mid].number == number) return mid;
-        if (errorLogTable[mid].number < number)
-            lo = mid + 1;
-        else
-            hi = mid - 1;
-    }
-    return -1;
+    return ERRLOG_FindRow(errorLogTable, number);
 }
 
 void ERRLOG_SetSink(ErrSink sink, void* user)

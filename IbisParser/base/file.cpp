@@ -4,10 +4,10 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "IbisParser/base/raise.h"
 #include "IbisParser/base/token.h"
 #include "IbisParser/base/version.h"
 #include "IbisParser/cmn.h"
-#include "IbisParser/errlog.h"
 
 static const char s_Module[] = "IbisParser/cmn";
 
@@ -16,7 +16,7 @@ int gbAllowAnyCharacter = 0;
 // The file kinds, 1 to 4, and the message for a wrong extension.
 static const struct {
     const char* extension;
-    unsigned wrongExtension;
+    ErrNumber<> wrongExtension;
 } s_kinds[] = {{".ibs", 1900}, {".pkg", 1903}, {".ebd", 1902}, {".ami", 1924}};
 
 enum {

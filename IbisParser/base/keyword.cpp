@@ -5,8 +5,8 @@
 #include <array>
 #include <iterator>
 
+#include "IbisParser/base/raise.h"
 #include "IbisParser/cmn.h"
-#include "IbisParser/errlog.h"
 #include "IbisParser/parse.h"
 
 static const char s_Module[] = "IbisParser/parse";

@@ -5,8 +5,8 @@
 #include <cstring>
 
 #include "IbisParser/base/clocale.h"
+#include "IbisParser/base/raise.h"
 #include "IbisParser/cmn.h"
-#include "IbisParser/errlog.h"
 
 static const char s_Module[] = "IbisParser/cmn";
 

@@ -3,8 +3,8 @@
 
 #include "IbisParser/base/corner.h"
 #include "IbisParser/base/place.h"
+#include "IbisParser/base/raise.h"
 #include "IbisParser/cmn.h"
-#include "IbisParser/errlog.h"
 
 static const char s_Module[] = "IbisParser/rng";
 

@@ -2,9 +2,9 @@
 #include "IbisParser/rngp.h"
 
 #include "IbisParser/base/corner.h"
+#include "IbisParser/base/raise.h"
 #include "IbisParser/base/rngp.h"
 #include "IbisParser/cmn.h"
-#include "IbisParser/errlog.h"
 
 static const char s_Module[] = "IbisParser/rngp";
 

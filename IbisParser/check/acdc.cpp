@@ -6,8 +6,8 @@
 #include "IbisParser/base/corner.h"
 #include "IbisParser/base/index.h"
 #include "IbisParser/base/place.h"
+#include "IbisParser/base/raise.h"
 #include "IbisParser/check/acdc.h"
-#include "IbisParser/errlog.h"
 #include "IbisParser/read/model/table.h"
 
 static bool s_hasCorner(const Vitbl* table, int corner)

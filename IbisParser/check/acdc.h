@@ -3,6 +3,7 @@
 #define IBISPARSER_CHECK_ACDC_H
 
 #include "IbisParser/acdc.h"
+#include "IbisParser/base/raise.h"
 #include "IbisParser/check/curve.h"
 #include "IbisParser/mdl.h"
 
@@ -18,8 +19,12 @@ struct AcdcCorner {
 // Message numbers of a kind of owner. end: edge (rising, falling), end (start, end), warning or
 // error.
 struct AcdcNumbers {
-    unsigned several, none, outside, noSwing, disagree;
-    unsigned end[2][2][2];
+    ErrNumber<const char*, const char*, const char*> several;
+    ErrNumber<const char*, const char*, const char*, double, double> none;
+    ErrNumber<const char*, const char*, const char*, double> outside;
+    ErrNumber<const char*, const char*, double, double> noSwing;
+    ErrNumber<const char*, const char*, double, double, const char*, double, double> disagree;
+    ErrNumber<const char*, const char*, double, double, double, double> end[2][2][2];
 };
 extern const AcdcNumbers acdcModelNumbers;
 extern const AcdcNumbers acdcSubMdlNumbers;

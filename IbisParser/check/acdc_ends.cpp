@@ -4,10 +4,10 @@
 
 #include "IbisParser/base/corner.h"
 #include "IbisParser/base/place.h"
+#include "IbisParser/base/raise.h"
 #include "IbisParser/check/acdc.h"
 #include "IbisParser/check/waveforms.h"
 #include "IbisParser/cmn.h"
-#include "IbisParser/errlog.h"
 #include "IbisParser/read/model/table.h"
 #include "IbisParser/read/model/wvfrm.h"
 
@@ -115,7 +115,7 @@ static void s_compare(const AcdcBuffer* buffer, const AcdcCorner* corner, int ed
     for (int end = 0; end < 2; ++end) {
         if (!corner->driven[s_stateAt(edge, end)]) continue;
         const double share = std::fabs(ends->wave[end] - ends->table[end]) / swing;
-        const unsigned* numbers = buffer->numbers->end[edge][end];
+        const auto* numbers = buffer->numbers->end[edge][end];
         const char* name = CORNER_Short(corner->corner);
         if (share > ACDC_ERR)
             ERRLOG_ErrorNew(numbers[1], buffer->name, name, fixture->r, fixture->vf,

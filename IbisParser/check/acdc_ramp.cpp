@@ -3,9 +3,9 @@
 #include <cmath>
 
 #include "IbisParser/base/place.h"
+#include "IbisParser/base/raise.h"
 #include "IbisParser/check/acdc.h"
 #include "IbisParser/cmn.h"
-#include "IbisParser/errlog.h"
 #include "IbisParser/mdlspec.h"
 
 // The ramp's load is not in the file but for its resistance: several are tried.

@@ -6,8 +6,8 @@
 
 #include "IbisParser/algmod.h"
 #include "IbisParser/base/place.h"
+#include "IbisParser/base/raise.h"
 #include "IbisParser/cmn.h"
-#include "IbisParser/errlog.h"
 #include "IbisParser/parse.h"
 #include "IbisParser/read/amitree.h"
 
@@ -137,7 +137,8 @@ static void s_checkItems(const _tagLeafStruct* leaf, const FormatRow* format, bo
         const _tagValueStruct& value = leaf->values[i];
         good = good && (onlyInteger ? value.valueType == VALUE_INTEGER : s_isNumber(value));
     }
-    if (!good) ERRLOG_ErrorNew(onlyInteger ? 4633 : 4632, format->name, owner, format->count);
+    if (!good && onlyInteger) ERRLOG_ErrorNew(4633, format->name, owner, format->count);
+    if (!good && !onlyInteger) ERRLOG_ErrorNew(4632, format->name, owner, format->count);
 }
 
 static void s_checkFormat(const _tagLeafStruct* leaf, bool integer, const char* owner)
@@ -336,7 +337,7 @@ void AMICHECK_Tree(const _tagTreeStruct* tree)
 // What a parse result of the parameter tree means to the user; all others are internal.
 struct TreeRow {
     int result;
-    unsigned number;
+    ErrNumber<> number;
 };
 static const TreeRow s_treeResults[] = {
     {TREE_UNBALANCED, 4619},       {TREE_NO_LIST, 4620},   {TREE_NO_RECORD, 4635},

@@ -3,10 +3,10 @@
 
 #include "IbisParser/base/place.h"
 #include "IbisParser/base/position.h"
+#include "IbisParser/base/raise.h"
 #include "IbisParser/cmn.h"
 #include "IbisParser/cmpnt.h"
 #include "IbisParser/ebdmdl.h"
-#include "IbisParser/errlog.h"
 #include "IbisParser/read/package/board.h"
 #include "IbisParser/refdes.h"
 #include "IbisParser/store/section.h"

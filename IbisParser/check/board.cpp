@@ -4,9 +4,9 @@
 
 #include "IbisParser/base/index.h"
 #include "IbisParser/base/place.h"
+#include "IbisParser/base/raise.h"
 #include "IbisParser/cmn.h"
 #include "IbisParser/ebdmdl.h"
-#include "IbisParser/errlog.h"
 #include "IbisParser/nml.h"
 #include "IbisParser/parse.h"
 #include "IbisParser/read/package/board.h"

@@ -8,8 +8,8 @@
 #include <new>
 
 #include "IbisParser/base/position.h"
+#include "IbisParser/base/raise.h"
 #include "IbisParser/check/companions.h"
-#include "IbisParser/errlog.h"
 #include "IbisParser/parse.h"
 #include "IbisParser/store/section.h"
 

@@ -1,8 +1,8 @@
 // Components against the document: the order of their checks, pins, locations, EMI domains.
 #include "IbisParser/check/component.h"
 #include "IbisParser/base/place.h"
+#include "IbisParser/base/raise.h"
 #include "IbisParser/check/companions.h"
-#include "IbisParser/errlog.h"
 #include "IbisParser/ext.h"
 #include "IbisParser/mdl.h"
 

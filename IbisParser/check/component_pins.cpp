@@ -1,8 +1,8 @@
 // The tables of a component's pins against the document: [Pin Mapping], [Diff Pin] and
 // [Series Pin Mapping] with its switch groups.
 #include "IbisParser/base/place.h"
+#include "IbisParser/base/raise.h"
 #include "IbisParser/check/component.h"
-#include "IbisParser/errlog.h"
 #include "IbisParser/read/component/cmpnt.h"
 #include "IbisParser/vitbl.h"
 

@@ -6,9 +6,9 @@
 #include <cstring>
 
 #include "IbisParser/base/place.h"
+#include "IbisParser/base/raise.h"
 #include "IbisParser/cmn.h"
 #include "IbisParser/cmpnt.h"
-#include "IbisParser/errlog.h"
 #include "IbisParser/nml.h"
 #include "IbisParser/store/section.h"
 

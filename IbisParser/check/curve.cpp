@@ -4,9 +4,9 @@
 #include <algorithm>
 #include <cmath>
 
+#include "IbisParser/base/raise.h"
 #include "IbisParser/check/curve.h"
 #include "IbisParser/cmn.h"
-#include "IbisParser/errlog.h"
 
 static const char s_Module[] = "IbisParser/curve";
 

@@ -1,7 +1,7 @@
 // The combined curves of a model: which tables conduct in a state, and where they stand.
+#include "IbisParser/base/raise.h"
 #include "IbisParser/check/curve.h"
 #include "IbisParser/cmn.h"
-#include "IbisParser/errlog.h"
 #include "IbisParser/mdl.h"
 #include "IbisParser/submdl.h"
 

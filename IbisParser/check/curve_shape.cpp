@@ -4,9 +4,9 @@
 
 #include "IbisParser/base/corner.h"
 #include "IbisParser/base/place.h"
+#include "IbisParser/base/raise.h"
 #include "IbisParser/check/curve.h"
 #include "IbisParser/cmn.h"
-#include "IbisParser/errlog.h"
 #include "IbisParser/mdl.h"
 #include "IbisParser/read/model/table.h"
 

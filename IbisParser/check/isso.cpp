@@ -3,9 +3,9 @@
 
 #include "IbisParser/base/corner.h"
 #include "IbisParser/base/place.h"
+#include "IbisParser/base/raise.h"
 #include "IbisParser/cmn.h"
 #include "IbisParser/curve.h"
-#include "IbisParser/errlog.h"
 #include "IbisParser/read/model/isso.h"
 #include "IbisParser/read/model/table.h"
 

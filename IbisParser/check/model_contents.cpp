@@ -3,8 +3,8 @@
 
 #include "IbisParser/base/corner.h"
 #include "IbisParser/base/place.h"
+#include "IbisParser/base/raise.h"
 #include "IbisParser/check/model.h"
-#include "IbisParser/errlog.h"
 #include "IbisParser/read/model/table.h"
 #include "IbisParser/store/section.h"
 

@@ -3,8 +3,8 @@
 #include <initializer_list>
 
 #include "IbisParser/base/place.h"
+#include "IbisParser/base/raise.h"
 #include "IbisParser/drvsh.h"
-#include "IbisParser/errlog.h"
 #include "IbisParser/read/model/mdl.h"
 
 // The delays bring the scheduled model back to its starting state. Rise_on and Fall_off drive it

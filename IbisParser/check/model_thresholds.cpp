@@ -2,8 +2,8 @@
 #include <cmath>
 
 #include "IbisParser/base/place.h"
+#include "IbisParser/base/raise.h"
 #include "IbisParser/check/names.h"
-#include "IbisParser/errlog.h"
 #include "IbisParser/read/model/mdl.h"
 #include "IbisParser/read/model/rcvth.h"
 

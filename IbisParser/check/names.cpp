@@ -5,8 +5,8 @@
 
 #include "IbisParser/base/index.h"
 #include "IbisParser/base/place.h"
+#include "IbisParser/base/raise.h"
 #include "IbisParser/cmn.h"
-#include "IbisParser/errlog.h"
 #include "IbisParser/nml.h"
 
 static const char s_Module[] = "IbisParser/nml";

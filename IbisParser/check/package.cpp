@@ -2,10 +2,10 @@
 #include <cstddef>
 #include <cstring>
 #include "IbisParser/base/place.h"
+#include "IbisParser/base/raise.h"
 #include "IbisParser/check/companions.h"
 #include "IbisParser/check/component.h"
 #include "IbisParser/cmn.h"
-#include "IbisParser/errlog.h"
 #include "IbisParser/nml.h"
 
 static const char s_Module[] = "IbisParser/cmpnttest";

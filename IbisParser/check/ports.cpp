@@ -3,10 +3,10 @@
 #include <cstring>
 #include <initializer_list>
 #include "IbisParser/base/place.h"
+#include "IbisParser/base/raise.h"
 #include "IbisParser/check/companions.h"
 #include "IbisParser/check/component.h"
 #include "IbisParser/cmn.h"
-#include "IbisParser/errlog.h"
 #include "IbisParser/ext.h"
 #include "IbisParser/nml.h"
 #include "IbisParser/read/model/ext.h"

@@ -2,9 +2,9 @@
 #include <cstddef>
 
 #include "IbisParser/base/place.h"
+#include "IbisParser/base/raise.h"
 #include "IbisParser/check/names.h"
 #include "IbisParser/cmpnt.h"
-#include "IbisParser/errlog.h"
 #include "IbisParser/nml.h"
 #include "IbisParser/read/model/msel.h"
 

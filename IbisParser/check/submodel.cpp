@@ -3,13 +3,13 @@
 #include <initializer_list>
 
 #include "IbisParser/base/place.h"
+#include "IbisParser/base/raise.h"
 #include "IbisParser/check/curve.h"
 #include "IbisParser/check/model.h"
 #include "IbisParser/check/table.h"
 #include "IbisParser/check/waveforms.h"
 #include "IbisParser/chk.h"
 #include "IbisParser/cmn.h"
-#include "IbisParser/errlog.h"
 #include "IbisParser/submdl.h"
 
 // Who adds each submodel, by its name.

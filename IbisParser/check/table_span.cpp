@@ -5,9 +5,9 @@
 
 #include "IbisParser/acdc.h"
 #include "IbisParser/base/place.h"
+#include "IbisParser/base/raise.h"
 #include "IbisParser/check/curve.h"
 #include "IbisParser/cmn.h"
-#include "IbisParser/errlog.h"
 #include "IbisParser/mdl.h"
 #include "IbisParser/read/model/table.h"
 #include "IbisParser/serel.h"
@@ -133,8 +133,8 @@ static bool s_contains(const TypTable* drive, const TypTable* clamp)
            std::fabs(a - b) <= CONTAINED_SHARE * std::fabs(b);
 }
 
-static void s_checkContained(const Mdl* model, unsigned number, const TypTable* drive,
-                             const TypTable* clamp)
+static void s_checkContained(const Mdl* model, ErrNumber<const char*, const char*> number,
+                             const TypTable* drive, const TypTable* clamp)
 {
     if (!s_contains(drive, clamp)) return;
     const PlaceScope at(drive->Table());

@@ -2,7 +2,7 @@
 #include <cstddef>
 
 #include "IbisParser/base/place.h"
-#include "IbisParser/errlog.h"
+#include "IbisParser/base/raise.h"
 #include "IbisParser/mdl.h"
 #include "IbisParser/nml.h"
 #include "IbisParser/store/section.h"

@@ -5,10 +5,10 @@
 
 #include "IbisParser/base/corner.h"
 #include "IbisParser/base/place.h"
+#include "IbisParser/base/raise.h"
 #include "IbisParser/check/curve.h"
 #include "IbisParser/check/waveforms.h"
 #include "IbisParser/cmn.h"
-#include "IbisParser/errlog.h"
 #include "IbisParser/mdl.h"
 #include "IbisParser/read/model/table.h"
 #include "IbisParser/read/model/wvfrm.h"

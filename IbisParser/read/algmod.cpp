@@ -6,8 +6,8 @@
 
 #include "IbisParser/base/index.h"
 #include "IbisParser/base/place.h"
+#include "IbisParser/base/raise.h"
 #include "IbisParser/cmn.h"
-#include "IbisParser/errlog.h"
 #include "IbisParser/parse.h"
 #include "IbisParser/store/section.h"
 
@@ -18,7 +18,7 @@ enum { ITEMS = 4, DIGITS_MAX = 9 };
 // Line of the current [Algorithmic Model].
 static int s_keywordLine = 0;
 
-static void s_setName(char* field, const char* text, unsigned tooLong)
+static void s_setName(char* field, const char* text, ErrNumber<const char*> tooLong)
 {
     if (std::strlen(text) > ALGMOD_NAME_MAX) ERRLOG_LineErrorNew(tooLong, text);
     CMN_strncpy(field, text, ALGMOD_NAME_MAX);

@@ -4,9 +4,9 @@
 #include <cstring>
 #include <iterator>
 
+#include "IbisParser/base/raise.h"
 #include "IbisParser/base/textbuf.h"
 #include "IbisParser/base/version.h"
-#include "IbisParser/errlog.h"
 #include "IbisParser/parse.h"
 #include "IbisParser/store/life.h"
 
@@ -20,8 +20,8 @@ static bool s_allow1xVersions = false;
 static bool s_allowAnyVersion = false;
 
 struct HdrKeyword : SecKeyword<Hdr> {
-    unsigned duplicate;  // message of a second one; 0: it may come in several pieces
-    char* Hdr::*text;    // of its data lines
+    ErrNumber<> duplicate;  // message of a second one; 0: it may come in several pieces
+    char* Hdr::*text;       // of its data lines
 };
 
 // The keyword table is that of all sections, but not the life: the bugs of a header stand without a
@@ -193,7 +193,7 @@ int HDR_ReceiveLine(int kind, int code, char* line)
         return 0;
     }
     if (s_reading.open == nullptr) {
-        ERRLOG_LineErrorNew(kind == LINE_KEYWORD ? 1001 : 1002);
+        ERRLOG_LineErrorNew(kind == LINE_KEYWORD ? ErrNumber<>(1001) : ErrNumber<>(1002));
         return 0;
     }
     return kind == LINE_KEYWORD ? s_receiveKeyword(code, line) : s_receiveData(line);

@@ -6,8 +6,8 @@
 
 #include "IbisParser/base/keyword.h"
 #include "IbisParser/base/place.h"
+#include "IbisParser/base/raise.h"
 #include "IbisParser/base/version.h"
-#include "IbisParser/errlog.h"
 #include "IbisParser/parse.h"
 #include "IbisParser/read/sections.h"
 
@@ -83,7 +83,7 @@ static const Section* s_findPrevious(KeywordCode code)
 }
 
 // The number of the message that refuses the section in this file, or 0.
-static int s_refusal(const Section* section)
+static ErrNumber<> s_refusal(const Section* section)
 {
     return section->refusal[geCurrFileType - FILE_IBS];
 }
@@ -95,13 +95,13 @@ static void s_openSection(const Section* section, KeywordCode code)
         ERRLOG_LineErrorNew(910);
         return;
     }
-    int refusal = s_refusal(section);
+    ErrNumber<> refusal = s_refusal(section);
     // Version 2 has no board files, so it knows two kinds of file only. A package model, which
     // both may hold, keeps its own message.
     if (refusal != 0 && geFileVersion <= 2 && (code == KEY_COMPONENT || code == KEY_MODEL))
         refusal = 911;
     if (refusal != 0) {
-        ERRLOG_LineErrorNew(static_cast<unsigned>(refusal));
+        ERRLOG_LineErrorNew(refusal);
         return;
     }
     if (code == KEY_IBIS_VER) gbIBIS_VerFound = 1;

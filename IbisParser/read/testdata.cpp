@@ -5,9 +5,9 @@
 #include <cstdio>
 #include <cstring>
 
+#include "IbisParser/base/raise.h"
 #include "IbisParser/base/token.h"
 #include "IbisParser/cmn.h"
-#include "IbisParser/errlog.h"
 #include "IbisParser/krng.h"
 #include "IbisParser/mdl.h"
 #include "IbisParser/store/life.h"

@@ -4,9 +4,9 @@
 #include <cstddef>
 #include <iterator>
 
+#include "IbisParser/base/raise.h"
 #include "IbisParser/base/token.h"
 #include "IbisParser/cmn.h"
-#include "IbisParser/errlog.h"
 #include "IbisParser/krng.h"
 #include "IbisParser/mdl.h"
 #include "IbisParser/store/life.h"

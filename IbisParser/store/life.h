@@ -41,7 +41,7 @@
 #include <type_traits>
 
 #include "IbisParser/base/place.h"
-#include "IbisParser/errlog.h"
+#include "IbisParser/base/raise.h"
 #include "IbisParser/parse.h"
 #include "IbisParser/store/section.h"
 

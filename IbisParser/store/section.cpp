@@ -7,7 +7,7 @@
 
 #include "IbisParser/base/keyword.h"
 #include "IbisParser/base/place.h"
-#include "IbisParser/errlog.h"
+#include "IbisParser/base/raise.h"
 
 static const char s_Module[] = "IbisParser/section_internal";
 
@@ -46,7 +46,8 @@ void SEC_UnknownKeyword(const SecFrame* frame, int line)
     ERRLOG_LineBugNew(frame->unknownKeyword, frame->module, line);
 }
 
-void* SEC_NewPart(unsigned number, const char* module, int line, std::size_t size)
+void* SEC_NewPart(ErrNumber<const char*, int> number, const char* module, int line,
+                  std::size_t size)
 {
     void* record = nullptr;
     if (CMN_malloc(&record, size))
@@ -79,7 +80,8 @@ char* SEC_Argument(char* line)
     return end;
 }
 
-void SEC_IgnoreText(unsigned number, const char* text, const char* keyword)
+void SEC_IgnoreText(ErrNumber<const char*, const char*> number, const char* text,
+                    const char* keyword)
 {
     if (*text != '\0') ERRLOG_LineWarnNew(number, text, keyword);
 }

@@ -11,6 +11,7 @@
 #include <utility>
 
 #include "IbisParser/base/index.h"
+#include "IbisParser/base/raise.h"
 #include "IbisParser/base/version.h"
 #include "IbisParser/cmn.h"
 #include "IbisParser/ibis.h"
@@ -18,14 +19,14 @@
 
 // The message numbers of a section's life cycle, the first six of its block.
 struct SecFrame {
-    const char* module;       // "IbisParser/cmpnt"
-    unsigned noRoot;          // bug: _Init finds no document
-    unsigned noRecord;        // bug: no memory for the record
-    unsigned orphanKeyword;   // error: keyword line without a record
-    unsigned orphanData;      // error: data line without a record
-    unsigned unknownKeyword;  // line bug: code of another section
-    unsigned unknownKind;     // line bug: neither a keyword nor a data line
-    unsigned noData = 0;      // error: data line under a keyword that has none
+    const char* module;                          // "IbisParser/cmpnt"
+    ErrNumber<const char*, int> noRoot;          // bug: _Init finds no document
+    ErrNumber<> noRecord;                        // bug: no memory for the record
+    ErrNumber<> orphanKeyword;                   // error: keyword line without a record
+    ErrNumber<> orphanData;                      // error: data line without a record
+    ErrNumber<const char*, int> unknownKeyword;  // line bug: code of another section
+    ErrNumber<const char*, int> unknownKind;     // line bug: neither a keyword nor a data line
+    ErrNumber<const char*> noData = 0;           // error: data line under a keyword that has none
 };
 
 // The front document, or null after the message. line is __LINE__, for the message.
@@ -38,7 +39,8 @@ bool SEC_Receives(const SecFrame* frame, int line, int kind, const void* open);
 // The message for a code that the section does not know.
 void SEC_UnknownKeyword(const SecFrame* frame, int line);
 // The same as SEC_NewRecord for the parts of a section: bug `number` with module and line.
-void* SEC_NewPart(unsigned number, const char* module, int line, std::size_t size);
+void* SEC_NewPart(ErrNumber<const char*, int> number, const char* module, int line,
+                  std::size_t size);
 
 // Sets a bit of the found flags; true when it was not set before.
 template <typename Flags>
@@ -60,7 +62,8 @@ const char* SEC_KeywordName(int code);
 // number of blanks, which a file may hold.
 char* SEC_Argument(char* line);
 // Raises the line warning `number` with the text and the keyword ("Pin") when text is not empty.
-void SEC_IgnoreText(unsigned number, const char* text, const char* keyword);
+void SEC_IgnoreText(ErrNumber<const char*, const char*> number, const char* text,
+                    const char* keyword);
 
 // Copies at most limit characters; 0 when the text is longer. dest holds limit + 1.
 int SEC_CopyName(char* dest, const char* text, unsigned limit);

@@ -1,7 +1,7 @@
 // [Alternate Package Models].
 #include "IbisParser/apkg.h"
 
-#include "IbisParser/errlog.h"
+#include "IbisParser/base/raise.h"
 #include "IbisParser/read/component/cmpnt.h"
 
 static const char s_Module[] = "IbisParser/apkg";

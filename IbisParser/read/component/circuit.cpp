@@ -1,12 +1,12 @@
 // [Circuit Call]: external circuits on the die.
 #include "IbisParser/circuit.h"
 
-#include "IbisParser/errlog.h"
+#include "IbisParser/base/raise.h"
 #include "IbisParser/ext.h"
 #include "IbisParser/read/component/cmpnt.h"
 
 static const char s_Module[] = "IbisParser/circuit";
-static const PartFailure s_failure = {s_Module, 3700, 3701};
+static const PartFailure s_failure = {s_Module, 3700};
 
 enum CircuitItem { ITEM_SIGNAL, ITEM_DIFF, ITEM_SERIES, ITEM_PORT };
 

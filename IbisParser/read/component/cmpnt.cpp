@@ -2,7 +2,7 @@
 #include "IbisParser/cmpnt.h"
 
 #include "IbisParser/base/place.h"
-#include "IbisParser/errlog.h"
+#include "IbisParser/base/raise.h"
 #include "IbisParser/read/component/cmpnt.h"
 
 static const char s_Module[] = "IbisParser/cmpnt";
@@ -14,7 +14,7 @@ static CmpntReading s_reading;
 struct CmpntBlock {
     KeywordCode begin;
     KeywordCode end;
-    unsigned alone;  // error: the end without a beginning
+    ErrNumber<> alone;  // error: the end without a beginning
     int (*finish)(Cmpnt*);
     int (*abandon)(Cmpnt*);  // finishes it with the message that it is not closed
 };

@@ -6,6 +6,7 @@
 #include <cstdio>
 #include <cstring>
 
+#include "IbisParser/base/raise.h"
 #include "IbisParser/cmpnt.h"
 #include "IbisParser/mdl.h"
 #include "IbisParser/msel.h"
@@ -21,8 +22,8 @@ enum CmpntReported {
 };
 
 struct CmpntKeyword : SecKeyword<Cmpnt> {
-    unsigned duplicate;  // message of a second one; 0: any number may come
-    bool afterPin;       // names pins, which [Pin] must list before
+    ErrNumber<const char*> duplicate;  // message of a second one; 0: any number may come
+    bool afterPin;                     // names pins, which [Pin] must list before
 };
 
 // State of the open component: places where the lists end, headers of its tables, names seen.
@@ -57,11 +58,10 @@ struct CmpntReading : SecReading<Cmpnt, CmpntKeyword, &Cmpnt::found> {
     SecSet emiDomains;
 };
 
-// Numbers of the two messages every part has for its own failures.
+// The message that every part has for its own failure.
 struct PartFailure {
     const char* module;
-    unsigned unparsed;  // line bug: a line could not be split
-    unsigned noMemory;  // bug
+    ErrNumber<const char*, const char*, int> unparsed;  // line bug: a line could not be split
 };
 
 // The items of a line: as CmnArgs, but in one block, because the lists of pins are long.

@@ -2,11 +2,11 @@
 #include "IbisParser/cmpntemi.h"
 
 #include "IbisParser/base/place.h"
-#include "IbisParser/errlog.h"
+#include "IbisParser/base/raise.h"
 #include "IbisParser/read/component/cmpnt.h"
 
 static const char s_Module[] = "IbisParser/cmpntemi";
-static const PartFailure s_failure = {s_Module, 800, 801};
+static const PartFailure s_failure = {s_Module, 800};
 
 enum { PIN_COLUMNS = 3, DOMAIN_COLUMNS = 2, WHOLE = 100 };
 

@@ -2,12 +2,12 @@
 #include "IbisParser/diffpin.h"
 
 #include "IbisParser/base/place.h"
+#include "IbisParser/base/raise.h"
 #include "IbisParser/dly.h"
-#include "IbisParser/errlog.h"
 #include "IbisParser/read/component/cmpnt.h"
 
 static const char s_Module[] = "IbisParser/diffpin";
-static const PartFailure s_failure = {s_Module, 1500, 1501};
+static const PartFailure s_failure = {s_Module, 1500};
 
 enum { DIFF_COLUMNS = 6, FIRST_VALUE = 2, NUMBER_LENGTH = 9 };
 

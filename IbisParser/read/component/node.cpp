@@ -1,7 +1,7 @@
 // [Node Declarations]: nodes of the die.
 #include "IbisParser/node.h"
 
-#include "IbisParser/errlog.h"
+#include "IbisParser/base/raise.h"
 #include "IbisParser/read/component/cmpnt.h"
 
 static const char s_Module[] = "IbisParser/node";

@@ -1,8 +1,8 @@
 // What the parts of a component ask of it, and how they split their lines.
 #include <iterator>
 
+#include "IbisParser/base/raise.h"
 #include "IbisParser/base/token.h"
-#include "IbisParser/errlog.h"
 #include "IbisParser/read/component/cmpnt.h"
 
 static const char s_Module[] = "IbisParser/cmpnt";

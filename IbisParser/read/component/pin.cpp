@@ -2,11 +2,11 @@
 #include "IbisParser/pin.h"
 
 #include "IbisParser/base/place.h"
-#include "IbisParser/errlog.h"
+#include "IbisParser/base/raise.h"
 #include "IbisParser/read/component/cmpnt.h"
 
 static const char s_Module[] = "IbisParser/pin";
-static const PartFailure s_failure = {s_Module, 1200, 1201};
+static const PartFailure s_failure = {s_Module, 1200};
 
 enum { PIN_COLUMNS = 6, FIRST_VALUE = 3, VALUE_COLUMNS = 3, NUMBER_LENGTH = 9 };
 

@@ -2,11 +2,11 @@
 #include "IbisParser/pinmap.h"
 
 #include "IbisParser/base/place.h"
-#include "IbisParser/errlog.h"
+#include "IbisParser/base/raise.h"
 #include "IbisParser/read/component/cmpnt.h"
 
 static const char s_Module[] = "IbisParser/pinmap";
-static const PartFailure s_failure = {s_Module, 1300, 1301};
+static const PartFailure s_failure = {s_Module, 1300};
 
 const char* const pinmapColumns[PINMAP_COLUMNS] = {"pulldown_ref", "pullup_ref", "gnd_clamp_ref",
                                                    "power_clamp_ref", "ext_ref"};

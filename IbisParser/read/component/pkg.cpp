@@ -1,7 +1,7 @@
 // [Package]: lumped parasitics of a component.
 #include "IbisParser/pkg.h"
 
-#include "IbisParser/errlog.h"
+#include "IbisParser/base/raise.h"
 #include "IbisParser/krng.h"
 #include "IbisParser/store/section.h"
 

@@ -4,11 +4,11 @@
 #include <algorithm>
 
 #include "IbisParser/base/place.h"
-#include "IbisParser/errlog.h"
+#include "IbisParser/base/raise.h"
 #include "IbisParser/read/component/cmpnt.h"
 
 static const char s_Module[] = "IbisParser/sermap";
-static const PartFailure s_failure = {s_Module, 1700, 1701};
+static const PartFailure s_failure = {s_Module, 1700};
 
 static const char s_mapping[] = "Series Pin Mapping";
 static const char* const s_columns[] = {"pin_2", "model_name", "function_table_group"};

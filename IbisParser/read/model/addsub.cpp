@@ -1,7 +1,7 @@
 // [Add Submodel].
 #include "IbisParser/addsub.h"
 
-#include "IbisParser/errlog.h"
+#include "IbisParser/base/raise.h"
 #include "IbisParser/krng.h"
 #include "IbisParser/read/model/mdl.h"
 

@@ -1,8 +1,8 @@
 // [Driver Schedule].
 #include "IbisParser/drvsh.h"
 
+#include "IbisParser/base/raise.h"
 #include "IbisParser/dly.h"
-#include "IbisParser/errlog.h"
 #include "IbisParser/read/model/mdl.h"
 
 static const char s_Module[] = "IbisParser/drvsh";

@@ -3,7 +3,7 @@
 
 #include "IbisParser/base/corner.h"
 #include "IbisParser/base/place.h"
-#include "IbisParser/errlog.h"
+#include "IbisParser/base/raise.h"
 #include "IbisParser/read/component/cmpnt.h"
 #include "IbisParser/read/model/ext.h"
 

@@ -1,6 +1,6 @@
 // The ports of an [External Model]: which a Model_type needs, and which mean nothing to it.
 #include "IbisParser/base/place.h"
-#include "IbisParser/errlog.h"
+#include "IbisParser/base/raise.h"
 #include "IbisParser/mdl.h"
 #include "IbisParser/read/model/ext.h"
 

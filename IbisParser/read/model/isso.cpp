@@ -2,9 +2,9 @@
 #include "IbisParser/isso.h"
 
 #include "IbisParser/base/corner.h"
+#include "IbisParser/base/raise.h"
 #include "IbisParser/base/rngp.h"
 #include "IbisParser/cmn.h"
-#include "IbisParser/errlog.h"
 #include "IbisParser/krng.h"
 #include "IbisParser/mdl.h"
 #include "IbisParser/read/model/isso.h"

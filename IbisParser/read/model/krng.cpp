@@ -7,8 +7,8 @@
 
 #include "IbisParser/base/corner.h"
 #include "IbisParser/base/place.h"
+#include "IbisParser/base/raise.h"
 #include "IbisParser/base/token.h"
-#include "IbisParser/errlog.h"
 
 static const char s_Module[] = "IbisParser/krng";
 

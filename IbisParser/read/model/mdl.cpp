@@ -5,7 +5,7 @@
 
 #include "IbisParser/algmod.h"
 #include "IbisParser/base/keyword.h"
-#include "IbisParser/errlog.h"
+#include "IbisParser/base/raise.h"
 #include "IbisParser/ext.h"
 #include "IbisParser/isso.h"
 #include "IbisParser/read/model/mdl.h"

@@ -2,6 +2,7 @@
 #ifndef IBISPARSER_READ_MODEL_MDL_H
 #define IBISPARSER_READ_MODEL_MDL_H
 
+#include "IbisParser/base/raise.h"
 #include "IbisParser/cmn.h"
 #include "IbisParser/drvsh.h"
 #include "IbisParser/mdl.h"
@@ -20,8 +21,9 @@ double MDL_Least(const RngRange* range);
 
 // The name on the keyword line of a model or submodel; tooLong and furtherText are the messages for
 // a name that is cut and for text behind it.
-int MDL_NameLine(char* dest, char* text, int code, VersionLimit limit, unsigned tooLong,
-                 unsigned furtherText);
+int MDL_NameLine(char* dest, char* text, int code, VersionLimit limit,
+                 ErrNumber<const char*, int> tooLong,
+                 ErrNumber<const char*, const char*> furtherText);
 // A number of a split sub-parameter line. What could not be read is marked CELL_NA, so that it
 // does not count as missing.
 int MDL_SetSingle(RngSingle* slot, const CmnArgs* args, const char* name);

@@ -1,7 +1,7 @@
 // [Begin EMI Model].
 #include "IbisParser/mdlemi.h"
 
-#include "IbisParser/errlog.h"
+#include "IbisParser/base/raise.h"
 #include "IbisParser/krng.h"
 #include "IbisParser/read/model/mdl.h"
 
@@ -14,7 +14,7 @@ static const struct {
     const char* name;
     int MdlEmi::*value;
     const char* const* words;
-    unsigned unknownWord;
+    ErrNumber<const char*> unknownWord;
 } s_items[] = {
     {"Model_emi_type", &MdlEmi::type, s_types, 4803},
     {"Model_Domain", &MdlEmi::domain, s_domains, 4804},

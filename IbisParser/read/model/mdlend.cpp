@@ -2,7 +2,7 @@
 #include <initializer_list>
 
 #include "IbisParser/algmod.h"
-#include "IbisParser/errlog.h"
+#include "IbisParser/base/raise.h"
 #include "IbisParser/ext.h"
 #include "IbisParser/isso.h"
 #include "IbisParser/read/model/mdl.h"

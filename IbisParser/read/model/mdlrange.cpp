@@ -1,7 +1,7 @@
 // mdl: keywords whose typ, min and max stand on the keyword line, and the reference voltages.
 #include <cmath>
 
-#include "IbisParser/errlog.h"
+#include "IbisParser/base/raise.h"
 #include "IbisParser/krng.h"
 #include "IbisParser/read/model/mdl.h"
 

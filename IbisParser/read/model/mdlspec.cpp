@@ -5,7 +5,7 @@
 #include <initializer_list>
 
 #include "IbisParser/base/corner.h"
-#include "IbisParser/errlog.h"
+#include "IbisParser/base/raise.h"
 #include "IbisParser/krng.h"
 #include "IbisParser/read/model/mdl.h"
 
@@ -168,7 +168,7 @@ void checkSigns(const Mdl* model)
 // One of the limits against another; raised for the first column that offends. sign is 1 when the
 // limit must be above (strictly, or not below) the other, -1 when below.
 struct Limit {
-    unsigned number;
+    ErrNumber<const char*, double, double> number;
     MdlSpecItem item;
     int sign;
     bool strict;

@@ -3,8 +3,8 @@
 
 #include "IbisParser/base/clocale.h"
 #include "IbisParser/base/corner.h"
+#include "IbisParser/base/raise.h"
 #include "IbisParser/base/token.h"
-#include "IbisParser/errlog.h"
 #include "IbisParser/krng.h"
 #include "IbisParser/read/model/mdl.h"
 
@@ -43,7 +43,7 @@ void setType(Mdl* model, const char* word)
 }
 
 template <std::size_t n>
-void setWord(const Word (&words)[n], unsigned number, const char* text, int* out)
+void setWord(const Word (&words)[n], ErrNumber<const char*> number, const char* text, int* out)
 {
     const Word* word = SEC_FindRow(words, text);
     if (word == nullptr) {
@@ -179,8 +179,9 @@ int MDL_SubParameter(Mdl* model, const char* line)
     return receive(model, &args, line);
 }
 
-int MDL_NameLine(char* dest, char* text, int code, VersionLimit limit, unsigned tooLong,
-                 unsigned furtherText)
+int MDL_NameLine(char* dest, char* text, int code, VersionLimit limit,
+                 ErrNumber<const char*, int> tooLong,
+                 ErrNumber<const char*, const char*> furtherText)
 {
     char* end = text;
     while (*end != '\0' && !TOKEN_IsBlank(*end))

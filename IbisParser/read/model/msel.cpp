@@ -1,7 +1,7 @@
 // [Model Selector]: the models that a pin can be given.
 #include "IbisParser/msel.h"
 
-#include "IbisParser/errlog.h"
+#include "IbisParser/base/raise.h"
 #include "IbisParser/read/model/msel.h"
 #include "IbisParser/store/life.h"
 

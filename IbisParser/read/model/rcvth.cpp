@@ -1,7 +1,7 @@
 // [Receiver Thresholds].
 #include "IbisParser/rcvth.h"
 
-#include "IbisParser/errlog.h"
+#include "IbisParser/base/raise.h"
 #include "IbisParser/krng.h"
 #include "IbisParser/read/model/mdl.h"
 #include "IbisParser/read/model/rcvth.h"

@@ -7,7 +7,7 @@
 
 #include "IbisParser/base/corner.h"
 #include "IbisParser/base/place.h"
-#include "IbisParser/errlog.h"
+#include "IbisParser/base/raise.h"
 #include "IbisParser/krng.h"
 #include "IbisParser/read/model/mdl.h"
 #include "IbisParser/vitbl.h"
@@ -30,7 +30,7 @@ const struct {
 
 // Elements that stand in series with another one.
 const struct Need {
-    unsigned number;
+    ErrNumber<const char*> number;
     RngRange* SerEl::*element;
     RngRange* SerEl::*needs;
 } elementNeeds[] = {

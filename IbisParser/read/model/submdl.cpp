@@ -1,7 +1,7 @@
 // [Submodel].
 #include "IbisParser/submdl.h"
 
-#include "IbisParser/errlog.h"
+#include "IbisParser/base/raise.h"
 #include "IbisParser/krng.h"
 #include "IbisParser/read/model/mdl.h"
 #include "IbisParser/store/life.h"

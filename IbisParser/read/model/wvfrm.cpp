@@ -4,9 +4,9 @@
 #include <cstring>
 
 #include "IbisParser/base/corner.h"
+#include "IbisParser/base/raise.h"
 #include "IbisParser/base/rngp.h"
 #include "IbisParser/cmn.h"
-#include "IbisParser/errlog.h"
 #include "IbisParser/krng.h"
 #include "IbisParser/parse.h"
 #include "IbisParser/read/model/table.h"

@@ -7,9 +7,9 @@
 #include <iterator>
 
 #include "IbisParser/base/place.h"
+#include "IbisParser/base/raise.h"
 #include "IbisParser/base/token.h"
 #include "IbisParser/cmn.h"
-#include "IbisParser/errlog.h"
 #include "IbisParser/read/package/board.h"
 #include "IbisParser/store/life.h"
 
@@ -17,8 +17,8 @@ static const char s_Module[] = "IbisParser/ebdmdl";
 static const SecFrame s_frame = {s_Module, 4300, 4301, 4302, 4303, 4304, 4305, 4327};
 
 struct EbdKeyword : SecKeyword<EbdMdl> {
-    unsigned duplicate;  // message of a second one, 0 where many are allowed
-    int after;           // keyword that stands before it
+    ErrNumber<> duplicate;  // message of a second one, 0 where many are allowed
+    int after;              // keyword that stands before it
 };
 
 static struct EbdReading : SecReading<EbdMdl, EbdKeyword, &EbdMdl::found> {

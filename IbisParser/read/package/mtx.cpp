@@ -8,9 +8,9 @@
 #include <iterator>
 
 #include "IbisParser/base/place.h"
+#include "IbisParser/base/raise.h"
 #include "IbisParser/base/token.h"
 #include "IbisParser/cmn.h"
-#include "IbisParser/errlog.h"
 #include "IbisParser/keyword.h"
 #include "IbisParser/krng.h"
 #include "IbisParser/pkgmdl.h"

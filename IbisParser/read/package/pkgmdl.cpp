@@ -9,10 +9,10 @@
 
 #include "IbisParser/apkg.h"
 #include "IbisParser/base/place.h"
+#include "IbisParser/base/raise.h"
 #include "IbisParser/base/token.h"
 #include "IbisParser/cmn.h"
 #include "IbisParser/cmpnt.h"
-#include "IbisParser/errlog.h"
 #include "IbisParser/store/life.h"
 
 static const char s_Module[] = "IbisParser/pkgmdl";
@@ -143,7 +143,7 @@ static int s_pinLine(PkgMdl* package, char* line)
     return s_reading.path != nullptr && SECT_ReceiveLine(s_reading.path, text);
 }
 
-static int s_setCount(int* count, unsigned number, const char* text)
+static int s_setCount(int* count, ErrNumber<const char*> number, const char* text)
 {
     unsigned value = 0;
     if (CMN_StrToUI(text, &value) == 1 && value > 0 && value <= INT_MAX)

@@ -3,10 +3,10 @@
 
 #include <cstring>
 
+#include "IbisParser/base/raise.h"
 #include "IbisParser/base/token.h"
 #include "IbisParser/cmn.h"
 #include "IbisParser/ebdmdl.h"
-#include "IbisParser/errlog.h"
 #include "IbisParser/parse.h"
 #include "IbisParser/read/package/board.h"
 #include "IbisParser/store/section.h"
