@@ -36,7 +36,6 @@
 #define IBISPARSER_STORE_LIFE_H
 
 #include <cstddef>
-#include <source_location>
 #include <span>
 #include <type_traits>
 
@@ -129,7 +128,6 @@ template <typename Reading>
 struct SecLife {
     using Record = typename Reading::Record;
     using Row = typename Reading::Row;
-    using At = std::source_location;  // of the section, for messages about its caller
 
     Reading* reading;
     SecFrame frame;
@@ -142,10 +140,11 @@ struct SecLife {
     int (*judge)(Record*, const Row&, char*) = nullptr;  // 0 refuses the keyword
     void (*end)(Record*) = nullptr;
 
-    int Init(At at = At::current()) const
+    // at is the source line of the section, for messages about its caller.
+    int Init(int at = __builtin_LINE()) const
     {
         Close();
-        IbisRoot* root = SEC_Root(&frame, static_cast<int>(at.line()));
+        IbisRoot* root = SEC_Root(&frame, at);
         if (root == nullptr) return 0;
         auto* record = static_cast<Record*>(SEC_NewRecord(&frame, sizeof(Record)));
         if (record == nullptr) return 0;
@@ -161,14 +160,13 @@ struct SecLife {
         return add(root, record);
     }
 
-    int ReceiveLine(int kind, int code, char* line, At at = At::current()) const
+    int ReceiveLine(int kind, int code, char* line, int at = __builtin_LINE()) const
     {
-        const int place = static_cast<int>(at.line());
-        if (line == nullptr) CMN_AssertFailed(frame.module, place);
-        if (!SEC_Receives(&frame, place, kind, reading->open)) return 0;
+        if (line == nullptr) CMN_AssertFailed(frame.module, at);
+        if (!SEC_Receives(&frame, at, kind, reading->open)) return 0;
         const Row* row = kind == LINE_KEYWORD ? reading->Find(code) : reading->keyword;
         if (row == nullptr || row->code != code) {
-            SEC_UnknownKeyword(&frame, place);
+            SEC_UnknownKeyword(&frame, at);
             return 0;
         }
         return kind == LINE_KEYWORD ? KeywordLine(*row, SEC_Argument(line)) : DataLine(*row, line);
