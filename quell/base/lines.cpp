@@ -1,11 +1,11 @@
 // Whole text files and their lines.
 #include "quell/base/lines.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
 #include <filesystem>
-#include <memory>
 
 #include "quell/base/errors.h"
 
@@ -14,10 +14,12 @@ namespace quell {
 namespace {
 
 constexpr std::uintmax_t LargestFile = 1'000'000'000;
+constexpr size_t BlockSize = 1U << 16;
+constexpr std::string_view ByteOrderMark = "\xEF\xBB\xBF";
 
-}  // namespace
+using FilePointer = std::unique_ptr<std::FILE, int (*)(std::FILE*)>;
 
-std::string ReadTextFile(const std::string& path)
+FilePointer OpenTextFile(const std::string& path, size_t& bytes)
 {
     std::error_code error;
     const std::filesystem::file_status status = std::filesystem::status(path, error);
@@ -29,35 +31,91 @@ std::string ReadTextFile(const std::string& path)
     if (error) throw InputError(path, 0, error.message());
     if (size > LargestFile) throw InputError(path, 0, "larger than 1 GB");
 
-    const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen(path.c_str(), "rb"),
-                                                               std::fclose);
+    FilePointer file(std::fopen(path.c_str(), "rb"), std::fclose);
     if (!file) throw InputError(path, 0, std::strerror(errno));
-    std::string text(static_cast<size_t>(size), '\0');
-    text.resize(std::fread(text.data(), 1, text.size(), file.get()));
-    if (std::ferror(file.get())) throw InputError(path, 0, "read error");
+    bytes = static_cast<size_t>(size);
+    return file;
+}
+
+// Appends so many bytes, or fewer where the file ends first.
+void ReadBytes(std::FILE* file, const std::string& path, size_t bytes, std::string& text)
+{
+    const size_t before = text.size();
+    text.resize(before + bytes);
+    text.resize(before + std::fread(text.data() + before, 1, bytes, file));
+    if (std::ferror(file)) throw InputError(path, 0, "read error");
+}
+
+// The end of the line that holds `from`: LF, CR LF, CR or the end of the text.
+size_t LineEnd(std::string_view text, size_t from)
+{
+    while (from < text.size() && text[from] != '\n' && text[from] != '\r')
+        ++from;
+    return from;
+}
+
+size_t NextLine(std::string_view text, size_t end)
+{
+    const size_t width = text.substr(end).starts_with("\r\n") ? 2 : 1;
+    return std::min(end + width, text.size());
+}
+
+}  // namespace
+
+std::string ReadTextFile(const std::string& path)
+{
+    size_t bytes = 0;
+    const FilePointer file = OpenTextFile(path, bytes);
+    std::string text;
+    ReadBytes(file.get(), path, bytes, text);
     return text;
 }
 
 LineWalker::LineWalker(std::string_view text) : m_Rest(text)
 {
-    constexpr std::string_view mark = "\xEF\xBB\xBF";
-    if (m_Rest.starts_with(mark)) m_Rest.remove_prefix(mark.size());
+    if (m_Rest.starts_with(ByteOrderMark)) m_Rest.remove_prefix(ByteOrderMark.size());
 }
 
 bool LineWalker::Next(std::string_view& line)
 {
     if (m_Rest.empty()) return false;
     ++m_Number;
-    size_t end = 0;
-    while (end < m_Rest.size() && m_Rest[end] != '\n' && m_Rest[end] != '\r')
-        ++end;
+    const size_t end = LineEnd(m_Rest, 0);
     line = m_Rest.substr(0, end);
-    m_Rest.remove_prefix(end);
-    if (m_Rest.starts_with("\r\n")) {
-        m_Rest.remove_prefix(2);
-    } else if (!m_Rest.empty()) {
-        m_Rest.remove_prefix(1);
+    m_Rest.remove_prefix(NextLine(m_Rest, end));
+    return true;
+}
+
+FileLines::FileLines(const std::string& path) : m_Path(path), m_File(OpenTextFile(path, m_Left))
+{
+    ReadBlock();
+    if (m_Block.starts_with(ByteOrderMark)) m_Begin = ByteOrderMark.size();
+}
+
+void FileLines::ReadBlock()
+{
+    m_Block.erase(0, m_Begin);
+    m_Begin = 0;
+    const size_t before = m_Block.size();
+    ReadBytes(m_File.get(), m_Path, std::min(BlockSize, m_Left), m_Block);
+    const size_t read = m_Block.size() - before;
+    m_Left = read == 0 ? 0 : m_Left - read;  // 0 bytes: the file has become shorter
+}
+
+bool FileLines::Next(std::string_view& line)
+{
+    size_t end = LineEnd(m_Block, m_Begin);
+    // A CR at the end of the block may be half of a line end.
+    while (m_Left > 0 &&
+           (end >= m_Block.size() || (m_Block[end] == '\r' && end + 1 == m_Block.size()))) {
+        const size_t walked = end - m_Begin;
+        ReadBlock();
+        end = LineEnd(m_Block, walked);
     }
+    if (m_Begin == m_Block.size()) return false;
+    ++m_Number;
+    line = std::string_view(m_Block).substr(m_Begin, end - m_Begin);
+    m_Begin = NextLine(m_Block, end);
     return true;
 }
 

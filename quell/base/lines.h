@@ -2,6 +2,8 @@
 #ifndef QUELL_BASE_LINES_H
 #define QUELL_BASE_LINES_H
 
+#include <cstdio>
+#include <memory>
 #include <string>
 #include <string_view>
 
@@ -20,6 +22,26 @@ public:
 
 private:
     std::string_view m_Rest;
+    size_t m_Number = 0;
+};
+
+// Walks the lines of a regular file in the same way, with one block of it in memory.
+class FileLines {
+public:
+    // Throws InputError for what ReadTextFile refuses.
+    explicit FileLines(const std::string& path);
+    // The line holds until the next call. Throws InputError when the file cannot be read.
+    bool Next(std::string_view& line);
+    size_t Number() const { return m_Number; }
+
+private:
+    void ReadBlock();
+
+    std::string m_Path;
+    std::unique_ptr<std::FILE, int (*)(std::FILE*)> m_File;
+    size_t m_Left;        // bytes that are not read yet
+    std::string m_Block;  // what is read, from the line walked last
+    size_t m_Begin = 0;   // of the next line
     size_t m_Number = 0;
 };
 

@@ -158,11 +158,12 @@ bool SameInterval(double a, double b)
     return std::abs(a / b - 1) < 1e-6;
 }
 
-void ConvertSamples(const SampledResponses& table, size_t index, const ChannelOptions& options,
+// Takes the column out of the table.
+void ConvertSamples(SampledResponses& table, size_t index, const ChannelOptions& options,
                     const TimeGrid& grid, Column& column)
 {
-    column.impulse =
-        ToImpulse(table.columns[index], options.response, table.interval, grid.BitTime());
+    column.impulse = ToImpulse(std::move(table.columns[index]), options.response, table.interval,
+                               grid.BitTime());
     if (options.response == ResponseKind::Impulse && options.unit == ImpulseUnit::VoltPerSample)
         for (double& h : column.impulse)
             h /= table.interval;
@@ -202,10 +203,10 @@ TimeGrid ChooseGrid(const ChannelSource& victim, const ChannelOptions& options)
     return grid;
 }
 
-// One channel's columns on the grid.
-void AddColumns(const ChannelSource& source, const ChannelOptions& options, ImpulseMatrix& matrix)
+// One channel's columns on the grid. Samples of a table are handed on.
+void AddColumns(ChannelSource& source, const ChannelOptions& options, ImpulseMatrix& matrix)
 {
-    const auto* table = std::get_if<SampledResponses>(&source.content);
+    auto* table = std::get_if<SampledResponses>(&source.content);
     const size_t count = table != nullptr ? table->columns.size() : 1;
     for (size_t k = 0; k < count; ++k) {
         Column column;
@@ -298,7 +299,7 @@ ChannelSource ReadChannel(const std::string& name, const ChannelOptions& options
         throw InputError("'" + name +
                          "' is no channel: expected a .s2p, .s4p or .csv file or loss:8dB@2.5GHz");
     if (order) throw InputError(path, 0, "a table has no ports");
-    source.content = ParseCsv(ReadTextFile(path), path, options.sampleInterval);
+    source.content = ReadCsv(path, options.sampleInterval);
     return source;
 }
 
@@ -307,15 +308,17 @@ ImpulseMatrix BuildImpulseMatrix(const std::string& victim,
                                  const ChannelOptions& options)
 {
     ImpulseMatrix matrix;
-    const ChannelSource first = ReadChannel(victim, options, nullptr);
+    ChannelSource first = ReadChannel(victim, options, nullptr);
     matrix.grid = ChooseGrid(first, options);
     AddColumns(first, options, matrix);
 
     const auto* through = std::get_if<ThroughChannel>(&first.content);
     const PortOrder none;
     const PortOrder* ports = through != nullptr ? &through->ports : &none;
-    for (const std::string& name : aggressors)
-        AddColumns(ReadChannel(name, options, ports), options, matrix);
+    for (const std::string& name : aggressors) {
+        ChannelSource aggressor = ReadChannel(name, options, ports);
+        AddColumns(aggressor, options, matrix);
+    }
 
     const double samplesPerBit = matrix.grid.samplesPerBit;
     if (samplesPerBit != std::round(samplesPerBit))

@@ -1,7 +1,9 @@
 // Responses over time in a text table.
 #include "quell/channel/csv.h"
 
+#include <algorithm>
 #include <cmath>
+#include <iterator>
 
 #include "quell/base/errors.h"
 #include "quell/base/lines.h"
@@ -58,8 +60,34 @@ bool NamesTime(const std::string& name)
            lower.starts_with("t(") || lower.starts_with("t[") || lower.starts_with("t_");
 }
 
+// The lines that the samples stand in: what is kept is where lines without a sample lie between.
+class SampleLines {
+public:
+    void Add(size_t line)
+    {
+        if (m_Runs.empty() || line != m_Runs.back().line + (m_Samples - m_Runs.back().sample))
+            m_Runs.push_back({m_Samples, line});
+        ++m_Samples;
+    }
+    size_t Count() const { return m_Samples; }
+    size_t Of(size_t sample) const
+    {
+        const auto run =
+            std::prev(std::upper_bound(m_Runs.begin(), m_Runs.end(), sample,
+                                       [](size_t s, const Run& r) { return s < r.sample; }));
+        return run->line + (sample - run->sample);
+    }
+
+private:
+    struct Run {
+        size_t sample, line;
+    };
+    std::vector<Run> m_Runs;
+    size_t m_Samples = 0;
+};
+
 // The step of the time column, which is removed.
-double TakeTime(SampledResponses& table, const std::string& name, const std::vector<size_t>& lines)
+double TakeTime(SampledResponses& table, const std::string& name, const SampleLines& lines)
 {
     const std::vector<double> time = std::move(table.columns.front());
     table.columns.erase(table.columns.begin());
@@ -69,7 +97,7 @@ double TakeTime(SampledResponses& table, const std::string& name, const std::vec
     for (size_t k = 0; k < time.size(); ++k) {
         const double expected = time.front() + static_cast<double>(k) * step;
         if (std::abs(time[k] - expected) > 0.05 * step)
-            throw InputError(name, lines[k],
+            throw InputError(name, lines.Of(k),
                              "time " + ShortText(time[k], 8) + " s; steps of " +
                                  UnitText(step, "s") + " would give " + ShortText(expected, 8) +
                                  " s: the steps must be equal");
@@ -77,18 +105,16 @@ double TakeTime(SampledResponses& table, const std::string& name, const std::vec
     return step;
 }
 
-}  // namespace
-
-SampledResponses ParseCsv(std::string_view text, const std::string& name,
-                          std::optional<double> sampleInterval)
+template <typename Lines>
+SampledResponses ParseTable(Lines& lines, const std::string& name,
+                            std::optional<double> sampleInterval)
 {
     SampledResponses table;
-    std::vector<size_t> lineNumbers;
+    SampleLines samples;
     std::vector<std::string_view> fields;
     char separator = 0;
     bool hasNames = false;
 
-    LineWalker lines(text);
     std::string_view line;
     while (lines.Next(line)) {
         line = line.substr(0, line.find_first_of("#!"));
@@ -114,15 +140,15 @@ SampledResponses ParseCsv(std::string_view text, const std::string& name,
                 throw InputError(name, lines.Number(), Quoted(fields[k]) + " is not a number");
             table.columns[k].push_back(*value);
         }
-        lineNumbers.push_back(lines.Number());
+        samples.Add(lines.Number());
     }
-    if (lineNumbers.size() < 2) throw InputError(name, 0, "fewer than two samples");
+    if (samples.Count() < 2) throw InputError(name, 0, "fewer than two samples");
 
     if (hasNames ? NamesTime(table.names.front()) : !sampleInterval.has_value()) {
         if (table.columns.size() < 2)
             throw InputError(name, 0,
                              "one column: give --sample-interval, or a time column before it");
-        table.interval = TakeTime(table, name, lineNumbers);
+        table.interval = TakeTime(table, name, samples);
         if (sampleInterval && std::abs(table.interval / *sampleInterval - 1) > 1e-3)
             throw InputError(name, 0,
                              "the time column has steps of " + UnitText(table.interval, "s") +
@@ -133,6 +159,21 @@ SampledResponses ParseCsv(std::string_view text, const std::string& name,
         throw InputError(name, 0, "the first column is not the time: give --sample-interval");
     }
     return table;
+}
+
+}  // namespace
+
+SampledResponses ParseCsv(std::string_view text, const std::string& name,
+                          std::optional<double> sampleInterval)
+{
+    LineWalker lines(text);
+    return ParseTable(lines, name, sampleInterval);
+}
+
+SampledResponses ReadCsv(const std::string& path, std::optional<double> sampleInterval)
+{
+    FileLines lines(path);
+    return ParseTable(lines, path, sampleInterval);
 }
 
 }  // namespace quell

@@ -22,6 +22,8 @@ struct SampledResponses {
 // step, so that rounded times pass). Throws InputError with name and line.
 SampledResponses ParseCsv(std::string_view text, const std::string& name,
                           std::optional<double> sampleInterval);
+// The same of a file, whose text is never in memory as a whole.
+SampledResponses ReadCsv(const std::string& path, std::optional<double> sampleInterval);
 
 }  // namespace quell
 

@@ -32,7 +32,7 @@ size_t PhaseCount(double samplesPerBit)
 
 }  // namespace
 
-double ValueAt(const std::vector<double>& response, double position)
+double ValueAt(std::span<const double> response, double position)
 {
     if (response.empty() || position <= -1) return 0;
     const double floor = std::floor(position);
@@ -44,7 +44,7 @@ double ValueAt(const std::vector<double>& response, double position)
     return (1 - part) * response[index] + part * response[index + 1];
 }
 
-std::vector<double> StepResponse(const std::vector<double>& impulse, double interval)
+std::vector<double> StepResponse(std::span<const double> impulse, double interval)
 {
     std::vector<double> step(impulse.size());
     double sum = 0;
@@ -55,17 +55,17 @@ std::vector<double> StepResponse(const std::vector<double>& impulse, double inte
     return step;
 }
 
-std::vector<double> PulseResponse(const std::vector<double>& impulse, double interval,
+std::vector<double> PulseResponse(std::span<const double> impulse, double interval,
                                   double samplesPerBit)
 {
-    const std::vector<double> step = StepResponse(impulse, interval);
-    std::vector<double> pulse(step.size());
-    for (size_t n = 0; n < step.size(); ++n)
-        pulse[n] = step[n] - ValueAt(step, static_cast<double>(n) - samplesPerBit);
+    // In place from the end: what is taken away lies before.
+    std::vector<double> pulse = StepResponse(impulse, interval);
+    for (size_t n = pulse.size(); n-- > 0;)
+        pulse[n] -= ValueAt(pulse, static_cast<double>(n) - samplesPerBit);
     return pulse;
 }
 
-std::vector<double> CursorsAt(const std::vector<double>& pulse, double samplesPerBit, double phase)
+std::vector<double> CursorsAt(std::span<const double> pulse, double samplesPerBit, double phase)
 {
     std::vector<double> cursors;
     if (pulse.empty()) return cursors;
@@ -78,7 +78,7 @@ std::vector<double> CursorsAt(const std::vector<double>& pulse, double samplesPe
     }
 }
 
-PeakDistortion AnalysePeakDistortion(const std::vector<double>& pulse, double samplesPerBit)
+PeakDistortion AnalysePeakDistortion(std::span<const double> pulse, double samplesPerBit)
 {
     PeakDistortion best;
     for (size_t phase = 0; phase < PhaseCount(samplesPerBit); ++phase) {
@@ -91,7 +91,7 @@ PeakDistortion AnalysePeakDistortion(const std::vector<double>& pulse, double sa
     return best;
 }
 
-Crosstalk AnalyseCrosstalk(const std::vector<double>& pulse, double samplesPerBit)
+Crosstalk AnalyseCrosstalk(std::span<const double> pulse, double samplesPerBit)
 {
     Crosstalk worst;
     for (size_t phase = 0; phase < PhaseCount(samplesPerBit); ++phase) {

@@ -4,25 +4,26 @@
 #define QUELL_SIGNAL_PULSE_H
 
 #include <cstddef>
+#include <span>
 #include <vector>
 
 namespace quell {
 
 // A sampled response at any position, straight between the samples: 0 before the first, the last
 // value behind the end.
-double ValueAt(const std::vector<double>& response, double position);
+double ValueAt(std::span<const double> response, double position);
 
 // The running sum of h times the sample interval (s): the answer to a step of 1 V.
-std::vector<double> StepResponse(const std::vector<double>& impulse, double interval);
+std::vector<double> StepResponse(std::span<const double> impulse, double interval);
 
 // The integral of h over one unit interval, p(t) = s(t) - s(t - one unit interval): the answer to
 // one bit of 1 V. As long as h.
-std::vector<double> PulseResponse(const std::vector<double>& impulse, double interval,
+std::vector<double> PulseResponse(std::span<const double> impulse, double interval,
                                   double samplesPerBit);
 
 // The cursors of a phase (in samples, 0 to samplesPerBit): the pulse response at phase + k unit
 // intervals, k = 0, 1, ... to its end.
-std::vector<double> CursorsAt(const std::vector<double>& pulse, double samplesPerBit, double phase);
+std::vector<double> CursorsAt(std::span<const double> pulse, double samplesPerBit, double phase);
 
 struct PeakDistortion {
     double height = 0;      // V; negative when the eye is closed
@@ -35,7 +36,7 @@ struct PeakDistortion {
 // p0 is the largest cursor of the phase. The worst data pattern takes the full magnitude of every
 // other cursor (Casper, Haycock, Mooney: "An accurate and efficient analysis method for multi-Gb/s
 // chip-to-chip signaling schemes", 2002).
-PeakDistortion AnalysePeakDistortion(const std::vector<double>& pulse, double samplesPerBit);
+PeakDistortion AnalysePeakDistortion(std::span<const double> pulse, double samplesPerBit);
 
 struct Crosstalk {
     double sum = 0;      // V, sum of all |xk| at the worst phase
@@ -43,7 +44,7 @@ struct Crosstalk {
 };
 
 // What an aggressor takes from the eye height at worst: the largest sum of magnitudes over phase.
-Crosstalk AnalyseCrosstalk(const std::vector<double>& pulse, double samplesPerBit);
+Crosstalk AnalyseCrosstalk(std::span<const double> pulse, double samplesPerBit);
 
 }  // namespace quell
 

@@ -42,16 +42,13 @@ Density AggressorDensity(std::span<const double> pulse, std::size_t samplesPerUi
     return average;
 }
 
-// Height of the eye by peak distortion, p0 - sum |pk|, with each sample as the main cursor.
-std::vector<double> PeakDistortionHeights(std::span<const double> pulse, std::size_t samplesPerUi)
+// Of each phase the sum of the magnitudes of its cursors.
+std::vector<double> CursorSums(std::span<const double> pulse, std::size_t samplesPerUi)
 {
     std::vector<double> sums(samplesPerUi, 0.0);
     for (std::size_t i = 0; i < pulse.size(); ++i)
         sums[i % samplesPerUi] += std::abs(pulse[i]);
-    std::vector<double> heights(pulse.size());
-    for (std::size_t i = 0; i < pulse.size(); ++i)
-        heights[i] = pulse[i] + std::abs(pulse[i]) - sums[i % samplesPerUi];
-    return heights;
+    return sums;
 }
 
 // The sample in the middle of the eye: of the run of instants around the highest one where peak
@@ -59,29 +56,31 @@ std::vector<double> PeakDistortionHeights(std::span<const double> pulse, std::si
 // main cursor. The highest instant itself often lies near one end of the opening.
 long MiddleOfEye(std::span<const double> pulse, std::size_t samplesPerUi)
 {
-    const std::vector<double> heights = PeakDistortionHeights(pulse, samplesPerUi);
-    const long best = std::max_element(heights.begin(), heights.end()) - heights.begin();
-    const auto at = [](std::span<const double> values, long i) {
-        return values[static_cast<std::size_t>(i)];
+    const std::vector<double> sums = CursorSums(pulse, samplesPerUi);
+    // By peak distortion, p0 - sum |pk|, with a sample as the main cursor.
+    const auto height = [&](long at) {
+        const std::size_t i = static_cast<std::size_t>(at);
+        return pulse[i] + std::abs(pulse[i]) - sums[i % samplesPerUi];
     };
-    const double floor = std::min(0.0, at(heights, best) - 0.5 * at(pulse, best));
+    long best = 0;
+    for (long i = 1; i < static_cast<long>(pulse.size()); ++i)
+        if (height(i) > height(best)) best = i;
+    const double floor = std::min(0.0, height(best) - 0.5 * pulse[static_cast<std::size_t>(best)]);
     const long reach = static_cast<long>(samplesPerUi);
     const long lowest = std::max(0L, best - reach);
     const long highest = std::min(static_cast<long>(pulse.size()) - 1, best + reach);
     long begin = best;
     long end = best;
-    while (begin > lowest && at(heights, begin - 1) > floor)
+    while (begin > lowest && height(begin - 1) > floor)
         --begin;
-    while (end < highest && at(heights, end + 1) > floor)
+    while (end < highest && height(end + 1) > floor)
         ++end;
     return (begin + end) / 2;
 }
 
 double VoltageStep(std::span<const double> pulse, std::size_t samplesPerUi, bool convolved)
 {
-    std::vector<double> sums(samplesPerUi, 0.0);
-    for (std::size_t i = 0; i < pulse.size(); ++i)
-        sums[i % samplesPerUi] += std::abs(pulse[i]);
+    const std::vector<double> sums = CursorSums(pulse, samplesPerUi);
     return std::max(*std::max_element(pulse.begin(), pulse.end()) / StepsPerCursor,
                     *std::max_element(sums.begin(), sums.end()) /
                         (convolved ? StepsPerSumConvolved : StepsPerSum));
@@ -90,7 +89,6 @@ double VoltageStep(std::span<const double> pulse, std::size_t samplesPerUi, bool
 // Cubic interpolation (Catmull-Rom) to factor times the sampling rate.
 std::vector<double> Oversample(std::span<const double> pulse, std::size_t factor)
 {
-    if (factor == 1) return {pulse.begin(), pulse.end()};
     const auto at = [pulse](std::size_t i, std::ptrdiff_t offset) {
         const std::ptrdiff_t k = static_cast<std::ptrdiff_t>(i) + offset;
         const bool inside = k >= 0 && k < static_cast<std::ptrdiff_t>(pulse.size());
@@ -208,7 +206,9 @@ StatisticalEye ComputeEye(std::span<const double> victim,
     // Jitter needs finer phases than the result has.
     const std::size_t factor = OversamplingFor(options, sampleInterval);
     const std::size_t finePerUi = samplesPerUi * factor;
-    const std::vector<double> pulse = Oversample(victim, factor);
+    const std::vector<double> finer =
+        factor == 1 ? std::vector<double>() : Oversample(victim, factor);
+    const std::span<const double> pulse = factor == 1 ? victim : std::span<const double>(finer);
     const Density jitter = JitterDensity(options, sampleInterval / static_cast<double>(factor));
     const long margin = std::max(std::abs(jitter.first), std::abs(jitter.last()));
 

@@ -3,6 +3,7 @@
 
 #include <cmath>
 #include <numbers>
+#include <utility>
 
 #include "quell/signal/pulse.h"
 
@@ -10,33 +11,32 @@ namespace quell {
 
 namespace {
 
-std::vector<double> Differences(const std::vector<double>& step, double interval)
+std::vector<double> Differences(std::vector<double> step, double interval)
 {
-    std::vector<double> impulse(step.size());
     double before = 0;
-    for (size_t n = 0; n < step.size(); ++n) {
-        impulse[n] = (step[n] - before) / interval;
-        before = step[n];
+    for (double& value : step) {
+        const double difference = value - before;
+        before = value;
+        value = difference / interval;
     }
-    return impulse;
+    return step;
 }
 
 }  // namespace
 
-std::vector<double> ToImpulse(const std::vector<double>& response, ResponseKind kind,
-                              double interval, double bitTime)
+std::vector<double> ToImpulse(std::vector<double> response, ResponseKind kind, double interval,
+                              double bitTime)
 {
     if (kind == ResponseKind::Impulse) return response;
-    if (kind == ResponseKind::Step) return Differences(response, interval);
+    if (kind == ResponseKind::Step) return Differences(std::move(response), interval);
     std::vector<double> step(response.size());
     const double shift = bitTime / interval;
     for (size_t n = 0; n < response.size(); ++n)
         step[n] = response[n] + ValueAt(step, static_cast<double>(n) - shift);
-    return Differences(step, interval);
+    return Differences(std::move(step), interval);
 }
 
-std::vector<double> Resample(const std::vector<double>& impulse, double interval,
-                             double newInterval)
+std::vector<double> Resample(std::span<const double> impulse, double interval, double newInterval)
 {
     const std::vector<double> step = StepResponse(impulse, interval);
     const double ratio = newInterval / interval;
@@ -45,10 +45,10 @@ std::vector<double> Resample(const std::vector<double>& impulse, double interval
     // A sample stands for the interval that ends with it.
     for (size_t n = 0; n < size; ++n)
         moved[n] = ValueAt(step, static_cast<double>(n + 1) * ratio - 1);
-    return Differences(moved, newInterval);
+    return Differences(std::move(moved), newInterval);
 }
 
-std::complex<double> GainAt(const std::vector<double>& impulse, double interval, double frequency)
+std::complex<double> GainAt(std::span<const double> impulse, double interval, double frequency)
 {
     std::complex<double> sum = 0;
     for (size_t n = 0; n < impulse.size(); ++n) {
@@ -59,7 +59,7 @@ std::complex<double> GainAt(const std::vector<double>& impulse, double interval,
     return sum * interval;
 }
 
-double DcGain(const std::vector<double>& impulse, double interval)
+double DcGain(std::span<const double> impulse, double interval)
 {
     double sum = 0;
     for (const double h : impulse)

@@ -4,6 +4,7 @@
 
 #include <complex>
 #include <cstddef>
+#include <span>
 #include <vector>
 
 namespace quell {
@@ -22,19 +23,18 @@ enum class ResponseKind { Impulse, Step, Pulse };
 // The impulse response in V/s of a sampled one. A step response is differentiated; of a pulse
 // response (the answer to one bit of 1 V) first the step response is rebuilt, s(t) = p(t) +
 // s(t - one unit interval). An impulse response is taken as it is, in V/s.
-std::vector<double> ToImpulse(const std::vector<double>& response, ResponseKind kind,
-                              double interval, double bitTime);
+std::vector<double> ToImpulse(std::vector<double> response, ResponseKind kind, double interval,
+                              double bitTime);
 
 // An impulse response in V/s moved to another sample interval: its running integral, straight
 // between the samples, is sampled anew and differentiated, which keeps the DC gain.
-std::vector<double> Resample(const std::vector<double>& impulse, double interval,
-                             double newInterval);
+std::vector<double> Resample(std::span<const double> impulse, double interval, double newInterval);
 
 // The gain at one frequency: the sum of h[n] exp(-j 2 pi f n T) T.
-std::complex<double> GainAt(const std::vector<double>& impulse, double interval, double frequency);
+std::complex<double> GainAt(std::span<const double> impulse, double interval, double frequency);
 
 // The sum of the samples times the interval.
-double DcGain(const std::vector<double>& impulse, double interval);
+double DcGain(std::span<const double> impulse, double interval);
 
 }  // namespace quell
 

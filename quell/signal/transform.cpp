@@ -27,8 +27,8 @@ std::vector<double> ImpulseResponse(const std::function<std::complex<double>(dou
     return impulse;
 }
 
-std::vector<std::complex<double>> TransferFunction(const std::vector<double>& impulse,
-                                                   size_t samples, double interval)
+std::vector<std::complex<double>> TransferFunction(std::span<const double> impulse, size_t samples,
+                                                   double interval)
 {
     std::vector<std::complex<double>> time(samples);
     for (size_t n = 0; n < impulse.size(); ++n)

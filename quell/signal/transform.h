@@ -4,6 +4,7 @@
 
 #include <complex>
 #include <functional>
+#include <span>
 #include <vector>
 
 namespace quell {
@@ -17,8 +18,8 @@ std::vector<double> ImpulseResponse(const std::function<std::complex<double>(dou
 
 // The transfer function back from an impulse response in V/s, at k / (samples x interval); samples
 // is even and at least the length of the response.
-std::vector<std::complex<double>> TransferFunction(const std::vector<double>& impulse,
-                                                   size_t samples, double interval);
+std::vector<std::complex<double>> TransferFunction(std::span<const double> impulse, size_t samples,
+                                                   double interval);
 
 }  // namespace quell
 

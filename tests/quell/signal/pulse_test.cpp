@@ -46,7 +46,7 @@ GTEST_TEST(Pulse, HeightIsThatOfTheWorstOfAllPatterns)
 
 GTEST_TEST(Pulse, AnInvertingChannelHasTheSameEye)
 {
-    const PeakDistortion eye = AnalysePeakDistortion({-0.5, -0.25, 0.125, 0}, 1);
+    const PeakDistortion eye = AnalysePeakDistortion(std::vector<double>{-0.5, -0.25, 0.125, 0}, 1);
     EXPECT_EQ(eye.height, 0.125);
     EXPECT_EQ(eye.mainCursor, -0.5);
 }
