@@ -29,7 +29,7 @@ namespace fs = std::filesystem;
 int WriteAll(int file, std::string_view content)
 {
     while (!content.empty()) {
-        const ssize_t written = write(file, content.data(), content.size());
+        const ssize_t written = ::write(file, content.data(), content.size());
         if (written < 0 && errno == EINTR) continue;
         if (written < 0) return errno;
         content.remove_prefix(static_cast<size_t>(written));
@@ -38,11 +38,14 @@ int WriteAll(int file, std::string_view content)
 }
 
 // Writes and closes; the error number, or 0.
-int WriteNamed(const std::string& path, int flags, std::string_view content)
+int WriteNamed(const std::string& path, int flags, const TextWriter& write)
 {
     const int file = open(path.c_str(), O_WRONLY | O_CLOEXEC | flags, 0666);
     if (file < 0) return errno;
-    int error = WriteAll(file, content);
+    int error = 0;
+    write([&](std::string_view piece) {
+        if (error == 0) error = WriteAll(file, piece);
+    });
     if (close(file) != 0 && error == 0) error = errno;
     return error;
 }
@@ -63,6 +66,11 @@ std::string WhyNotReadable(const std::string& path, unsigned long long& size)
 
 void WriteWholeFile(const std::string& path, std::string_view content)
 {
+    WriteWholeFile(path, [&content](const TextSink& out) { out(content); });
+}
+
+void WriteWholeFile(const std::string& path, const TextWriter& write)
+{
     std::error_code status;
     // The file that a link leads to is replaced, not the link.
     const fs::path target = fs::weakly_canonical(path, status);
@@ -70,11 +78,17 @@ void WriteWholeFile(const std::string& path, std::string_view content)
     const fs::file_status kind = fs::status(name, status);
     if (fs::exists(kind) && !fs::is_regular_file(kind)) {
         if (fs::is_directory(kind)) Fail(path, EISDIR);
-        if (const int error = WriteNamed(path, O_TRUNC, content)) Fail(path, error);
+        if (const int error = WriteNamed(path, O_TRUNC, write)) Fail(path, error);
         return;
     }
     const std::string other = name + ".part" + std::to_string(getpid());
-    int error = WriteNamed(other, O_CREAT | O_EXCL, content);
+    int error = 0;
+    try {
+        error = WriteNamed(other, O_CREAT | O_EXCL, write);
+    } catch (...) {
+        unlink(other.c_str());
+        throw;
+    }
     if (error == EEXIST) Fail(path, error);
     if (error == 0 && std::rename(other.c_str(), name.c_str()) != 0) error = errno;
     if (error != 0) {

@@ -3,6 +3,7 @@
 #define QUELL_BASE_JSON_H
 
 #include <nlohmann/json.hpp>
+#include <optional>
 #include <string>
 
 namespace quell {
@@ -14,6 +15,12 @@ std::string JsonText(const nlohmann::ordered_json& json);
 std::string JsonLine(const nlohmann::ordered_json& json);
 // The same with every other letter than those of ASCII escaped.
 std::string JsonAsciiLine(const nlohmann::ordered_json& json);
+
+template <typename T>
+nlohmann::ordered_json OrNull(const std::optional<T>& value)
+{
+    return value ? nlohmann::ordered_json(*value) : nlohmann::ordered_json(nullptr);
+}
 
 }  // namespace quell
 

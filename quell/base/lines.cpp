@@ -17,8 +17,6 @@ constexpr std::uintmax_t LargestFile = 1'000'000'000;
 constexpr size_t BlockSize = 1U << 16;
 constexpr std::string_view ByteOrderMark = "\xEF\xBB\xBF";
 
-using FilePointer = std::unique_ptr<std::FILE, int (*)(std::FILE*)>;
-
 FilePointer OpenTextFile(const std::string& path, size_t& bytes)
 {
     std::error_code error;
@@ -31,7 +29,7 @@ FilePointer OpenTextFile(const std::string& path, size_t& bytes)
     if (error) throw InputError(path, 0, error.message());
     if (size > LargestFile) throw InputError(path, 0, "larger than 1 GB");
 
-    FilePointer file(std::fopen(path.c_str(), "rb"), std::fclose);
+    FilePointer file = OpenFile(path, "rb");
     if (!file) throw InputError(path, 0, std::strerror(errno));
     bytes = static_cast<size_t>(size);
     return file;

@@ -2,10 +2,10 @@
 #ifndef QUELL_BASE_LINES_H
 #define QUELL_BASE_LINES_H
 
-#include <cstdio>
-#include <memory>
 #include <string>
 #include <string_view>
+
+#include "quell/base/file_pointer.h"
 
 namespace quell {
 
@@ -38,7 +38,7 @@ private:
     void ReadBlock();
 
     std::string m_Path;
-    std::unique_ptr<std::FILE, int (*)(std::FILE*)> m_File;
+    FilePointer m_File;
     size_t m_Left;        // bytes that are not read yet
     std::string m_Block;  // what is read, from the line walked last
     size_t m_Begin = 0;   // of the next line

@@ -1,17 +1,14 @@
 // quell sweep: which setting of a model opens the eye most.
 #include "quell/link/sweep.h"
 
-#include <cstdio>
 #include <iostream>
 #include <thread>
 
 #include "quell/base/errors.h"
 #include "quell/base/files.h"
 #include "quell/base/json.h"
-#include "quell/base/numbers.h"
 #include "quell/base/progress.h"
 #include "quell/command/commands.h"
-#include "quell/link/json.h"
 #include "quell/link/sweep_text.h"
 #include "quell/report/sweep_report.h"
 
@@ -26,55 +23,6 @@ struct SweepOptions {
     bool json = false;
     std::string htmlFile;
 };
-
-void PrintTable(const SweepResult& result)
-{
-    for (size_t c = 0; c < result.channels.size(); ++c)
-        std::printf("channel %zu: %s\n", c + 1, result.channels[c].name.c_str());
-    std::printf("eye height in V and width in UI at an error rate of %s\n\n",
-                ShortText(result.errorRate).c_str());
-
-    size_t settingWidth = 8;
-    for (size_t i = 0; i < result.grid.size(); ++i)
-        settingWidth = std::max(settingWidth, SettingText(result, i).size());
-    const int width = static_cast<int>(settingWidth);
-    std::printf("%-*s", width, "setting");
-    for (size_t c = 0; c < result.channels.size(); ++c)
-        std::printf("  %18s", ("channel " + std::to_string(c + 1)).c_str());
-    std::printf("\n");
-    for (size_t i = 0; i < result.grid.size(); ++i) {
-        std::printf("%-*s", width, SettingText(result, i).c_str());
-        for (const SweepChannel& channel : result.channels) {
-            const SweepPoint& point = channel.points[i];
-            if (point.height)
-                std::printf("  %8.4f %7.3f %c", *point.height, point.width,
-                            channel.best == i ? '*' : ' ');
-            else
-                std::printf("  %18s", "failed  ");
-        }
-        std::printf("\n");
-    }
-
-    std::printf("\n");
-    for (size_t c = 0; c < result.channels.size(); ++c) {
-        const SweepChannel& channel = result.channels[c];
-        if (!channel.best) {
-            std::printf("channel %zu: no setting worked\n", c + 1);
-            continue;
-        }
-        std::printf("channel %zu: best with %s, %.4f V%s\n", c + 1,
-                    SettingText(result, *channel.best).c_str(),
-                    *channel.points[*channel.best].height,
-                    EndOfRangeText(result, *channel.best).c_str());
-    }
-    if (result.channels.size() > 1 && result.bestWorst) {
-        std::printf("all channels: best worst case with %s, %.4f V%s\n",
-                    SettingText(result, *result.bestWorst).c_str(),
-                    *WorstHeight(result, *result.bestWorst),
-                    EndOfRangeText(result, *result.bestWorst).c_str());
-    }
-    std::fflush(stdout);
-}
 
 // One object per line, so that the lines of many runs can be put together.
 void PrintJson(const SweepResult& result)
@@ -113,7 +61,7 @@ int Sweep(SweepOptions options)
     if (options.json)
         PrintJson(result);
     else
-        PrintTable(result);
+        std::cout << SweepText(result) << std::flush;
     return exitCode;
 }
 

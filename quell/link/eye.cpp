@@ -1,4 +1,4 @@
-// The statistical eye of a link behind its model.
+// The statistical eye at a point of a link.
 #include "quell/link/eye.h"
 
 #include <algorithm>
@@ -11,7 +11,7 @@ namespace quell {
 namespace {
 
 // The eye wants a whole number of samples in a unit interval.
-std::vector<double> OnWholeSamples(const std::vector<double>& pulse, double samplesPerBit,
+std::vector<double> OnWholeSamples(std::vector<double> pulse, double samplesPerBit,
                                    size_t samplesPerUi)
 {
     const double ratio = samplesPerBit / static_cast<double>(samplesPerUi);
@@ -29,21 +29,21 @@ struct EyeInput {
     std::vector<std::vector<double>> aggressors;
 };
 
-std::optional<EyeInput> MakeEyeInput(const LinkResult& link, size_t samplesPerUi)
+std::optional<EyeInput> MakeEyeInput(const LinkPoint& point, const TimeGrid& grid,
+                                     size_t samplesPerUi)
 {
-    std::vector<std::vector<double>> pulses;
-    for (const LinkColumn& column : link.columns) {
-        if (!column.after) return std::nullopt;
-        const std::vector<double>& pulse = column.after->pulse;
+    EyeInput input;
+    for (size_t k = 0; k < point.impulses.Columns(); ++k) {
+        std::vector<double> pulse = PulseAt(point, k, grid);
         const bool finite =
             std::all_of(pulse.begin(), pulse.end(), [](double v) { return std::isfinite(v); });
         if (!finite) return std::nullopt;
-        pulses.push_back(OnWholeSamples(pulse, link.grid.samplesPerBit, samplesPerUi));
+        pulse = OnWholeSamples(std::move(pulse), grid.samplesPerBit, samplesPerUi);
+        if (k == 0)
+            input.victim = std::move(pulse);
+        else
+            input.aggressors.push_back(std::move(pulse));
     }
-    EyeInput input;
-    input.victim = std::move(pulses.front());
-    pulses.erase(pulses.begin());
-    input.aggressors = std::move(pulses);
 
     // An inverting link has an eye like any other.
     const auto [least, greatest] = std::minmax_element(input.victim.begin(), input.victim.end());
@@ -68,15 +68,16 @@ StatisticalEye ComputeLinkEye(const EyeInput& input, const TimeGrid& grid, size_
 
 }  // namespace
 
-std::optional<LinkEye> MeasureLinkEye(const LinkResult& link, const LinkEyeOptions& options)
+std::optional<LinkEye> MeasureLinkEye(const LinkPoint& point, const TimeGrid& grid,
+                                      const LinkEyeOptions& options)
 {
-    const size_t samplesPerUi = WholeSamples(link.grid);
-    const std::optional<EyeInput> input = MakeEyeInput(link, samplesPerUi);
+    const size_t samplesPerUi = WholeSamples(grid);
+    const std::optional<EyeInput> input = MakeEyeInput(point, grid, samplesPerUi);
     if (!input) return std::nullopt;
 
     LinkEye result;
     result.errorRate = options.errorRate;
-    result.eye = ComputeLinkEye(*input, link.grid, samplesPerUi, options.eye);
+    result.eye = ComputeLinkEye(*input, grid, samplesPerUi, options.eye);
     const size_t best = BestPhase(result.eye, options.errorRate);
     result.height = EyeHeight(result.eye, best, options.errorRate);
     result.width = EyeWidth(result.eye, options.errorRate);
@@ -87,14 +88,14 @@ std::optional<LinkEye> MeasureLinkEye(const LinkResult& link, const LinkEyeOptio
     return result;
 }
 
-StatisticalEye FinerLinkEye(const LinkResult& link, const LinkEye& eye, const EyeOptions& options,
-                            size_t phases, double voltageStep)
+StatisticalEye FinerLinkEye(const LinkPoint& point, const TimeGrid& grid, const LinkEye& eye,
+                            const EyeOptions& options, size_t phases, double voltageStep)
 {
-    const size_t samplesPerUi = phases * WholeSamples(link.grid);
-    const std::optional<EyeInput> input = MakeEyeInput(link, samplesPerUi);
+    const size_t samplesPerUi = phases * WholeSamples(grid);
+    const std::optional<EyeInput> input = MakeEyeInput(point, grid, samplesPerUi);
     EyeOptions coarse = options;
     coarse.voltageStep = voltageStep;
-    return input ? ComputeLinkEye(*input, link.grid, samplesPerUi, coarse) : eye.eye;
+    return input ? ComputeLinkEye(*input, grid, samplesPerUi, coarse) : eye.eye;
 }
 
 }  // namespace quell

@@ -1,8 +1,11 @@
-// The statistical eye of a link behind its model.
+// The statistical eye at a point of a link.
 #ifndef QUELL_LINK_EYE_H
 #define QUELL_LINK_EYE_H
 
-#include "quell/link/link.h"
+#include <optional>
+#include <vector>
+
+#include "quell/link/point.h"
 #include "quell/signal/statistical_eye.h"
 
 namespace quell {
@@ -24,14 +27,14 @@ struct LinkEye {
     std::vector<double> heights;  // V, of EyeErrorRates at that phase
 };
 
-// Of the responses after the model; a link whose model failed has none, nor one whose responses
-// hold no finite numbers.
-std::optional<LinkEye> MeasureLinkEye(const LinkResult& link, const LinkEyeOptions& options);
+// Empty where the responses hold no finite numbers, and where the victim's is zero.
+std::optional<LinkEye> MeasureLinkEye(const LinkPoint& point, const TimeGrid& grid,
+                                      const LinkEyeOptions& options);
 
 // The eye of MeasureLinkEye for a picture: with so many times more phases on a voltage grid of so
 // many volts.
-StatisticalEye FinerLinkEye(const LinkResult& link, const LinkEye& eye, const EyeOptions& options,
-                            size_t phases, double voltageStep);
+StatisticalEye FinerLinkEye(const LinkPoint& point, const TimeGrid& grid, const LinkEye& eye,
+                            const EyeOptions& options, size_t phases, double voltageStep);
 
 }  // namespace quell
 

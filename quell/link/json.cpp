@@ -1,6 +1,7 @@
 // The result of a link as JSON.
 #include "quell/link/json.h"
 
+#include "quell/base/json.h"
 #include "quell/base/numbers.h"
 #include "quell/channel/through.h"
 
@@ -9,12 +10,6 @@ namespace quell {
 namespace {
 
 using Json = nlohmann::ordered_json;
-
-template <typename T>
-Json OrNull(const std::optional<T>& value)
-{
-    return value ? Json(*value) : Json(nullptr);
-}
 
 using Figure = double ResponseFigures::*;
 
@@ -28,21 +23,23 @@ constexpr struct {
     {"crosstalk", &ResponseFigures::crosstalk},
 };
 
-Json ColumnJson(const LinkColumn& column)
+// "before" is before the first stage, "after" behind the last.
+Json ColumnJson(const LinkResult& result, size_t k)
 {
+    const Column& column = result.channel->columns[k];
     Json json;
-    json["name"] = column.channel.name;
-    json["source"] = column.channel.source;
+    json["name"] = column.name;
+    json["source"] = column.source;
     for (const auto& row : Figures) {
         const std::string name = row.name;
-        json[name + "_before"] = column.before.*row.figure;
-        json[name + "_after"] = column.after ? Json((*column.after).*row.figure) : Json(nullptr);
+        json[name + "_before"] = result.Before().figures[k].*row.figure;
+        json[name + "_after"] =
+            result.After() ? Json(result.After()->figures[k].*row.figure) : Json(nullptr);
     }
-    json["loss_at_nyquist_db"] = OrNull(column.channel.loss);
-    json["delay"] = OrNull(column.channel.delay);
-    json["ports"] =
-        column.channel.ports ? Json(PortOrderText(*column.channel.ports)) : Json(nullptr);
-    json["reference"] = OrNull(column.channel.reference);
+    json["loss_at_nyquist_db"] = OrNull(column.loss);
+    json["delay"] = OrNull(column.delay);
+    json["ports"] = column.ports ? Json(PortOrderText(*column.ports)) : Json(nullptr);
+    json["reference"] = OrNull(column.reference);
     return json;
 }
 
@@ -62,25 +59,28 @@ Json EyeJson(const LinkEye& eye)
 
 }  // namespace
 
-nlohmann::ordered_json ResultJson(const LinkResult& result, const std::optional<LinkEye>& eye)
+nlohmann::ordered_json ResultJson(const LinkResult& result)
 {
+    const TimeGrid& grid = result.channel->grid;
     Json json;
     json["unit"] = "V/s";
-    json["bit_rate"] = result.grid.bitRate;
-    json["samples_per_bit"] = result.grid.samplesPerBit;
-    json["sample_interval"] = result.grid.Interval();
-    json["model"] = result.model.model;
-    json["parameters"] = result.model.parameters;
-    json["return_code"] = result.ami.returnCode;
-    json["message"] = OrNull(result.ami.message);
-    json["parameters_out"] = OrNull(result.ami.parametersOut);
-    json["model_output"] = result.ami.printed;
-    json["peak_distortion_height_before"] = result.heightBefore;
-    json["peak_distortion_height_after"] = OrNull(result.heightAfter);
-    json["eye"] = eye ? EyeJson(*eye) : Json(nullptr);
+    json["bit_rate"] = grid.bitRate;
+    json["samples_per_bit"] = grid.samplesPerBit;
+    json["sample_interval"] = grid.Interval();
+    const LinkStage& transmitter = result.stages.front();
+    json["model"] = transmitter.setup.model.model;
+    json["parameters"] = transmitter.setup.model.parameters;
+    json["return_code"] = transmitter.ami.returnCode;
+    json["message"] = OrNull(transmitter.ami.message);
+    json["parameters_out"] = OrNull(transmitter.ami.parametersOut);
+    json["model_output"] = transmitter.ami.printed;
+    json["peak_distortion_height_before"] = result.Before().height;
+    json["peak_distortion_height_after"] =
+        result.After() ? Json(result.After()->height) : Json(nullptr);
+    json["eye"] = result.eye ? EyeJson(*result.eye) : Json(nullptr);
     json["columns"] = Json::array();
-    for (const LinkColumn& column : result.columns)
-        json["columns"].push_back(ColumnJson(column));
+    for (size_t k = 0; k < result.channel->columns.size(); ++k)
+        json["columns"].push_back(ColumnJson(result, k));
     json["warnings"] = result.warnings;
     return json;
 }

@@ -4,13 +4,13 @@
 
 #include <nlohmann/json.hpp>
 
-#include "quell/link/eye.h"
+#include "quell/link/link.h"
 
 namespace quell {
 
 // Numbers read back bit for bit; what is not finite or not there is null. Responses themselves are
 // not part of it.
-nlohmann::ordered_json ResultJson(const LinkResult& result, const std::optional<LinkEye>& eye);
+nlohmann::ordered_json ResultJson(const LinkResult& result);
 
 }  // namespace quell
 

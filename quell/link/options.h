@@ -5,9 +5,10 @@
 #include <string>
 #include <vector>
 
+#include "quell/channel/channel.h"
 #include "quell/command/commands.h"
 #include "quell/link/eye.h"
-#include "quell/link/link.h"
+#include "quell/link/stage.h"
 
 namespace quell {
 

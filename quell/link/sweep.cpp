@@ -90,17 +90,17 @@ std::vector<Setting> SettingsAt(const std::vector<SweptParameter>& parameters,
     return settings;
 }
 
-void RunPoint(const ImpulseMatrix& matrix, const ModelSetup& setup, const LinkOptions& link,
-              SharedPoint* point)
+void RunPoint(const std::shared_ptr<const LinkChannel>& channel,
+              const std::vector<StageSetup>& stages, const LinkOptions& link, SharedPoint* point)
 {
     std::string failure;
     try {
-        const LinkResult result = RunLink(matrix, setup, link.model.timeout);
-        if (const std::optional<LinkEye> eye = MeasureLinkEye(result, link.eye)) {
+        const LinkResult result = RunLink(channel, stages, link.model.timeout, link.eye);
+        if (result.eye) {
             point->measured = true;
-            point->height = eye->height;
-            point->width = eye->width;
-            point->peakDistortion = *result.heightAfter;
+            point->height = result.eye->height;
+            point->width = result.eye->width;
+            point->peakDistortion = result.After()->height;
         } else {
             point->exitCode = EXIT_MODEL_FAILED;
             failure =
@@ -223,18 +223,19 @@ SweepResult RunSweep(const std::vector<std::string>& channels,
     result.grid = SweepGrid(parameters);
 
     const ModelFiles files = FindModel(link.model);
-    std::vector<ModelSetup> setups;
+    std::vector<std::vector<StageSetup>> setups;  // of each point of the grid
     for (const std::vector<std::string>& values : result.grid) {
         ModelOptions model = link.model;
         model.settings = SettingsAt(parameters, values);
-        setups.push_back(SetUpModel(files, model));
-        result.strings.push_back(setups.back().parameters);
+        setups.push_back({{"model", SetUpModel(files, model)}});
+        result.strings.push_back(setups.back().front().model.parameters);
     }
-    result.model = setups.front().model;
-    std::vector<ImpulseMatrix> matrices;
-    matrices.reserve(channels.size());
+    result.model = files.model;
+    std::vector<std::shared_ptr<const LinkChannel>> measured;
+    measured.reserve(channels.size());
     for (const std::string& channel : channels)
-        matrices.push_back(BuildImpulseMatrix(channel, link.aggressors, link.channel));
+        measured.push_back(std::make_shared<const LinkChannel>(
+            MakeLinkChannel(BuildImpulseMatrix(channel, link.aggressors, link.channel))));
 
     const size_t all = channels.size() * setups.size();
     const SharedBlock progressBlock(sizeof(SharedProgress));
@@ -244,7 +245,7 @@ SweepResult RunSweep(const std::vector<std::string>& channels,
 
     const auto work = [&] {
         for (size_t i = shared->next++; i < all; i = shared->next++) {
-            RunPoint(matrices[i / setups.size()], setups[i % setups.size()], link, &points[i]);
+            RunPoint(measured[i / setups.size()], setups[i % setups.size()], link, &points[i]);
             ++shared->done;
         }
     };

@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "quell/link/link.h"
 #include "quell/link/options.h"
 #include "quell/link/parameters.h"
 

@@ -19,6 +19,9 @@ std::string EndOfRangeText(const SweepResult& result, size_t point);
 // The lowest height over all channels; empty where the model failed on one of them.
 std::optional<double> WorstHeight(const SweepResult& result, size_t point);
 
+// Every setting with its eye on every channel, and the best ones.
+std::string SweepText(const SweepResult& result);
+
 nlohmann::ordered_json SweepPointJson(const SweepResult& result, size_t channel, size_t point);
 
 }  // namespace quell

@@ -107,7 +107,7 @@ Function Symbol(void* library, const char* name)
     return reinterpret_cast<Function>(dlsym(library, name));
 }
 
-void CallModel(const AmiCall& call, const std::string& path, double* matrix, Report& report)
+void CallModel(const AmiCall& call, const std::string& path, SharedMatrix& matrix, Report& report)
 {
     report.stage = STAGE_LOAD;
     void* library = dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL);
@@ -130,9 +130,9 @@ void CallModel(const AmiCall& call, const std::string& path, double* matrix, Rep
     char* message = nullptr;
     void* handle = nullptr;
     report.stage = STAGE_INIT;
-    report.returnCode = init(matrix, static_cast<long>(call.rows),
-                             static_cast<long>(call.columns) - 1, call.sampleInterval, call.bitTime,
-                             parameters.data(), &parametersOut, &handle, &message);
+    report.returnCode = init(matrix.Data(), static_cast<long>(matrix.Rows()),
+                             static_cast<long>(matrix.Columns()) - 1, call.sampleInterval,
+                             call.bitTime, parameters.data(), &parametersOut, &handle, &message);
     report.stage = STAGE_TEXTS;
     Share(report.message, message);
     Share(report.parametersOut, parametersOut);
@@ -145,7 +145,7 @@ void CallModel(const AmiCall& call, const std::string& path, double* matrix, Rep
     report.stage = STAGE_DONE;
 }
 
-int RunModel(const AmiCall& call, const std::string& path, double* matrix, Report& report)
+int RunModel(const AmiCall& call, const std::string& path, SharedMatrix& matrix, Report& report)
 {
     try {
         CallModel(call, path, matrix, report);
@@ -230,13 +230,10 @@ std::string Failure(const Report& report, int status, bool finished, double time
 
 }  // namespace
 
-AmiResult RunAmiModel(const AmiCall& call)
+AmiResult RunAmiModel(const AmiCall& call, SharedMatrix& matrix)
 {
     const Shared<Report> shared;
     Report& report = *shared;
-    const SharedBlock matrixBlock(call.matrix.size() * sizeof(double));
-    double* const matrix = static_cast<double*>(matrixBlock.Data());
-    std::copy(call.matrix.begin(), call.matrix.end(), matrix);
 
     // A name without a slash would be looked for on the library path.
     const std::string path = std::filesystem::absolute(call.model).string();
@@ -266,7 +263,6 @@ AmiResult RunAmiModel(const AmiCall& call)
         return result;
     }
     result.returnCode = report.returnCode;
-    result.matrix.assign(matrix, matrix + call.matrix.size());
     if (report.message.set) result.message = SharedString(report.message);
     if (report.parametersOut.set) result.parametersOut = SharedString(report.parametersOut);
     if (report.noClose) result.warnings.push_back("the model exports no AMI_Close");

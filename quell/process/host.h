@@ -7,14 +7,13 @@
 #include <string>
 #include <vector>
 
+#include "quell/process/shared_matrix.h"
+
 namespace quell {
 
 struct AmiCall {
-    std::string model;           // shared library
-    std::string parameters;      // the string for AMI_Init, as it is
-    std::vector<double> matrix;  // V/s, columns one after another, the victim first
-    size_t rows = 0;
-    size_t columns = 1;
+    std::string model;          // shared library
+    std::string parameters;     // the string for AMI_Init, as it is
     double sampleInterval = 0;  // s
     double bitTime = 0;         // s
     double timeout = 60;        // s, for loading and both calls together
@@ -31,17 +30,17 @@ struct AmiResult {
     AmiOutcome outcome = AmiOutcome::Returned;
     std::string failure;                       // one line when the outcome is not Returned
     long returnCode = 0;                       // of AMI_Init
-    std::vector<double> matrix;                // what the model left, as large as the call's
     std::optional<std::string> message;        // what msg was set to
     std::optional<std::string> parametersOut;  // what AMI_parameters_out was set to
     std::string printed;  // what the model wrote to its standard output and standard error
     std::vector<std::string> warnings;
 };
 
-// Blocks until the model's process has ended; processes that it left behind are killed with it.
-// Messages and printed text are kept up to 1 MB each; a warning says when there was more. Throws
+// Gives the matrix to the model, V/s, the victim's column first; the model works in it. Blocks
+// until the model's process has ended; processes that it left behind are killed with it. Messages
+// and printed text are kept up to 1 MB each; a warning says when there was more. Throws
 // CommandError only when the system gives no process or memory.
-AmiResult RunAmiModel(const AmiCall& call);
+AmiResult RunAmiModel(const AmiCall& call, SharedMatrix& matrix);
 
 }  // namespace quell
 

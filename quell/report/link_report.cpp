@@ -2,7 +2,9 @@
 #include "quell/report/link_report.h"
 
 #include <algorithm>
+#include <cctype>
 #include <cmath>
+#include <functional>
 
 #include "quell/base/files.h"
 #include "quell/base/numbers.h"
@@ -25,7 +27,12 @@ int ColumnColour(size_t column)
     return ColumnColours[column % std::size(ColumnColours)];
 }
 
-using Response = std::vector<double>;
+// The line of a point: dashed before the first stage, solid behind the last.
+Stroke PointStroke(const LinkResult& result, size_t point)
+{
+    if (point == 0) return Stroke::Dashed;
+    return point + 1 == result.Points() ? Stroke::Solid : Stroke::Dotted;
+}
 
 std::vector<double> Times(size_t samples, double interval)
 {
@@ -35,47 +42,61 @@ std::vector<double> Times(size_t samples, double interval)
     return times;
 }
 
+// Calls with every point that the responses reached.
+template <typename Take>
+void ForPoints(const LinkResult& result, const Take& take)
+{
+    for (size_t p = 0; p < result.Points(); ++p)
+        if (const LinkPoint* point = result.Point(p)) take(p, *point);
+}
+
 // Which columns a plot shows: a crosstalk response would be a flat line beside the victim's.
 struct ColumnRange {
     size_t begin, end;
     const char* id;
     const char* title;
+    double low = 0, high = 0;  // s, what a time plot shows at first
 };
-
-std::vector<ColumnRange> TimePlotColumns(const LinkResult& result)
-{
-    std::vector<ColumnRange> ranges = {{0, 1, "", ""}};
-    if (result.columns.size() > 1)
-        ranges.push_back({1, result.columns.size(), "-aggressors", " of the aggressors"});
-    return ranges;
-}
 
 // What a time plot shows at first: from shortly before the pulse responses rise to where they have
 // died away to half a percent of the greatest one. At least eight unit intervals.
-std::pair<double, double> InterestingTime(const LinkResult& result, const ColumnRange& columns)
+void FindInterestingTime(const LinkResult& result, ColumnRange& columns)
 {
-    std::vector<const Response*> pulses;
-    for (size_t k = columns.begin; k < columns.end; ++k) {
-        pulses.push_back(&result.columns[k].before.pulse);
-        if (result.columns[k].after) pulses.push_back(&result.columns[k].after->pulse);
-    }
+    const TimeGrid& grid = result.channel->grid;
+    const auto forSamples = [&](const auto& take) {
+        for (size_t k = columns.begin; k < columns.end; ++k)
+            ForPoints(result, [&](size_t, const LinkPoint& point) {
+                const std::vector<double> pulse = PulseAt(point, k, grid);
+                for (size_t n = 0; n < pulse.size(); ++n)
+                    take(n, pulse[n]);
+            });
+    };
     double largest = 0;
-    for (const Response* pulse : pulses)
-        for (const double v : *pulse)
-            if (std::isfinite(v)) largest = std::max(largest, std::abs(v));
-    const size_t samples = pulses.front()->size();
+    forSamples([&largest](size_t, double v) {
+        if (std::isfinite(v)) largest = std::max(largest, std::abs(v));
+    });
+    const size_t samples = result.Before().impulses.Rows();
     size_t first = samples - 1, last = 0;
-    for (const Response* pulse : pulses)
-        for (size_t n = 0; n < samples; ++n)
-            if (std::abs((*pulse)[n]) > 0.005 * largest) {
-                first = std::min(first, n);
-                last = std::max(last, n);
-            }
-    const double interval = result.grid.Interval();
-    const double bit = result.grid.BitTime();
-    const double low = std::max(0.0, static_cast<double>(first) * interval - bit);
-    const double high = std::max(static_cast<double>(last) * interval, low + 8 * bit);
-    return {low, std::min(high, static_cast<double>(samples - 1) * interval)};
+    forSamples([&](size_t n, double v) {
+        if (!(std::abs(v) > 0.005 * largest)) return;
+        first = std::min(first, n);
+        last = std::max(last, n);
+    });
+    const double interval = grid.Interval();
+    const double bit = grid.BitTime();
+    columns.low = std::max(0.0, static_cast<double>(first) * interval - bit);
+    const double high = std::max(static_cast<double>(last) * interval, columns.low + 8 * bit);
+    columns.high = std::min(high, static_cast<double>(samples - 1) * interval);
+}
+
+std::vector<ColumnRange> TimePlotColumns(const LinkResult& result)
+{
+    const size_t columns = result.channel->columns.size();
+    std::vector<ColumnRange> ranges = {{0, 1, "", ""}};
+    if (columns > 1) ranges.push_back({1, columns, "-aggressors", " of the aggressors"});
+    for (ColumnRange& range : ranges)
+        FindInterestingTime(result, range);
+    return ranges;
 }
 
 struct TimePlot {
@@ -83,68 +104,74 @@ struct TimePlot {
     const char* title;
     const char* unit;
     const char* label;
-    Response (*response)(const ResponseFigures& figures, double interval);
+    std::vector<double> (*response)(const LinkPoint& point, size_t column, const TimeGrid& grid);
     bool cursors;
 };
 
 const TimePlot TimePlots[] = {
     {"impulse-response", "Impulse response", "V/s", "response",
-     [](const ResponseFigures& figures, double) { return figures.impulse; }, false},
-    {"step-response", "Step response", "V", "response to a step of 1 V",
-     [](const ResponseFigures& figures, double interval) {
-         return StepResponse(figures.impulse, interval);
+     [](const LinkPoint& point, size_t column, const TimeGrid&) {
+         const std::span<const double> impulse = point.impulses.Column(column);
+         return std::vector<double>(impulse.begin(), impulse.end());
      },
      false},
-    {"pulse-response", "Pulse response", "V", "response to one bit of 1 V",
-     [](const ResponseFigures& figures, double) { return figures.pulse; }, true},
+    {"step-response", "Step response", "V", "response to a step of 1 V",
+     [](const LinkPoint& point, size_t column, const TimeGrid& grid) {
+         return StepResponse(point.impulses.Column(column), grid.Interval());
+     },
+     false},
+    {"pulse-response", "Pulse response", "V", "response to one bit of 1 V", PulseAt, true},
 };
 
-// The samples of the phase at which the eye height is taken, one per unit interval.
-PlotSeries CursorSeries(const std::string& name, const std::vector<double>& pulse,
-                        const TimeGrid& grid, size_t phase)
+// Of the victim at the last point that it reached: the samples of the phase at which the eye height
+// is taken, one per unit interval.
+PlotSeries CursorSeries(const LinkResult& result)
 {
+    const TimeGrid& grid = result.channel->grid;
+    const bool after = result.After() != nullptr;
+    const LinkPoint& point = after ? *result.After() : result.Before();
+    const double phase = static_cast<double>(point.phase);
     PlotSeries series;
-    series.name = name;
+    series.name = after ? "cursors after" : "cursors before";
     series.colour = CursorColour;
     series.stroke = Stroke::Points;
-    series.y = CursorsAt(pulse, grid.samplesPerBit, static_cast<double>(phase));
+    series.y = CursorsAt(PulseAt(point, 0, grid), grid.samplesPerBit, phase);
     for (size_t k = 0; k < series.y.size(); ++k)
-        series.x.push_back(static_cast<double>(phase) * grid.Interval() +
-                           static_cast<double>(k) * grid.BitTime());
+        series.x.push_back(phase * grid.Interval() + static_cast<double>(k) * grid.BitTime());
     return series;
+}
+
+// A curve of each column at each point.
+template <typename Curve>
+void AddCurves(const LinkResult& result, size_t begin, size_t end, LinePlot& plot,
+               const Curve& curve)
+{
+    for (size_t k = begin; k < end; ++k)
+        ForPoints(result, [&](size_t p, const LinkPoint& point) {
+            PlotSeries series = curve(point, k);
+            series.name = result.channel->columns[k].name + " " + result.PointName(p);
+            series.colour = ColumnColour(k);
+            series.stroke = PointStroke(result, p);
+            plot.series.push_back(std::move(series));
+        });
 }
 
 LinePlot MakeTimePlot(const LinkResult& result, const TimePlot& kind, const ColumnRange& columns)
 {
+    const TimeGrid& grid = result.channel->grid;
     LinePlot plot;
     plot.id = std::string(kind.id) + columns.id;
     plot.title = std::string(kind.title) + columns.title;
-    plot.x = {"time", "s", Scale::Linear, {}, {}};
+    plot.x = {"time", "s", Scale::Linear, columns.low, columns.high};
     plot.y = {kind.label, kind.unit, Scale::Linear, {}, {}};
-    for (size_t k = columns.begin; k < columns.end; ++k) {
-        const LinkColumn& column = result.columns[k];
-        const auto add = [&](const ResponseFigures& figures, const char* when, Stroke stroke) {
-            PlotSeries series;
-            series.name = column.channel.name + " " + when;
-            series.y = kind.response(figures, result.grid.Interval());
-            series.x = Times(series.y.size(), result.grid.Interval());
-            series.colour = ColumnColour(k);
-            series.stroke = stroke;
-            plot.series.push_back(std::move(series));
-        };
-        add(column.before, "before", Stroke::Dashed);
-        if (column.after) add(*column.after, "after", Stroke::Solid);
-    }
-    const auto [low, high] = InterestingTime(result, columns);
-    plot.x.low = low;
-    plot.x.high = high;
+    AddCurves(result, columns.begin, columns.end, plot, [&](const LinkPoint& point, size_t k) {
+        PlotSeries series;
+        series.y = kind.response(point, k, grid);
+        series.x = Times(series.y.size(), grid.Interval());
+        return series;
+    });
     if (kind.cursors && columns.begin == 0) {
-        const LinkColumn& victim = result.columns.front();
-        const bool after = victim.after.has_value();
-        plot.series.push_back(CursorSeries(after ? "cursors after" : "cursors before",
-                                           after ? victim.after->pulse : victim.before.pulse,
-                                           result.grid,
-                                           after ? result.phaseAfter : result.phaseBefore));
+        plot.series.push_back(CursorSeries(result));
         plot.caption =
             "The cursors are one unit interval apart, at the phase of the largest "
             "peak-distortion eye height.";
@@ -154,7 +181,7 @@ LinePlot MakeTimePlot(const LinkResult& result, const TimePlot& kind, const Colu
 
 // Magnitude in dB over the frequencies of the transform; without frequency 0, which a logarithmic
 // axis does not have.
-PlotSeries MagnitudeSeries(const std::vector<double>& impulse, double interval)
+PlotSeries MagnitudeSeries(std::span<const double> impulse, double interval)
 {
     size_t samples = 2;
     while (samples < impulse.size())
@@ -175,18 +202,11 @@ LinePlot MakeFrequencyPlot(const LinkResult& result)
     plot.title = "Frequency response";
     plot.x = {"frequency", "Hz", Scale::Log, {}, {}};
     plot.y = {"magnitude", "dB", Scale::Linear, {}, {}};
-    for (size_t k = 0; k < result.columns.size(); ++k) {
-        const LinkColumn& column = result.columns[k];
-        const auto add = [&](const ResponseFigures& figures, const char* when, Stroke stroke) {
-            PlotSeries series = MagnitudeSeries(figures.impulse, result.grid.Interval());
-            series.name = column.channel.name + " " + when;
-            series.colour = ColumnColour(k);
-            series.stroke = stroke;
-            plot.series.push_back(std::move(series));
-        };
-        add(column.before, "before", Stroke::Dashed);
-        if (column.after) add(*column.after, "after", Stroke::Solid);
-    }
+    const TimeGrid& grid = result.channel->grid;
+    AddCurves(result, 0, result.channel->columns.size(), plot,
+              [&grid](const LinkPoint& point, size_t k) {
+                  return MagnitudeSeries(point.impulses.Column(k), grid.Interval());
+              });
     // What lies 100 dB below the rest is rounding.
     double highest = -300;
     for (const PlotSeries& series : plot.series)
@@ -198,8 +218,8 @@ LinePlot MakeFrequencyPlot(const LinkResult& result)
             if (std::isfinite(v)) lowest = std::min(lowest, v);
     plot.y.high = 10 * std::ceil((highest + 1) / 10);
     plot.y.low = std::max(10 * std::floor((lowest - 1) / 10), *plot.y.high - 100);
-    plot.marks.push_back({PlotMark::AtX, result.grid.Nyquist(),
-                          UnitText(result.grid.Nyquist(), "Hz") + ", half the bit rate"});
+    plot.marks.push_back(
+        {PlotMark::AtX, grid.Nyquist(), UnitText(grid.Nyquist(), "Hz") + ", half the bit rate"});
     return plot;
 }
 
@@ -227,25 +247,25 @@ LinePlot MakeBathtub(const LinkEye& eye)
     return plot;
 }
 
-std::vector<LinePlot> ResponsePlots(const LinkResult& result)
+// One after the other: of a long record each is large.
+void ForResponsePlots(const LinkResult& result, const std::function<void(const LinePlot&)>& take)
 {
-    std::vector<LinePlot> plots;
+    const std::vector<ColumnRange> ranges = TimePlotColumns(result);
     for (const TimePlot& kind : TimePlots)
-        for (const ColumnRange& columns : TimePlotColumns(result))
-            plots.push_back(MakeTimePlot(result, kind, columns));
-    plots.push_back(MakeFrequencyPlot(result));
-    return plots;
+        for (const ColumnRange& columns : ranges)
+            take(MakeTimePlot(result, kind, columns));
+    take(MakeFrequencyPlot(result));
 }
 
-std::string EyeSvg(const LinkResult& result, const LinkEye& eye, const LinkOptions& options,
-                   SvgUse use)
+std::string EyeSvg(const LinkResult& result, const LinkOptions& options, SvgUse use)
 {
     // 64 phases or more draw smooth transitions, and a row of the picture is several cells high.
+    const TimeGrid& grid = result.channel->grid;
     const size_t phases =
-        std::max<size_t>(1, static_cast<size_t>(64 / std::ceil(result.grid.samplesPerBit)));
-    const StatisticalEye fine =
-        FinerLinkEye(result, eye, options.eye.eye, phases, 8 * eye.eye.voltageStep);
-    return EyePictureSvg(eye, fine, use);
+        std::max<size_t>(1, static_cast<size_t>(64 / std::ceil(grid.samplesPerBit)));
+    const StatisticalEye fine = FinerLinkEye(*result.After(), grid, *result.eye, options.eye.eye,
+                                             phases, 8 * result.eye->eye.voltageStep);
+    return EyePictureSvg(*result.eye, fine, use);
 }
 
 std::string OrNone(const std::string& text)
@@ -263,7 +283,7 @@ std::string Joined(const std::vector<std::string>& texts, const char* separator)
 
 std::vector<PageFact> Settings(const LinkResult& result, const LinkOptions& options)
 {
-    const TimeGrid& grid = result.grid;
+    const TimeGrid& grid = result.channel->grid;
     std::vector<PageFact> facts = {
         {"bit rate", {UnitText(grid.bitRate, "bit/s", 6), "/bit_rate"}},
         {"samples per bit", {ShortText(grid.samplesPerBit), "/samples_per_bit"}},
@@ -275,21 +295,28 @@ std::vector<PageFact> Settings(const LinkResult& result, const LinkOptions& opti
     return facts;
 }
 
-std::vector<PageFact> ModelFacts(const LinkResult& result, const LinkOptions& options)
+std::vector<PageFact> StageFacts(const LinkResult& result, size_t stage, const LinkOptions& options)
 {
-    const AmiResult& ami = result.ami;
-    std::vector<PageFact> facts = {
-        {"model file", {result.model.model, "/model"}, true},
-        {"its SHA-256", {Sha256OfFile(result.model.model)}, true},
-        {"settings", {OrNone(Joined(options.settings, "\n"))}, true},
-        {"string sent", {result.model.parameters, "/parameters"}, true},
-        {"AMI_Init returned", {std::to_string(ami.returnCode), "/return_code"}},
-        {"message", {ami.message ? *ami.message : "none"}, ami.message.has_value()},
+    const ModelSetup& model = result.stages[stage].setup.model;
+    const AmiResult& ami = result.stages[stage].ami;
+    // The JSON holds the first stage's by themselves.
+    const auto shown = [stage](const std::string& text, const char* json) {
+        return stage == 0 ? PageCell{text, json} : PageCell{text};
     };
+    std::vector<PageFact> facts = {
+        {"model file", shown(model.model, "/model"), true},
+        {"its SHA-256", {Sha256OfFile(model.model)}, true},
+    };
+    if (stage == 0) facts.push_back({"settings", {OrNone(Joined(options.settings, "\n"))}, true});
+    facts.insert(facts.end(),
+                 {{"string sent", shown(model.parameters, "/parameters"), true},
+                  {"AMI_Init returned", shown(std::to_string(ami.returnCode), "/return_code")},
+                  {"message", {ami.message ? *ami.message : "none"}, ami.message.has_value()}});
     if (ami.parametersOut) facts.push_back({"parameters out", {*ami.parametersOut}, true});
     if (!ami.printed.empty()) facts.push_back({"printed by the model", {ami.printed}, true});
-    for (const std::string& warning : result.warnings)
-        facts.push_back({"warning", {warning}});
+    if (stage + 1 == result.stages.size())
+        for (const std::string& warning : result.warnings)
+            facts.push_back({"warning", {warning}});
     return facts;
 }
 
@@ -313,11 +340,11 @@ std::string FigureText(double value, const char* unit)
 PageTable ChannelTable(const LinkResult& result)
 {
     PageTable table;
-    table.heads = {"column", "loss at " + UnitText(result.grid.Nyquist(), "Hz"), "delay", "ports",
-                   "channel"};
+    table.heads = {"column", "loss at " + UnitText(result.channel->grid.Nyquist(), "Hz"), "delay",
+                   "ports", "channel"};
     table.words = true;
-    for (size_t k = 0; k < result.columns.size(); ++k) {
-        const Column& channel = result.columns[k].channel;
+    for (size_t k = 0; k < result.channel->columns.size(); ++k) {
+        const Column& channel = result.channel->columns[k];
         const std::string pointer = "/columns/" + std::to_string(k) + "/";
         const auto known = [&pointer](bool is, const std::string& text, const char* name) {
             return is ? PageCell{text, pointer + name} : PageCell{"not known"};
@@ -340,29 +367,33 @@ PageTable FigureTable(const LinkResult& result)
     table.heads = {"column"};
     for (const auto& figure : Figures)
         table.heads.push_back(figure.title);
-    for (size_t k = 0; k < result.columns.size(); ++k) {
-        const LinkColumn& column = result.columns[k];
-        const auto add = [&](const ResponseFigures& figures, const char* when) {
-            std::vector<PageCell> row = {{column.channel.name + " " + when}};
-            for (const auto& figure : Figures)
-                row.push_back({FigureText(figures.*figure.figure, figure.unit),
-                               "/columns/" + std::to_string(k) + "/" + figure.json + "_" + when});
+    for (size_t k = 0; k < result.channel->columns.size(); ++k)
+        ForPoints(result, [&](size_t p, const LinkPoint& point) {
+            const std::string name = result.PointName(p);
+            // The JSON holds those before the first stage and behind the last.
+            const bool inJson = p == 0 || p + 1 == result.Points();
+            std::vector<PageCell> row = {{result.channel->columns[k].name + " " + name}};
+            for (const auto& figure : Figures) {
+                row.push_back({FigureText(point.figures[k].*figure.figure, figure.unit)});
+                if (inJson)
+                    row.back().json =
+                        "/columns/" + std::to_string(k) + "/" + figure.json + "_" + name;
+            }
             table.rows.push_back(std::move(row));
-        };
-        add(column.before, "before");
-        if (column.after) add(*column.after, "after");
-    }
+        });
     return table;
 }
 
-std::vector<PageFact> EyeFacts(const LinkResult& result, const std::optional<LinkEye>& eye)
+std::vector<PageFact> EyeFacts(const LinkResult& result)
 {
-    std::vector<PageFact> facts = {
-        {"peak-distortion height before",
-         {UnitText(result.heightBefore, "V"), "/peak_distortion_height_before"}}};
-    if (result.heightAfter)
-        facts.push_back({"peak-distortion height after",
-                         {UnitText(*result.heightAfter, "V"), "/peak_distortion_height_after"}});
+    std::vector<PageFact> facts;
+    ForPoints(result, [&](size_t p, const LinkPoint& point) {
+        const std::string name = result.PointName(p);
+        facts.push_back({"peak-distortion height " + name, {UnitText(point.height, "V")}});
+        if (p == 0 || p + 1 == result.Points())
+            facts.back().value.json = "/peak_distortion_height_" + name;
+    });
+    const std::optional<LinkEye>& eye = result.eye;
     if (!eye) return facts;
     const std::string rate = ShortText(eye->errorRate);
     facts.push_back({"height at " + rate, {UnitText(eye->height, "V"), "/eye/height"}});
@@ -377,48 +408,63 @@ std::vector<PageFact> EyeFacts(const LinkResult& result, const std::optional<Lin
     return facts;
 }
 
+// "Model" for the stage "model".
+std::string Heading(std::string name)
+{
+    if (!name.empty())
+        name[0] = static_cast<char>(std::toupper(static_cast<unsigned char>(name[0])));
+    return name;
+}
+
 }  // namespace
 
-std::string LinkReportHtml(const LinkResult& result, const std::optional<LinkEye>& eye,
-                           const LinkOptions& options)
+std::string LinkReportHtml(const LinkResult& result, const LinkOptions& options)
 {
-    const LinkColumn& victim = result.columns.front();
-    Page page("Link report: " + victim.channel.source,
-              result.model.parameters + " at " + UnitText(result.grid.bitRate, "bit/s"));
+    std::string strings;
+    for (const LinkStage& stage : result.stages)
+        strings += stage.setup.model.parameters + " ";
+    Page page("Link report: " + result.channel->columns.front().source,
+              strings + "at " + UnitText(result.channel->grid.bitRate, "bit/s"));
     if (result.Failed())
-        page.Paragraph("The model reports failure, so there are no responses after it.");
+        page.Paragraph("The " + result.stages.back().setup.name +
+                       " reports failure, so there are no responses after it.");
 
     page.Section("Eye", "One volt between the rails.");
-    page.Facts(EyeFacts(result, eye));
-    if (eye) {
-        page.Picture("eye", "Statistical eye", EyeSvg(result, *eye, options, SvgUse::InPage),
+    page.Facts(EyeFacts(result));
+    if (result.eye) {
+        page.Picture("eye", "Statistical eye", EyeSvg(result, options, SvgUse::InPage),
                      "Colours: probability of one of the picture's 200 rows at each phase, ones "
                      "and zeros together. Lines: opening at four error rates.");
-        page.Plot(MakeBathtub(*eye));
+        page.Plot(MakeBathtub(*result.eye));
     }
 
-    page.Section("Responses", "Dashed lines are before the model, solid lines after it.");
-    for (const LinePlot& plot : ResponsePlots(result))
-        page.Plot(plot);
+    page.Section("Responses",
+                 result.stages.size() > 1
+                     ? "Dashed lines are before the models, dotted lines between them, "
+                       "solid lines after the last."
+                     : "Dashed lines are before the model, solid lines after it.");
+    ForResponsePlots(result, [&page](const LinePlot& plot) { page.Plot(plot); });
     page.Table(FigureTable(result));
     page.Table(ChannelTable(result));
 
-    page.Section("Model");
-    page.Facts(ModelFacts(result, options));
+    for (size_t stage = 0; stage < result.stages.size(); ++stage) {
+        page.Section(Heading(result.stages[stage].setup.name));
+        page.Facts(StageFacts(result, stage, options));
+    }
     page.Section("Settings");
     page.Facts(Settings(result, options));
-    return page.Html(ResultJson(result, eye));
+    return page.Html(ResultJson(result));
 }
 
-std::vector<NamedPicture> LinkPictures(const LinkResult& result, const std::optional<LinkEye>& eye,
-                                       const LinkOptions& options)
+std::vector<NamedPicture> LinkPictures(const LinkResult& result, const LinkOptions& options)
 {
     std::vector<NamedPicture> pictures;
-    for (const LinePlot& plot : ResponsePlots(result))
+    ForResponsePlots(result, [&pictures](const LinePlot& plot) {
         pictures.push_back({plot.id + ".svg", PlotSvg(plot, SvgUse::Alone)});
-    if (eye) {
-        pictures.push_back({"bathtub.svg", PlotSvg(MakeBathtub(*eye), SvgUse::Alone)});
-        pictures.push_back({"eye.svg", EyeSvg(result, *eye, options, SvgUse::Alone)});
+    });
+    if (result.eye) {
+        pictures.push_back({"bathtub.svg", PlotSvg(MakeBathtub(*result.eye), SvgUse::Alone)});
+        pictures.push_back({"eye.svg", EyeSvg(result, options, SvgUse::Alone)});
     }
     return pictures;
 }

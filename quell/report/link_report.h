@@ -2,19 +2,17 @@
 #ifndef QUELL_REPORT_LINK_REPORT_H
 #define QUELL_REPORT_LINK_REPORT_H
 
-#include <optional>
 #include <string>
 #include <vector>
 
-#include "quell/link/eye.h"
+#include "quell/link/link.h"
 #include "quell/link/options.h"
 
 namespace quell {
 
 // A self-contained page with settings, figures and pictures, the result as JSON in it. Throws
 // InputError when the model's file cannot be read for its checksum.
-std::string LinkReportHtml(const LinkResult& result, const std::optional<LinkEye>& eye,
-                           const LinkOptions& options);
+std::string LinkReportHtml(const LinkResult& result, const LinkOptions& options);
 
 struct NamedPicture {
     std::string name;  // "pulse-response.svg"
@@ -22,8 +20,7 @@ struct NamedPicture {
 };
 
 // The pictures of the page, each a drawing of its own.
-std::vector<NamedPicture> LinkPictures(const LinkResult& result, const std::optional<LinkEye>& eye,
-                                       const LinkOptions& options);
+std::vector<NamedPicture> LinkPictures(const LinkResult& result, const LinkOptions& options);
 
 }  // namespace quell
 

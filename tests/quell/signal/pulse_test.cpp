@@ -53,7 +53,8 @@ GTEST_TEST(Pulse, AnInvertingChannelHasTheSameEye)
 
 GTEST_TEST(Pulse, CrosstalkTakesItsWorstPhase)
 {
-    const Crosstalk crosstalk = AnalyseCrosstalk({0.01, -0.05, 0.02, 0.03, 0, 0.01}, 2);
+    const Crosstalk crosstalk =
+        AnalyseCrosstalk(std::vector{0.01, -0.05, 0.02, 0.03, 0.0, 0.01}, 2);
     EXPECT_DOUBLE_EQ(crosstalk.sum, 0.09);
     EXPECT_EQ(crosstalk.largest, -0.05);
 }
