@@ -5,7 +5,7 @@
 #include <utility>
 #include <vector>
 
-#include "tests/quell/command.h"
+#include "tests/support/TempDir.h"
 
 namespace quell {
 namespace {
@@ -23,7 +23,7 @@ std::vector<std::pair<size_t, std::string>> Walk(Lines lines)
 // Files are read in blocks of a power of two: the ends of lines lie around such places.
 GTEST_TEST(Lines, AFileHasTheLinesOfItsText)
 {
-    const ScratchFolder scratch;
+    const TempDir scratch;
     std::vector<std::string> texts = {"", "\n", "\xEF\xBB\xBF", "\xEF\xBB\xBFx", "one\rtwo\r"};
     for (const size_t size : {4096u, 65536u, 131072u})
         for (size_t before = 0; before < 4; ++before)
