@@ -17,4 +17,7 @@ install(DIRECTORY model dataflow ami IbisParser
 install(TARGETS quell_model LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}/quell)
 install(FILES model/kit/quell_pcie_gen2_tx.ami model/kit/quell_pcie_gen2_tx.ibs
     DESTINATION ${CMAKE_INSTALL_LIBDIR}/quell)
-install(TARGETS quell RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+install(FILES packaging/LICENCES.txt DESTINATION ${CMAKE_INSTALL_DOCDIR})
+if(QUELL_COMMAND)
+    install(TARGETS quell RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+endif()

@@ -6,9 +6,9 @@
 
 #include "quell/base/errors.h"
 #include "quell/base/lines.h"
+#include "quell/base/nearest.h"
 #include "quell/base/numbers.h"
 #include "quell/params/ami_tree.h"
-#include "quell/params/nearest.h"
 #include "quell/reader/read_in_child.h"
 
 namespace quell {

@@ -12,6 +12,7 @@ std::string_view PageScript();     // turns the plots of a page into ones that c
 std::string_view DygraphScript();  // the dygraphs library
 std::string_view DygraphStyle();
 std::string_view DygraphCopyright();  // its licence, to be kept with it
+std::string_view Licences();          // of everything that is built into the command and its pages
 
 }  // namespace quell
 

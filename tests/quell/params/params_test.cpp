@@ -4,8 +4,8 @@
 #include <nlohmann/json.hpp>
 
 #include "quell/base/errors.h"
+#include "quell/base/nearest.h"
 #include "quell/params/ami_file.h"
-#include "quell/params/nearest.h"
 #include "tests/quell/command.h"
 #include "tests/support/TempDir.h"
 

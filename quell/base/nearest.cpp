@@ -1,5 +1,5 @@
 // The word that was probably meant.
-#include "quell/params/nearest.h"
+#include "quell/base/nearest.h"
 
 #include <algorithm>
 

@@ -1,6 +1,6 @@
 // The word that was probably meant.
-#ifndef QUELL_PARAMS_NEAREST_H
-#define QUELL_PARAMS_NEAREST_H
+#ifndef QUELL_BASE_NEAREST_H
+#define QUELL_BASE_NEAREST_H
 
 #include <optional>
 #include <string>
