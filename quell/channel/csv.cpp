@@ -86,23 +86,52 @@ private:
     size_t m_Samples = 0;
 };
 
-// The step of the time column, which is removed.
-double TakeTime(SampledResponses& table, const std::string& name, const SampleLines& lines)
+struct TimeUnit {
+    std::string_view name;
+    double perSecond;
+};
+
+constexpr TimeUnit TimeUnits[] = {{"s", 1},    {"sec", 1},   {"ms", 1e3}, {"us", 1e6},
+                                  {"ns", 1e9}, {"ps", 1e12}, {"fs", 1e15}};
+
+// How many of the heading's unit make a second: its last word, "time (ns)" or "time_ps". A word in
+// brackets must be a unit.
+double UnitsPerSecond(const std::string& heading, const std::string& file)
 {
-    const std::vector<double> time = std::move(table.columns.front());
+    std::string_view rest = heading;
+    const bool bracket = rest.ends_with(')') || rest.ends_with(']');
+    if (bracket) rest.remove_suffix(1);
+    const size_t before = rest.find_last_of(" \t_([/");
+    if (before == std::string_view::npos) return 1;
+    const std::string word = Lower(Trimmed(rest.substr(before + 1)));
+    for (const TimeUnit& unit : TimeUnits)
+        if (word == unit.name) return unit.perSecond;
+    if (bracket) throw InputError(file, 0, Quoted(heading) + ": no unit of time that is known");
+    return 1;
+}
+
+// Takes the time column out. Equal steps leave their size only.
+void TakeTime(SampledResponses& table, double unitsPerSecond, const std::string& name,
+              const SampleLines& lines)
+{
+    std::vector<double> time = std::move(table.columns.front());
     table.columns.erase(table.columns.begin());
     table.names.erase(table.names.begin());
+    for (double& t : time)
+        t /= unitsPerSecond;
     const double step = (time.back() - time.front()) / static_cast<double>(time.size() - 1);
     if (!(step > 0) || !std::isfinite(step)) throw InputError(name, 0, "the time does not rise");
+    bool even = true;
     for (size_t k = 0; k < time.size(); ++k) {
         const double expected = time.front() + static_cast<double>(k) * step;
-        if (std::abs(time[k] - expected) > 0.05 * step)
+        even = even && std::abs(time[k] - expected) <= 0.05 * step;
+        if (k > 0 && time[k] < time[k - 1])
             throw InputError(name, lines.Of(k),
-                             "time " + ShortText(time[k], 8) + " s; steps of " +
-                                 UnitText(step, "s") + " would give " + ShortText(expected, 8) +
-                                 " s: the steps must be equal");
+                             "time " + ShortText(time[k], 8) + " s after " +
+                                 ShortText(time[k - 1], 8) + " s: the time must not fall");
     }
-    return step;
+    table.interval = step;
+    if (!even) table.time = std::move(time);
 }
 
 template <typename Lines>
@@ -148,7 +177,8 @@ SampledResponses ParseTable(Lines& lines, const std::string& name,
         if (table.columns.size() < 2)
             throw InputError(name, 0,
                              "one column: give --sample-interval, or a time column before it");
-        table.interval = TakeTime(table, name, samples);
+        const double perSecond = hasNames ? UnitsPerSecond(table.names.front(), name) : 1;
+        TakeTime(table, perSecond, name, samples);
         if (sampleInterval && std::abs(table.interval / *sampleInterval - 1) > 1e-3)
             throw InputError(name, 0,
                              "the time column has steps of " + UnitText(table.interval, "s") +

@@ -15,14 +15,18 @@ struct LossLine {
     double loss = 0;       // dB
     double frequency = 0;  // Hz, where the loss is that
 
-    static constexpr double Delay = 1e-9;    // s
-    static constexpr size_t Samples = 4096;  // length of the record
+    static constexpr double Delay = 1e-9;  // s
+
+    // Length of the record: 4096 samples, above 16 samples a bit as many as 256 bits take. Even,
+    // and without prime factors above 5.
+    static size_t Samples(double samplesPerBit);
 
     std::complex<double> Gain(double f) const;
     double LossAt(double f) const;  // dB
 };
 
-// "8dB@2.5GHz". Empty when it is not of this form.
+// "8dB@2.5GHz". Empty when it is not of this form, nor when a frequency below 1 MHz has no unit:
+// 2.5 is hardly meant in Hz.
 std::optional<LossLine> ParseLossLine(std::string_view text);
 
 }  // namespace quell

@@ -28,10 +28,28 @@ std::optional<PortOrder> ParsePortOrder(std::string_view text);
 // "1->2, 3->4" for "13,24".
 std::string PortOrderText(const PortOrder& order);
 
-// The order in which a 4-port leads through: at the lowest frequency a lossy line still passes
-// nearly everything, and no pair of ports but its two ends is coupled as much. Empty for a file
-// without a through path, as crosstalk is. A 2-port is always 1->2.
-std::optional<PortOrder> FindPortOrder(const Touchstone& file);
+struct FoundPorts {
+    PortOrder order;
+    bool assumed = false;  // which ends of the second line lie beside those of the first
+};
+
+// The order in which a 4-port leads through: where a line passes nearly everything, no pair of
+// ports but its two ends is coupled as much. That is at the lowest frequency, or at the first one
+// where half passes when nothing does there (a coupling capacitor). The ends of the second line are
+// told by when coupled waves arrive: at the near end before a wave could have reached the far end.
+// Where the coupling is too weak or the band too narrow for that, they are assumed to be in the
+// order of their numbers. Empty for a file without a through path, as crosstalk is. A 2-port is
+// always 1->2.
+std::optional<FoundPorts> FindPortOrder(const Touchstone& file);
+
+struct LargestParameter {
+    double magnitude = 0;
+    double frequency = 0;  // Hz
+    int out = 0;           // ports
+    int in = 0;
+};
+
+LargestParameter FindLargestParameter(const Touchstone& file);
 
 // S21, or SDD21 = (S(o+,i+) - S(o+,i-) - S(o-,i+) + S(o-,i-)) / 2: a differential wave in,
 // a differential wave out (mixed-mode S-parameters, Bockelman and Eisenstadt 1995). Between

@@ -20,11 +20,18 @@ struct TimeGrid {
 
 enum class ResponseKind { Impulse, Step, Pulse };
 
-// The impulse response in V/s of a sampled one. A step response is differentiated; of a pulse
+// The impulse response in V/s of a sampled one. A step response is differentiated, its first value
+// taken for its offset; of a pulse
 // response (the answer to one bit of 1 V) first the step response is rebuilt, s(t) = p(t) +
 // s(t - one unit interval). An impulse response is taken as it is, in V/s.
 std::vector<double> ToImpulse(std::vector<double> response, ResponseKind kind, double interval,
                               double bitTime);
+
+// The same of samples at any instants (s, none before the one in front of it), at a sample interval
+// of one's choice from the first instant on. Straight between the samples; of an impulse response
+// the running integral is sampled, which keeps the DC gain.
+std::vector<double> ToImpulse(std::span<const double> time, std::span<const double> response,
+                              ResponseKind kind, double interval, double bitTime);
 
 // An impulse response in V/s moved to another sample interval: its running integral, straight
 // between the samples, is sampled anew and differentiated, which keeps the DC gain.

@@ -29,6 +29,10 @@ GTEST_TEST(Csv, SeparatorsNamesAndTimes)
          {},
          1.0 / 3,
          {{1, 2, 3, 4}}},
+        {"nanoseconds", "time (ns),v\n0,1\n500000000,2\n", {}, 0.5, {{1, 2}}},
+        {"picoseconds", "TIME_ps v\n0 1\n250 2\n", {}, 250e-12, {{1, 2}}},
+        {"brackets without a blank", "t[us];v\n0;1\n2;2\n", {}, 2e-6, {{1, 2}}},
+        {"a word that is no unit", "time_out,v\n0,1\n2,2\n", {}, 2, {{1, 2}}},
     };
     for (const auto& row : rows) {
         const SampledResponses table = ParseCsv(row.text, "f", row.interval);
@@ -36,6 +40,14 @@ GTEST_TEST(Csv, SeparatorsNamesAndTimes)
         EXPECT_EQ(table.columns, row.columns) << row.label;
         EXPECT_EQ(table.names.size(), table.columns.size()) << row.label;
     }
+}
+
+GTEST_TEST(Csv, UnevenStepsKeepTheirTimes)
+{
+    const SampledResponses table = ParseCsv("t_ns,v\n1,1\n2,2\n4,3\n4,4\n", "f", {});
+    EXPECT_EQ(table.time, (std::vector<double>{1e-9, 2e-9, 4e-9, 4e-9}));
+    EXPECT_EQ(table.interval, 1e-9);
+    EXPECT_TRUE(ParseCsv("0,1\n1,2\n2.04,3\n3,4\n", "f", {}).time.empty());
 }
 
 GTEST_TEST(Csv, ABadTableIsOneLineWithItsPlace)
@@ -51,12 +63,10 @@ GTEST_TEST(Csv, ABadTableIsOneLineWithItsPlace)
         {"0,1\n0.5\n", {}, "f:2: 1 columns; the first line has 2"},
         {"0,1\n0.5,\n", {}, "f:2: 1 columns; the first line has 2"},
         {"0;1\n0,5;2\n", {}, "f:2: '0,5' is not a number"},
-        {"0,1\n1,2\n3,3\n3,4\n",
+        {"time (min),v\n0,1\n1,2\n", {}, "f: 'time (min)': no unit of time that is known"},
+        {"time,v\n\n0,1\n1,2\n# x\n\n0.5,3\n3,4\n",
          {},
-         "f:3: time 3 s; steps of 1 s would give 2 s: the steps must be equal"},
-        {"time,v\n\n0,1\n1,2\n# x\n\n1.5,3\n3,4\n",
-         {},
-         "f:7: time 1.5 s; steps of 1 s would give 2 s: the steps must be equal"},
+         "f:7: time 0.5 s after 1 s: the time must not fall"},
         {"0,1\n0,2\n", {}, "f: the time does not rise"},
         {"1\n2\n", {}, "f: one column: give --sample-interval, or a time column before it"},
         {"v,w\n1,2\n3,4\n", {}, "f: the first column is not the time: give --sample-interval"},
