@@ -15,9 +15,9 @@ struct HighPass {
 };
 
 // A response of first order in front of a plateau that passes at least three tenths: its lowest
-// point lies below 95 % of the plateau, a point at 0 Hz below three tenths of it; or its phase leads
-// like one whose corner lies below the band. Empty when there is none, or when fewer than two points
-// would be left without it.
+// point lies below 95 % of the plateau, a point at 0 Hz below three tenths of it; or its phase
+// leads like one whose corner lies below the band. Empty when there is none, or when fewer than two
+// points would be left without it.
 std::optional<HighPass> FindHighPass(const FrequencyResponse& response);
 
 // The response without it: points below twice the corner are left out, the others divided by

@@ -70,13 +70,15 @@ FrequencyResponse Prepared(const FrequencyResponse& response, const TimeGrid& gr
     const std::string found = column + ": AC-coupled, " + HighPassText(*highPass);
     result.plateau = highPass->plateau;
     if (keepHighPass || highPass->corner > HighPassPart * grid.bitRate) {
-        warnings.push_back(found + " is kept: its baseline wander is in the result, as far as the "
-                                   "record reaches");
+        warnings.push_back(found +
+                           " is kept: its baseline wander is in the result, as far as the "
+                           "record reaches");
         return data;
     }
     result.treatment.dcFrom = "the plateau above " + HighPassText(*highPass);
-    warnings.push_back(found + " is left out: its plateau is carried down to DC (--dc keep takes "
-                               "the file as it is)");
+    warnings.push_back(found +
+                       " is left out: its plateau is carried down to DC (--dc keep takes "
+                       "the file as it is)");
     return WithoutHighPass(data, *highPass);
 }
 
@@ -107,8 +109,8 @@ Outside Fold(const std::vector<double>& circle, std::ptrdiff_t start, double int
              std::vector<double>& record)
 {
     const size_t size = circle.size();
-    const size_t first = static_cast<size_t>(start < 0 ? start + static_cast<std::ptrdiff_t>(size)
-                                                       : start);
+    const size_t first =
+        static_cast<size_t>(start < 0 ? start + static_cast<std::ptrdiff_t>(size) : start);
     const size_t length = record.size();
     Outside outside;
     double energy = 0;
@@ -170,8 +172,7 @@ ThroughImpulse TransformThrough(const FrequencyResponse& response, const TimeGri
 {
     ThroughImpulse result;
     Treatment& treatment = result.treatment;
-    const FrequencyResponse data =
-        Prepared(response, grid, keepHighPass, column, result, warnings);
+    const FrequencyResponse data = Prepared(response, grid, keepHighPass, column, result, warnings);
     const ResponseCurve curve(data);
     const double interval = grid.Interval();
     result.delay = curve.Delay();
@@ -188,8 +189,8 @@ ThroughImpulse TransformThrough(const FrequencyResponse& response, const TimeGri
 
     const double end = 0.5 / interval;
     const size_t size = std::bit_ceil(2 * length);
-    const std::vector<double> circle = ImpulseResponse(
-        [&](double f) { return curve.At(f) * Fade(f, end); }, size, interval);
+    const std::vector<double> circle =
+        ImpulseResponse([&](double f) { return curve.At(f) * Fade(f, end); }, size, interval);
     const std::ptrdiff_t turns = static_cast<std::ptrdiff_t>(size);
     std::vector<double> record(length);
     const Outside outside = Fold(circle, (zeros - moved) % turns, interval, record);
@@ -198,7 +199,8 @@ ThroughImpulse TransformThrough(const FrequencyResponse& response, const TimeGri
 
     treatment.dc = curve.DcGain();
     if (treatment.dcFrom.empty())
-        treatment.dcFrom = data.frequency.front() == 0 ? "the file" : "the lowest octave over sqrt(f)";
+        treatment.dcFrom =
+            data.frequency.front() == 0 ? "the file" : "the lowest octave over sqrt(f)";
     treatment.band = {response.frequency.front(), response.frequency.back()};
     treatment.continuedTo = end > response.frequency.back() ? end : 0;
     treatment.record = static_cast<double>(result.impulse.size()) * interval;

@@ -12,6 +12,12 @@ namespace {
 // Sums this long are kept whole, down to their rarest pattern.
 constexpr std::size_t UntrimmedCells = 65536;
 
+bool Symmetric(const std::vector<double>& mass)
+{
+    return std::equal(mass.begin(), mass.begin() + static_cast<std::ptrdiff_t>(mass.size() / 2),
+                      mass.rbegin());
+}
+
 }  // namespace
 
 std::vector<long> RoundToGrid(std::span<const double> amplitudes, double step)
@@ -59,11 +65,18 @@ Density SumOfSigns(std::span<const long> cells)
     for (const long c : ascending) {
         const std::vector<double>& now = sum.mass;
         const std::size_t gap = 2 * static_cast<std::size_t>(c);
-        next.assign(now.size() + gap, 0.0);
-        for (std::size_t i = 0; i < now.size(); ++i)
-            next[i] = 0.5 * now[i];
-        for (std::size_t i = 0; i < now.size(); ++i)
-            next[i + gap] += 0.5 * now[i];
+        next.resize(now.size() + gap);
+        const std::size_t overlap = now.size() > gap ? now.size() - gap : 0;
+        const double* low = now.data();
+        double* out = next.data();
+        for (std::size_t i = 0; i < now.size() - overlap; ++i)
+            out[i] = 0.5 * low[i];
+        for (std::size_t i = now.size(); i < gap; ++i)
+            out[i] = 0.0;
+        for (std::size_t i = 0; i < overlap; ++i)
+            out[i + gap] = 0.5 * (low[i + gap] + low[i]);
+        for (std::size_t i = overlap; i < now.size(); ++i)
+            out[i + gap] = 0.5 * low[i];
         sum.mass.swap(next);
         sum.first -= c;
         // A long sum is bell-shaped: its width grows with the square root of the cursors.
@@ -77,14 +90,29 @@ Density Convolve(const Density& a, const Density& b)
     const Density& longer = a.mass.size() >= b.mass.size() ? a : b;
     const Density& shorter = a.mass.size() >= b.mass.size() ? b : a;
     Density sum = {a.first + b.first, {}};
-    sum.mass.assign(a.mass.size() + b.mass.size() - 1, 0.0);
-    for (std::size_t i = 0; i < shorter.mass.size(); ++i) {
-        const double weight = shorter.mass[i];
-        if (weight == 0.0) continue;
+    const std::size_t size = a.mass.size() + b.mass.size() - 1;
+    sum.mass.assign(size, 0.0);
+    // What is the same on both sides is made once.
+    const bool mirrored = Symmetric(a.mass) && Symmetric(b.mass);
+    const std::size_t made = mirrored ? (size + 1) / 2 : size;
+
+    // Four cells of the shorter one go over the longer one together.
+    constexpr std::size_t Together = 4;
+    std::vector<double> padded(longer.mass.size() + 2 * (Together - 1), 0.0);
+    std::copy(longer.mass.begin(), longer.mass.end(), padded.begin() + (Together - 1));
+    for (std::size_t i = 0; i < shorter.mass.size() && i < made; i += Together) {
+        double w[Together] = {};
+        for (std::size_t k = 0; k < Together && i + k < shorter.mass.size(); ++k)
+            w[k] = shorter.mass[i + k];
+        if (w[0] == 0.0 && w[1] == 0.0 && w[2] == 0.0 && w[3] == 0.0) continue;
         double* out = sum.mass.data() + i;
-        for (std::size_t k = 0; k < longer.mass.size(); ++k)
-            out[k] += weight * longer.mass[k];
+        const double* in = padded.data();
+        const std::size_t count = std::min(made - i, padded.size() - (Together - 1));
+        for (std::size_t k = 0; k < count; ++k)
+            out[k] += (w[0] * in[k + 3] + w[1] * in[k + 2]) + (w[2] * in[k + 1] + w[3] * in[k]);
     }
+    for (std::size_t i = made; i < size; ++i)
+        sum.mass[i] = sum.mass[size - 1 - i];
     return sum;
 }
 

@@ -2,146 +2,189 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstdint>
 
 namespace quell {
 
 namespace {
 
-// Every sample of the response one unit interval apart, but the main cursor; half amplitudes.
-std::vector<double> HalfCursors(std::span<const double> pulse, std::size_t phase,
-                                std::size_t samplesPerUi, std::size_t main)
-{
-    std::vector<double> halves;
-    for (std::size_t i = phase; i < pulse.size(); i += samplesPerUi)
-        if (i != main) halves.push_back(0.5 * pulse[i]);
-    return halves;
-}
+// The finest grid that pays: heights of lossy channels no longer move by 0.1 mV beyond it. Random
+// jitter takes many instants and does with a coarser one, the more so where it is a twelfth of the
+// unit interval and has long closed the eye.
+constexpr double StepsPerCursor = 16384.0;
+constexpr double StepsPerCursorJittered = 8192.0;
+constexpr double StepsPerCursorShaken = 4096.0;
+constexpr double Shaken = 1.0 / 12.0;
+// Responses of very many strong cursors, whose eye is long closed, get a coarser grid.
+constexpr double StepsPerSum = 131072.0;
+// Convolving densities with each other costs the product of their lengths: so many products in all.
+constexpr double MostProducts = 1e9;
+
+// A pulse response at any position, in samples: Catmull-Rom between the samples, zero outside.
+class Response {
+public:
+    explicit Response(std::span<const double> samples) : m_Samples(samples) {}
+
+    double At(double position) const
+    {
+        const double floor = std::floor(position);
+        const double t = position - floor;
+        const long i = static_cast<long>(floor);
+        const double b = Sample(i);
+        if (t == 0.0) return b;
+        const double a = Sample(i - 1), c = Sample(i + 1), d = Sample(i + 2);
+        return b + 0.5 * t *
+                       ((c - a) +
+                        t * ((2.0 * a - 5.0 * b + 4.0 * c - d) + t * (3.0 * (b - c) + d - a)));
+    }
+    double Length() const { return static_cast<double>(m_Samples.size()); }
+
+private:
+    double Sample(long i) const
+    {
+        return i >= 0 && i < static_cast<long>(m_Samples.size())
+                   ? m_Samples[static_cast<std::size_t>(i)]
+                   : 0.0;
+    }
+    std::span<const double> m_Samples;
+};
 
 Density CursorDensity(std::span<const double> halves, double step)
 {
     return SumOfSigns(RoundToGrid(halves, step));
 }
 
-constexpr std::size_t NoMain = SIZE_MAX;
-
-// The finest grid that pays: heights of lossy channels no longer move by 0.1 mV beyond it.
-constexpr double StepsPerCursor = 16384.0;
-// Responses of very many strong cursors, whose eye is long closed, get a coarser grid; the more so
-// where densities must be convolved with each other, which costs the product of their lengths.
-constexpr double StepsPerSum = 131072.0;
-constexpr double StepsPerSumConvolved = 16384.0;
+// The eye of one sampling instant, of the bit whose main cursor lies there.
+EyePhase PhaseAt(const Response& response, double position, double samplesPerUi, double step)
+{
+    std::vector<double> halves;
+    const double before = std::ceil(position / samplesPerUi);
+    for (double k = -before;; ++k) {
+        const double at = position + k * samplesPerUi;
+        if (at >= response.Length()) break;
+        const double half = 0.5 * response.At(at);
+        if (k != 0.0 && half != 0.0) halves.push_back(half);
+    }
+    return {response.At(position), CursorDensity(halves, step)};
+}
 
 Density AggressorDensity(std::span<const double> pulse, std::size_t samplesPerUi, double step)
 {
     Density average = {0, {}};
     const double weight = 1.0 / static_cast<double>(samplesPerUi);
-    for (std::size_t phase = 0; phase < samplesPerUi; ++phase)
-        Accumulate(&average, CursorDensity(HalfCursors(pulse, phase, samplesPerUi, NoMain), step),
-                   weight, 0);
+    std::vector<double> halves;
+    for (std::size_t phase = 0; phase < samplesPerUi; ++phase) {
+        halves.clear();
+        for (std::size_t i = phase; i < pulse.size(); i += samplesPerUi)
+            halves.push_back(0.5 * pulse[i]);
+        Accumulate(&average, CursorDensity(halves, step), weight, 0);
+    }
     return average;
 }
 
-// Of each phase the sum of the magnitudes of its cursors.
-std::vector<double> CursorSums(std::span<const double> pulse, std::size_t samplesPerUi)
+// Of each phase the sum of the magnitudes of its cursors; factor phases lie between two samples.
+std::vector<double> CursorSums(std::span<const double> pulse, std::size_t samplesPerUi,
+                               std::size_t factor)
 {
-    std::vector<double> sums(samplesPerUi, 0.0);
-    for (std::size_t i = 0; i < pulse.size(); ++i)
-        sums[i % samplesPerUi] += std::abs(pulse[i]);
+    const Response response(pulse);
+    std::vector<double> sums(samplesPerUi * factor, 0.0);
+    for (std::size_t j = 0; j < factor; ++j) {
+        const double part = static_cast<double>(j) / static_cast<double>(factor);
+        for (std::size_t i = 0; i < pulse.size(); ++i)
+            sums[i % samplesPerUi * factor + j] +=
+                std::abs(response.At(static_cast<double>(i) + part));
+    }
     return sums;
 }
 
-// The sample in the middle of the eye: of the run of instants around the highest one where peak
-// distortion leaves it open, or, should it be closed or nearly so, where it has not lost half the
-// main cursor. The highest instant itself often lies near one end of the opening.
-long MiddleOfEye(std::span<const double> pulse, std::size_t samplesPerUi)
+// The phase in the middle of the eye, counted from the first sample, factor phases a sample: of the
+// run of instants around the highest one where peak distortion leaves it open, or, should it be
+// closed or nearly so, where it has not lost half the main cursor. The highest instant itself often
+// lies near one end of the opening.
+long MiddleOfEye(std::span<const double> pulse, std::size_t samplesPerUi, std::size_t factor)
 {
-    const std::vector<double> sums = CursorSums(pulse, samplesPerUi);
-    // By peak distortion, p0 - sum |pk|, with a sample as the main cursor.
-    const auto height = [&](long at) {
-        const std::size_t i = static_cast<std::size_t>(at);
-        return pulse[i] + std::abs(pulse[i]) - sums[i % samplesPerUi];
+    const Response response(pulse);
+    const std::vector<double> sums = CursorSums(pulse, samplesPerUi, factor);
+    const auto cursor = [&](long phase) {
+        return response.At(static_cast<double>(phase) / static_cast<double>(factor));
     };
+    // By peak distortion, p0 - sum |pk|, with this phase as the main cursor.
+    const auto height = [&](long phase) {
+        const double main = cursor(phase);
+        return main + std::abs(main) - sums[static_cast<std::size_t>(phase) % sums.size()];
+    };
+    const long stride = static_cast<long>(factor);
+    const long last = static_cast<long>(pulse.size() - 1) * stride;
     long best = 0;
-    for (long i = 1; i < static_cast<long>(pulse.size()); ++i)
-        if (height(i) > height(best)) best = i;
-    const double floor = std::min(0.0, height(best) - 0.5 * pulse[static_cast<std::size_t>(best)]);
-    const long reach = static_cast<long>(samplesPerUi);
+    double highest = height(0);
+    for (long i = stride; i <= last; i += stride) {
+        if (height(i) <= highest) continue;
+        best = i;
+        highest = height(i);
+    }
+    const double floor = std::min(0.0, highest - 0.5 * cursor(best));
+    const long reach = static_cast<long>(sums.size());
     const long lowest = std::max(0L, best - reach);
-    const long highest = std::min(static_cast<long>(pulse.size()) - 1, best + reach);
+    const long furthest = std::min(last, best + reach);
     long begin = best;
     long end = best;
     while (begin > lowest && height(begin - 1) > floor)
         --begin;
-    while (end < highest && height(end + 1) > floor)
+    while (end < furthest && height(end + 1) > floor)
         ++end;
     return (begin + end) / 2;
 }
 
-double VoltageStep(std::span<const double> pulse, std::size_t samplesPerUi, bool convolved)
+double LargestSum(std::span<const double> pulse, std::size_t samplesPerUi)
 {
-    const std::vector<double> sums = CursorSums(pulse, samplesPerUi);
-    return std::max(*std::max_element(pulse.begin(), pulse.end()) / StepsPerCursor,
-                    *std::max_element(sums.begin(), sums.end()) /
-                        (convolved ? StepsPerSumConvolved : StepsPerSum));
+    const std::vector<double> sums = CursorSums(pulse, samplesPerUi, 1);
+    return *std::max_element(sums.begin(), sums.end());
 }
 
-// Cubic interpolation (Catmull-Rom) to factor times the sampling rate.
-std::vector<double> Oversample(std::span<const double> pulse, std::size_t factor)
+double VoltageStep(std::span<const double> victim, std::span<const std::vector<double>> aggressors,
+                   std::size_t samplesPerUi, std::size_t phases, double unitInterval,
+                   const EyeOptions& options)
 {
-    const auto at = [pulse](std::size_t i, std::ptrdiff_t offset) {
-        const std::ptrdiff_t k = static_cast<std::ptrdiff_t>(i) + offset;
-        const bool inside = k >= 0 && k < static_cast<std::ptrdiff_t>(pulse.size());
-        return inside ? pulse[static_cast<std::size_t>(k)] : 0.0;
-    };
-    std::vector<double> fine;
-    fine.reserve(pulse.size() * factor);
-    for (std::size_t i = 0; i < pulse.size(); ++i) {
-        const double a = at(i, -1), b = at(i, 0), c = at(i, 1), d = at(i, 2);
-        for (std::size_t j = 0; j < factor; ++j) {
-            const double t = static_cast<double>(j) / static_cast<double>(factor);
-            fine.push_back(b + 0.5 * t *
-                                   ((c - a) + t * ((2.0 * a - 5.0 * b + 4.0 * c - d) +
-                                                   t * (3.0 * (b - c) + d - a))));
-        }
+    const double sum = LargestSum(victim, samplesPerUi);
+    const bool shaken = options.randomJitter > Shaken * unitInterval;
+    const double steps = shaken                       ? StepsPerCursorShaken
+                         : options.randomJitter > 0.0 ? StepsPerCursorJittered
+                                                      : StepsPerCursor;
+    double step =
+        std::max(*std::max_element(victim.begin(), victim.end()) / steps, sum / StepsPerSum);
+    double added = 18.0 * options.noise;
+    for (const std::vector<double>& aggressor : aggressors) {
+        const double other = LargestSum(aggressor, samplesPerUi);
+        // An aggressor far stronger than the victim sets the scale.
+        step = std::max(step, other / StepsPerSum);
+        added += other;
     }
-    return fine;
+    return std::max(step, std::sqrt(static_cast<double>(phases) * sum * added / MostProducts));
 }
 
-// Sampling instants must lie close enough to tell the jitter's shape.
-std::size_t OversamplingFor(const EyeOptions& options, double sampleInterval)
+// How many phases, at least `least` in a unit interval, lie between two samples. An even number
+// makes the unit interval, so that both its ends have one.
+std::size_t PhasesPerSample(std::size_t samplesPerUi, std::size_t least)
 {
-    double finest = sampleInterval;
-    if (options.randomJitter > 0.0) finest = std::min(finest, options.randomJitter);
-    if (options.dualDirac > 0.0) finest = std::min(finest, options.dualDirac / 2.0);
-    return static_cast<std::size_t>(std::clamp(std::ceil(sampleInterval / finest), 1.0, 32.0));
+    std::size_t factor = std::max<std::size_t>(1, (least + samplesPerUi - 1) / samplesPerUi);
+    if (least > 1 && factor * samplesPerUi % 2 == 1) ++factor;
+    return factor;
 }
 
-// Density of the sampling instant, in phase steps.
-Density JitterDensity(const EyeOptions& options, double phaseStep)
+// How many instants of random jitter lie between two phases: the narrower it is, the finer.
+std::size_t InstantsPerPhase(double jitter, double unitInterval, std::size_t phasesPerUi)
 {
-    Density jitter = Gaussian(options.randomJitter, phaseStep);
-    if (options.dualDirac > 0.0) {
-        const long reach = std::lround(options.dualDirac / 2.0 / phaseStep);
-        jitter = Convolve(jitter, SumOfSigns(std::vector<long>{reach}));
-    }
-    TrimTails(&jitter);
-    return jitter;
+    if (!(jitter > 0.0)) return 1;
+    std::size_t perUi = 64;
+    while (perUi < 512 && jitter * static_cast<double>(perUi) < 4.0 * unitInterval)
+        perUi *= 2;
+    return std::max<std::size_t>(1, (perUi + phasesPerUi - 1) / phasesPerUi);
 }
 
-// The phase i as jitter sees it: a mixture of the phases around it. Where jitter reaches beyond the
-// unit interval, the same bit's response is read on.
-EyePhase Jittered(const std::vector<EyePhase>& phases, std::size_t i, const Density& jitter,
-                  double step)
+// Adds the phase as seen from the main cursor of another one.
+void Mix(EyePhase* sum, const EyePhase& phase, double weight, double step)
 {
-    EyePhase mixed = {phases[i].mainCursor, {0, {}}};
-    for (std::size_t k = 0; k < jitter.mass.size(); ++k) {
-        const long offset = jitter.first + static_cast<long>(k);
-        const EyePhase& other = phases[static_cast<std::size_t>(static_cast<long>(i) + offset)];
-        const double moved = 0.5 * (other.mainCursor - mixed.mainCursor) / step;
-        Accumulate(&mixed.isi, other.isi, jitter.mass[k], std::lround(moved));
-    }
-    return mixed;
+    const double moved = 0.5 * (phase.mainCursor - sum->mainCursor) / step;
+    Accumulate(&sum->isi, phase.isi, weight, std::lround(moved));
 }
 
 }  // namespace
@@ -155,19 +198,23 @@ double EyeHeight(const StatisticalEye& eye, std::size_t phase, double errorRate)
 
 std::size_t BestPhase(const StatisticalEye& eye, double errorRate)
 {
-    std::size_t best = eye.centre;
+    const std::size_t stride = eye.samplePhases;
+    // The sample next to the centre wins a tie.
+    std::size_t best =
+        eye.firstSample + (eye.centre + stride / 2 - eye.firstSample) / stride * stride;
     double highest = EyeHeight(eye, best, errorRate);
-    for (std::size_t i = 0; i < eye.phases.size(); ++i) {
+    for (std::size_t i = eye.firstSample; i < eye.phases.size(); i += stride) {
         const double height = EyeHeight(eye, i, errorRate);
         if (height > highest) {
             highest = height;
             best = i;
         }
     }
-    std::size_t end = best;
-    while (end + 1 < eye.phases.size() && EyeHeight(eye, end + 1, errorRate) == highest)
-        ++end;
-    return (best + end) / 2;
+    std::size_t equal = 1;
+    while (best + equal * stride < eye.phases.size() &&
+           EyeHeight(eye, best + equal * stride, errorRate) == highest)
+        ++equal;
+    return best + (equal - 1) / 2 * stride;
 }
 
 double EyeWidth(const StatisticalEye& eye, double errorRate)
@@ -203,37 +250,59 @@ StatisticalEye ComputeEye(std::span<const double> victim,
                           std::span<const std::vector<double>> aggressors, std::size_t samplesPerUi,
                           double sampleInterval, const EyeOptions& options)
 {
-    // Jitter needs finer phases than the result has.
-    const std::size_t factor = OversamplingFor(options, sampleInterval);
-    const std::size_t finePerUi = samplesPerUi * factor;
-    const std::vector<double> finer =
-        factor == 1 ? std::vector<double>() : Oversample(victim, factor);
-    const std::span<const double> pulse = factor == 1 ? victim : std::span<const double>(finer);
-    const Density jitter = JitterDensity(options, sampleInterval / static_cast<double>(factor));
-    const long margin = std::max(std::abs(jitter.first), std::abs(jitter.last()));
+    const Response response(victim);
+    const double perUi = static_cast<double>(samplesPerUi);
+    const double unitInterval = sampleInterval * perUi;
+    const std::size_t factor = PhasesPerSample(samplesPerUi, options.phases);
+    const std::size_t phasesPerUi = factor * samplesPerUi;
+    const std::size_t instants = InstantsPerPhase(options.randomJitter, unitInterval, phasesPerUi);
+    const double phaseStep = sampleInterval / static_cast<double>(factor);
+    const std::size_t centre = phasesPerUi / 2;
+    const double step =
+        options.voltageStep > 0.0
+            ? options.voltageStep
+            : VoltageStep(victim, aggressors, samplesPerUi, 2 * centre + 1, unitInterval, options);
 
-    double step = options.voltageStep;
-    if (!(step > 0.0)) {
-        const bool convolved = options.noise > 0.0 || !aggressors.empty();
-        step = VoltageStep(pulse, finePerUi, convolved);
-        // An aggressor far stronger than the victim sets the scale.
-        for (const std::vector<double>& aggressor : aggressors)
-            step = std::max(step, VoltageStep(aggressor, samplesPerUi, convolved));
+    const long middle = MiddleOfEye(victim, samplesPerUi, factor);
+    const long stride = static_cast<long>(factor);
+    const long first = middle - static_cast<long>(centre);
+    StatisticalEye eye;
+    eye.unitInterval = unitInterval;
+    eye.phaseStep = phaseStep;
+    eye.voltageStep = step;
+    eye.middle = static_cast<double>(middle) * phaseStep;
+    eye.centre = centre;
+    eye.firstSample = static_cast<std::size_t>(((-first) % stride + stride) % stride);
+    eye.samplePhases = factor;
+    // A position in samples, of an instant counted from the first phase.
+    const auto position = [&](long instant) {
+        return static_cast<double>(first * static_cast<long>(instants) + instant) /
+               static_cast<double>(factor * instants);
+    };
+    for (std::size_t i = 0; i <= 2 * centre; ++i) {
+        const double at = position(static_cast<long>(i * instants));
+        eye.phases.push_back({response.At(at), {0, {}}});
     }
 
-    // One unit interval around the middle, and on both sides what the jitter reaches.
-    const long n = static_cast<long>(finePerUi);
-    const long middle = MiddleOfEye(pulse, finePerUi);
-    const std::size_t centre = samplesPerUi / 2;
-    const long begin = middle - static_cast<long>(centre * factor) - margin;
-    std::vector<EyePhase> fine;
-    const long end = middle + static_cast<long>(centre * factor) + margin;
-    for (long main = begin; main <= end; ++main) {
-        const std::size_t phase = static_cast<std::size_t>((main % n + n) % n);
-        const bool inside = main >= 0 && main < static_cast<long>(pulse.size());
-        const std::size_t index = inside ? static_cast<std::size_t>(main) : NoMain;
-        fine.push_back({inside ? pulse[index] : 0.0,
-                        CursorDensity(HalfCursors(pulse, phase, finePerUi, index), step)});
+    // Each instant is made once and goes to all phases that the jitter moves there.
+    Density jitter = Gaussian(options.randomJitter, phaseStep / static_cast<double>(instants));
+    TrimTails(&jitter);
+    const long last = static_cast<long>(2 * centre * instants);
+    const double reach = 0.5 * std::max(options.dualDirac, 0.0) / sampleInterval;
+    std::vector<double> moves = {-reach, reach};
+    if (reach == 0.0) moves.pop_back();
+    for (const double move : moves) {
+        for (long m = jitter.first; m <= last + jitter.last(); ++m) {
+            const EyePhase phase = PhaseAt(response, position(m) + move, perUi, step);
+            for (long offset = jitter.first; offset <= jitter.last(); ++offset) {
+                const long i = m - offset;
+                if (i < 0 || i > last || i % static_cast<long>(instants) != 0) continue;
+                Mix(&eye.phases[static_cast<std::size_t>(i) / instants], phase,
+                    jitter.mass[static_cast<std::size_t>(offset - jitter.first)] /
+                        static_cast<double>(moves.size()),
+                    step);
+            }
+        }
     }
 
     Density added = Gaussian(options.noise, step);
@@ -241,17 +310,10 @@ StatisticalEye ComputeEye(std::span<const double> victim,
         added = Convolve(added, AggressorDensity(aggressor, samplesPerUi, step));
         TrimTails(&added);
     }
-
-    StatisticalEye eye = {
-        sampleInterval * static_cast<double>(samplesPerUi), sampleInterval, step, centre, {}};
-    for (std::size_t i = 0; i <= 2 * centre; ++i) {
-        EyePhase phase =
-            Jittered(fine, static_cast<std::size_t>(margin) + i * factor, jitter, step);
-        if (added.mass.size() > 1) {
-            TrimTails(&phase.isi);
-            phase.isi = Convolve(phase.isi, added);
-        }
-        eye.phases.push_back(std::move(phase));
+    if (added.mass.size() == 1) return eye;
+    for (EyePhase& phase : eye.phases) {
+        TrimTails(&phase.isi);
+        phase.isi = Convolve(phase.isi, added);
     }
     return eye;
 }

@@ -20,7 +20,9 @@ struct EyeOptions {
     double noise = 0.0;         // volts, standard deviation of Gaussian noise at the receiver
     double randomJitter = 0.0;  // seconds, standard deviation of the sampling instant
     double dualDirac = 0.0;     // seconds, distance of the two equally likely sampling instants
-    double voltageStep = 0.0;   // volts; 0 takes 1/16384 of the largest main cursor
+    double voltageStep = 0.0;   // volts; 0 takes 1/16384 of the largest main cursor, or what the
+                                // work allows
+    std::size_t phases = 64;    // at least so many in a unit interval
 };
 
 // One sampling phase. isi is the density of everything but half the main cursor, in voltage steps:
@@ -31,13 +33,16 @@ struct EyePhase {
 };
 
 // phases[i] samples at (i - centre) * phaseStep seconds from the middle of the eye that peak
-// distortion leaves; together they span one unit interval, both ends included where it has an even
-// number of samples.
+// distortion leaves; together they span one unit interval with both ends included. The samples of
+// the response lie at firstSample and every samplePhases from there.
 struct StatisticalEye {
     double unitInterval;  // seconds
     double phaseStep;     // seconds
     double voltageStep;   // volts
+    double middle;        // seconds from the first sample of the response to the centre
     std::size_t centre;
+    std::size_t firstSample;
+    std::size_t samplePhases;
     std::vector<EyePhase> phases;
 };
 
@@ -45,8 +50,8 @@ struct StatisticalEye {
 // closed. Volts.
 double EyeHeight(const StatisticalEye& eye, std::size_t phase, double errorRate);
 
-// The phase with the greatest height at the error rate; of equal ones the one nearest to the middle
-// of their run.
+// The phase with the greatest height at the error rate, of those that a sample of the response lies
+// at; of equal ones the one nearest to the middle of their run.
 std::size_t BestPhase(const StatisticalEye& eye, double errorRate);
 
 // Width of the opening around the best phase, in unit intervals: to where the height, interpolated
@@ -57,8 +62,10 @@ double EyeWidth(const StatisticalEye& eye, double errorRate);
 double ErrorRate(const StatisticalEye& eye, std::size_t phase);
 
 // victim and aggressors are pulse responses (volts) on one time grid of samplesPerUi samples in a
-// unit interval. Aggressors are asynchronous: the density of each is averaged over its phases.
-// The victim must hold at least one sample above zero.
+// unit interval, cubic between the samples. Aggressors are asynchronous: the density of each is
+// averaged over its phases. Jitter mixes the densities at the instants that it moves the sampling
+// to: dual-Dirac jitter exactly there, random jitter in steps of a quarter of its deviation, but no
+// finer than a 512th of the unit interval. The victim must hold at least one sample above zero.
 StatisticalEye ComputeEye(std::span<const double> victim,
                           std::span<const std::vector<double>> aggressors, std::size_t samplesPerUi,
                           double sampleInterval, const EyeOptions& options = {});
