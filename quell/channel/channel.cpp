@@ -354,6 +354,21 @@ void CheckColumn(const Column& column, const TimeGrid& grid, std::vector<std::st
 
 }  // namespace
 
+const char* PortSourceText(PortSource source)
+{
+    switch (source) {
+        case PortSource::Given:
+            return "given";
+        case PortSource::Found:
+            return "found";
+        case PortSource::Assumed:
+            return "assumed";
+        case PortSource::Victim:
+            return "as the victim's";
+    }
+    return "";
+}
+
 ChannelSource ReadChannel(const std::string& name, const ChannelOptions& options,
                           const PortOrder* victim)
 {

@@ -36,6 +36,9 @@ struct ChannelOptions {
 // one side.
 enum class PortSource { Given, Found, Assumed, Victim };
 
+// "given", "found", "assumed", "as the victim's".
+const char* PortSourceText(PortSource source);
+
 struct ThroughChannel {
     FrequencyResponse response;
     PortOrder ports;

@@ -22,6 +22,9 @@ struct Treatment {
                                // that what lies before time zero is kept
 };
 
+// In one line: "DC gain 0.998 from the file, data from 0 Hz to 40 GHz, record of 100 ns".
+std::string TreatmentText(const Treatment& treatment);
+
 }  // namespace quell
 
 #endif

@@ -75,7 +75,7 @@ int Run(RunOptions options)
         PrintWarning(warning);
     if (!options.json) std::cerr << PrintedText(result);
     if (!options.outFolder.empty()) WriteResult(result, options.outFolder);
-    if (!options.svgFolder.empty()) WritePictures(LinkPictures(result, link), options.svgFolder);
+    if (!options.svgFolder.empty()) WritePictures(LinkPictures(result), options.svgFolder);
     if (!options.htmlFile.empty()) WriteWholeFile(options.htmlFile, LinkReportHtml(result, link));
     std::cout << (options.json ? JsonText(ResultJson(result)) : LinkText(result)) << std::flush;
     if (!result.Failed()) return EXIT_DONE;
@@ -115,6 +115,7 @@ void AddRun(CLI::App& app, int& exitCode)
         ->type_name("FOLDER")
         ->group(output);
     run.footer(
+        std::string(NumberHelp) +
         "Exit code: 0 done, 2 wrong usage or unreadable input, 3 the model reports failure,\n"
         "4 the model crashed or took too long.\n\n"
         "  quell run loss:8dB@2.5GHz --set de_emphasis=3.5\n"

@@ -92,6 +92,7 @@ void AddSweep(CLI::App& app, int& exitCode)
         ->type_name("FILE")
         ->group(output);
     sweep.footer(
+        std::string(NumberHelp) +
         "Exit code: 0 done, 2 wrong usage or unreadable input, 3 the model reported failure at "
         "some\npoint, 4 it crashed or took too long at some point.\n\n"
         "  quell sweep loss:8dB@2.5GHz thru.s4p --set de_emphasis=0:9.5:0.5");

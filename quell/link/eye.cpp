@@ -59,13 +59,6 @@ size_t WholeSamples(const TimeGrid& grid)
     return static_cast<size_t>(std::ceil(grid.samplesPerBit));
 }
 
-StatisticalEye ComputeLinkEye(const EyeInput& input, const TimeGrid& grid, size_t samplesPerUi,
-                              const EyeOptions& options)
-{
-    return ComputeEye(input.victim, input.aggressors, samplesPerUi,
-                      grid.BitTime() / static_cast<double>(samplesPerUi), options);
-}
-
 }  // namespace
 
 std::optional<LinkEye> MeasureLinkEye(const LinkPoint& point, const TimeGrid& grid,
@@ -77,25 +70,17 @@ std::optional<LinkEye> MeasureLinkEye(const LinkPoint& point, const TimeGrid& gr
 
     LinkEye result;
     result.errorRate = options.errorRate;
-    result.eye = ComputeLinkEye(*input, grid, samplesPerUi, options.eye);
+    result.eye = ComputeEye(input->victim, input->aggressors, samplesPerUi,
+                            grid.BitTime() / static_cast<double>(samplesPerUi), options.eye);
     const size_t best = BestPhase(result.eye, options.errorRate);
     result.height = EyeHeight(result.eye, best, options.errorRate);
     result.width = EyeWidth(result.eye, options.errorRate);
     result.phase = (static_cast<double>(best) - static_cast<double>(result.eye.centre)) *
                    result.eye.phaseStep / result.eye.unitInterval;
+    result.samplingTime = result.eye.middle + result.phase * result.eye.unitInterval;
     for (const double errorRate : EyeErrorRates)
         result.heights.push_back(EyeHeight(result.eye, best, errorRate));
     return result;
-}
-
-StatisticalEye FinerLinkEye(const LinkPoint& point, const TimeGrid& grid, const LinkEye& eye,
-                            const EyeOptions& options, size_t phases, double voltageStep)
-{
-    const size_t samplesPerUi = phases * WholeSamples(grid);
-    const std::optional<EyeInput> input = MakeEyeInput(point, grid, samplesPerUi);
-    EyeOptions coarse = options;
-    coarse.voltageStep = voltageStep;
-    return input ? ComputeLinkEye(*input, grid, samplesPerUi, coarse) : eye.eye;
 }
 
 }  // namespace quell

@@ -24,17 +24,13 @@ struct LinkEye {
     double height = 0;            // V, at the best phase
     double width = 0;             // unit intervals
     double phase = 0;             // unit intervals from the middle of the eye
+    double samplingTime = 0;      // s from the start of the response, of the bit sent there
     std::vector<double> heights;  // V, of EyeErrorRates at that phase
 };
 
 // Empty where the responses hold no finite numbers, and where the victim's is zero.
 std::optional<LinkEye> MeasureLinkEye(const LinkPoint& point, const TimeGrid& grid,
                                       const LinkEyeOptions& options);
-
-// The eye of MeasureLinkEye for a picture: with so many times more phases on a voltage grid of so
-// many volts.
-StatisticalEye FinerLinkEye(const LinkPoint& point, const TimeGrid& grid, const LinkEye& eye,
-                            const EyeOptions& options, size_t phases, double voltageStep);
 
 }  // namespace quell
 

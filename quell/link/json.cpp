@@ -23,6 +23,19 @@ constexpr struct {
     {"crosstalk", &ResponseFigures::crosstalk},
 };
 
+Json TreatmentJson(const Treatment& treatment)
+{
+    Json json;
+    json["dc"] = treatment.dc;
+    json["dc_from"] = treatment.dcFrom;
+    json["band"] =
+        treatment.band ? Json({treatment.band->low, treatment.band->high}) : Json(nullptr);
+    json["continued_to"] = treatment.continuedTo > 0 ? Json(treatment.continuedTo) : Json(nullptr);
+    json["record"] = treatment.record;
+    json["delay_removed"] = treatment.delayRemoved;
+    return json;
+}
+
 // "before" is before the first stage, "after" behind the last.
 Json ColumnJson(const LinkResult& result, size_t k)
 {
@@ -39,7 +52,9 @@ Json ColumnJson(const LinkResult& result, size_t k)
     json["loss_at_nyquist_db"] = OrNull(column.loss);
     json["delay"] = OrNull(column.delay);
     json["ports"] = column.ports ? Json(PortOrderText(*column.ports)) : Json(nullptr);
+    json["ports_from"] = column.ports ? Json(PortSourceText(column.portSource)) : Json(nullptr);
     json["reference"] = OrNull(column.reference);
+    json["treatment"] = TreatmentJson(column.treatment);
     return json;
 }
 
@@ -49,7 +64,9 @@ Json EyeJson(const LinkEye& eye)
     json["ber"] = eye.errorRate;
     json["height"] = eye.height;
     json["width_ui"] = eye.width;
+    json["width_ps"] = eye.width * eye.eye.unitInterval * 1e12;
     json["phase"] = eye.phase;
+    json["sampling_time"] = eye.samplingTime;
     json["heights"] = Json::object();
     for (size_t k = 0; k < eye.heights.size(); ++k)
         json["heights"][ShortText(EyeErrorRates[k])] = eye.heights[k];

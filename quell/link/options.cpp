@@ -3,15 +3,23 @@
 
 #include "quell/base/errors.h"
 #include "quell/base/lines.h"
+#include "quell/base/numbers.h"
 
 namespace quell {
 
 namespace {
 
+constexpr double Swing = 1;  // V between the rails
+
 constexpr std::pair<const char*, ResponseKind> ResponseKinds[] = {
     {"impulse", ResponseKind::Impulse},
     {"step", ResponseKind::Step},
     {"pulse", ResponseKind::Pulse}};
+
+constexpr std::pair<const char*, bool> DcChoices[] = {{"auto", false}, {"keep", true}};
+
+constexpr std::pair<const char*, OwnColumns> OwnColumnChoices[] = {{"before", OwnColumns::Before},
+                                                                   {"after", OwnColumns::After}};
 
 constexpr std::pair<const char*, ImpulseUnit> Units[] = {{"V/s", ImpulseUnit::VoltPerSecond},
                                                          {"V/sample", ImpulseUnit::VoltPerSample}};
@@ -45,17 +53,27 @@ CLI::Option* AddLinkOptions(CLI::App& command, LinkOptions& options, const std::
     command
         .add_option("--ports", options.ports,
                     "Port order of a 4-port: 13,24 goes in at ports 1 and 3 and out at 2 and 4 "
-                    "(default: found at the lowest frequency)")
+                    "(default: found where the file passes most)")
         ->type_name("ORDER")
         ->group(touchstone);
+    AddChoice(command, "--dc", channel.keepHighPass, DcChoices,
+              "A coupling capacitor: its plateau carried down to DC, or the file kept as it is "
+              "(default auto)")
+        ->group(touchstone);
 
-    const char* tables = "Tables (.csv): a time column in seconds and one or more responses";
+    const char* tables =
+        "Tables (.csv): a time column in s, \"time (ns)\" or the like, and responses";
     AddNumber(
         command, "--sample-interval", "s", 0, [&channel](double v) { channel.sampleInterval = v; },
         "Sample interval of a table without a time column")
         ->group(tables);
     AddChoice(command, "--response", channel.response, ResponseKinds,
               "What the table holds (default impulse)")
+        ->group(tables);
+    AddChoice(
+        command, "--column", channel.ownColumns, OwnColumnChoices,
+        "Of an impulse.csv that quell wrote: the responses before or after the model (default "
+        "before)")
         ->group(tables);
     AddChoice(command, "--unit", channel.unit, Units, "Unit of impulse responses (default V/s)")
         ->group(tables);
@@ -114,6 +132,16 @@ void FinishLinkOptions(LinkOptions& options)
     }
     if (!(options.eye.errorRate < 0.5))
         throw InputError("--ber: an error rate lies between 0 and 0.5");
+    const double bit = 1 / options.channel.bitRate;
+    const EyeOptions& eye = options.eye.eye;
+    if (eye.noise > Swing)
+        throw InputError("--noise " + UnitText(eye.noise, "V") +
+                         ": beyond the swing of 1 V between the rails");
+    for (const auto& [name, jitter] :
+         {std::pair("--rj ", eye.randomJitter), {"--dj ", eye.dualDirac}})
+        if (jitter > bit)
+            throw InputError(name + UnitText(jitter, "s") + ": beyond the unit interval of " +
+                             UnitText(bit, "s"));
 }
 
 }  // namespace quell

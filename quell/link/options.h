@@ -25,6 +25,11 @@ struct LinkOptions {
 CLI::Option* AddLinkOptions(CLI::App& command, LinkOptions& options,
                             const std::string& settingHelp);
 
+// What numbers may look like, for the ends of help pages.
+inline constexpr const char* NumberHelp =
+    "Numbers take a scale letter (f p n u m k M G T) and their unit: 2mV, 2ps, 5Gbit/s; without\n"
+    "them they are in V, s, bit/s.\n\n";
+
 // What can only be judged when the whole line is read. Throws InputError.
 void FinishLinkOptions(LinkOptions& options);
 

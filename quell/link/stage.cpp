@@ -78,7 +78,7 @@ LinkStage RunStage(const StageSetup& setup, const LinkPoint& before, const TimeG
     AmiCall call;
     call.model = setup.model.model;
     call.parameters = setup.model.parameters;
-    call.sampleInterval = grid.Interval();
+    call.sampleInterval = grid.ModelInterval();
     call.bitTime = grid.BitTime();
     call.timeout = timeout;
 

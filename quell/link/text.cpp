@@ -46,11 +46,11 @@ std::string ChannelText(const Column& column, const TimeGrid& grid)
     if (column.ports)
         text += "  ports " + PortOrderText(*column.ports) +
                 (column.ports->Differential() ? ", differential SDD21" : ", S21") + ", " +
-                ShortText(*column.reference) + " ohm\n";
+                ShortText(*column.reference) + " ohm, " + PortSourceText(column.portSource) + "\n";
     text += "  loss at " + UnitText(grid.Nyquist(), "Hz") + ": " +
             (column.loss ? Format("%.2f dB", *column.loss) : "not known");
     if (column.delay) text += ", delay " + UnitText(*column.delay, "s");
-    return text + "\n";
+    return text + "\n  " + TreatmentText(column.treatment) + "\n";
 }
 
 std::string StageText(const LinkStage& stage)
@@ -98,7 +98,9 @@ std::string FigureText(const LinkResult& result)
 
 std::string HeightText(const LinkResult& result)
 {
-    std::string text = "peak-distortion eye height (1 V between the rails)\n ";
+    std::string text =
+        "peak-distortion eye height (1 V between the rails), the height at error rate 0: a\n"
+        "statistical height may exceed it, for it leaves rarer patterns out\n ";
     for (size_t p = 0; p < result.Points(); ++p) {
         const LinkPoint* point = result.Point(p);
         text += (p == 0 ? " " : ", ") + result.PointName(p) + " " +
@@ -110,7 +112,9 @@ std::string HeightText(const LinkResult& result)
 std::string EyeText(const LinkEye& eye)
 {
     std::string text = "statistical eye at an error rate of " + ShortText(eye.errorRate) + "\n";
-    text += Format("  height %.4f V, width %.3f UI\n", eye.height, eye.width) + "  height at";
+    text += Format("  height %.4f V, width %.3f UI (%.1f ps), sampled at ", eye.height, eye.width,
+                   eye.width * eye.eye.unitInterval * 1e12) +
+            UnitText(eye.samplingTime, "s") + "\n  height at";
     for (size_t k = 0; k < eye.heights.size(); ++k)
         text += (k == 0 ? " " : ", ") + ShortText(EyeErrorRates[k]) + ": " +
                 Format("%.4f V", eye.heights[k]);

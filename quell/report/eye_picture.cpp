@@ -37,49 +37,24 @@ double HighestVoltage(const StatisticalEye& eye)
     return highest;
 }
 
-// By how many fine phases the middle of the fine eye lies behind that of the other one, which has
-// a phase in `ratio` of them: where their main cursors fall together.
-long CentreOffset(const StatisticalEye& eye, const StatisticalEye& fine)
-{
-    const long ratio = std::lround(eye.phaseStep / fine.phaseStep);
-    long best = 0;
-    double least = -1;
-    for (long offset = -2 * ratio; offset <= 2 * ratio; ++offset) {
-        double sum = 0;
-        for (size_t i = 0; i < eye.phases.size(); ++i) {
-            const long k = static_cast<long>(fine.centre) + offset +
-                           (static_cast<long>(i) - static_cast<long>(eye.centre)) * ratio;
-            if (k < 0 || k >= static_cast<long>(fine.phases.size())) continue;
-            sum +=
-                std::abs(eye.phases[i].mainCursor - fine.phases[static_cast<size_t>(k)].mainCursor);
-        }
-        if (least < 0 || sum < least || (sum == least && std::abs(offset) < std::abs(best))) {
-            least = sum;
-            best = offset;
-        }
-    }
-    return best;
-}
-
 // The total density of ones and zeros repeats every unit interval.
-Cells DensityCells(const LinkEye& eye, const StatisticalEye& fine, double half)
+Cells DensityCells(const StatisticalEye& eye, double half)
 {
     Cells cells;
-    const long phases = std::lround(fine.unitInterval / fine.phaseStep);
+    const long phases = std::lround(eye.unitInterval / eye.phaseStep);
     cells.columns = std::min(static_cast<size_t>(phases), MostColumns);
     cells.half = half;
     cells.density.resize(cells.columns * Rows);
     const long columns = static_cast<long>(cells.columns);
-    const long offset = CentreOffset(eye.eye, fine);
     for (long column = 0; column < columns; ++column) {
-        const long index = static_cast<long>(fine.centre) + offset +
-                           (2 * column - columns) * phases / (2 * columns);
+        const long index =
+            static_cast<long>(eye.centre) + (2 * column - columns) * phases / (2 * columns);
         const EyePhase& phase =
-            fine.phases[static_cast<size_t>(((index % phases) + phases) % phases)];
+            eye.phases[static_cast<size_t>(((index % phases) + phases) % phases)];
         for (size_t i = 0; i < phase.isi.mass.size(); ++i) {
             const double one =
                 phase.mainCursor / 2 +
-                static_cast<double>(phase.isi.first + static_cast<long>(i)) * fine.voltageStep;
+                static_cast<double>(phase.isi.first + static_cast<long>(i)) * eye.voltageStep;
             for (const double v : {one, -one}) {
                 const double row = (v / half + 1) / 2 * static_cast<double>(Rows);
                 const size_t inside =
@@ -196,9 +171,9 @@ constexpr const char* ContourClasses[] = {"line contour s2", "line contour s6", 
 
 }  // namespace
 
-std::string EyePictureSvg(const LinkEye& eye, const StatisticalEye& fine, SvgUse use)
+std::string EyePictureSvg(const LinkEye& eye, SvgUse use)
 {
-    const double half = 1.02 * std::max(HighestVoltage(eye.eye), HighestVoltage(fine));
+    const double half = 1.02 * HighestVoltage(eye.eye);
     const AxisLayout x = LayOutAxis({"phase", "UI", Scale::Linear, -1.0, 1.0}, {-1, 1}, 8, false);
     const AxisLayout y =
         LayOutAxis({"received voltage", "V", Scale::Linear, -half, half}, {-half, half}, 6, false);
@@ -206,7 +181,7 @@ std::string EyePictureSvg(const LinkEye& eye, const StatisticalEye& fine, SvgUse
     for (size_t k = 0; k < std::size(EyeErrorRates); ++k)
         legend.push_back({"at " + ShortText(EyeErrorRates[k]), ContourClasses[k], false});
     SvgFrame frame("eye", "Statistical eye", legend, x, y, use, 66);
-    Cells cells = DensityCells(eye, fine, half);
+    Cells cells = DensityCells(eye.eye, half);
     DrawDensity(&frame, cells);
     DrawColourBar(&frame);
     frame.BeginClip();

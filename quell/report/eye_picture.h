@@ -10,9 +10,8 @@
 namespace quell {
 
 // Two unit intervals wide, zeros and ones together; contours at EyeErrorRates and the best
-// phase. The densities of `fine`, an eye of the same link with more phases, are the colours.
-// Contours are those of `eye`, so that they agree with its figures.
-std::string EyePictureSvg(const LinkEye& eye, const StatisticalEye& fine, SvgUse use);
+// phase.
+std::string EyePictureSvg(const LinkEye& eye, SvgUse use);
 
 }  // namespace quell
 

@@ -257,17 +257,6 @@ void ForResponsePlots(const LinkResult& result, const std::function<void(const L
     take(MakeFrequencyPlot(result));
 }
 
-std::string EyeSvg(const LinkResult& result, const LinkOptions& options, SvgUse use)
-{
-    // 64 phases or more draw smooth transitions, and a row of the picture is several cells high.
-    const TimeGrid& grid = result.channel->grid;
-    const size_t phases =
-        std::max<size_t>(1, static_cast<size_t>(64 / std::ceil(grid.samplesPerBit)));
-    const StatisticalEye fine = FinerLinkEye(*result.After(), grid, *result.eye, options.eye.eye,
-                                             phases, 8 * result.eye->eye.voltageStep);
-    return EyePictureSvg(*result.eye, fine, use);
-}
-
 std::string OrNone(const std::string& text)
 {
     return text.empty() ? "none" : text;
@@ -340,8 +329,10 @@ std::string FigureText(double value, const char* unit)
 PageTable ChannelTable(const LinkResult& result)
 {
     PageTable table;
-    table.heads = {"column", "loss at " + UnitText(result.channel->grid.Nyquist(), "Hz"), "delay",
-                   "ports", "channel"};
+    table.heads = {"column",     "loss at " + UnitText(result.channel->grid.Nyquist(), "Hz"),
+                   "delay",      "ports",
+                   "ports from", "treatment",
+                   "channel"};
     table.words = true;
     for (size_t k = 0; k < result.channel->columns.size(); ++k) {
         const Column& channel = result.channel->columns[k];
@@ -356,6 +347,9 @@ PageTable ChannelTable(const LinkResult& result)
              known(channel.delay.has_value(), UnitText(channel.delay.value_or(0), "s"), "delay"),
              channel.ports ? PageCell{PortOrderText(*channel.ports), pointer + "ports"}
                            : PageCell{"–"},
+             channel.ports ? PageCell{PortSourceText(channel.portSource), pointer + "ports_from"}
+                           : PageCell{"–"},
+             {TreatmentText(channel.treatment)},
              {channel.source, pointer + "source"}});
     }
     return table;
@@ -395,11 +389,19 @@ std::vector<PageFact> EyeFacts(const LinkResult& result)
     });
     const std::optional<LinkEye>& eye = result.eye;
     if (!eye) return facts;
+    facts.push_back({"peak distortion",
+                     {"the height at error rate 0: a statistical height may "
+                      "exceed it, for it leaves rarer patterns out"}});
     const std::string rate = ShortText(eye->errorRate);
     facts.push_back({"height at " + rate, {UnitText(eye->height, "V"), "/eye/height"}});
     facts.push_back({"width at " + rate, {ShortText(eye->width, 4) + " UI", "/eye/width_ui"}});
+    facts.push_back(
+        {"width there in time",
+         {ShortText(eye->width * eye->eye.unitInterval * 1e12, 4) + " ps", "/eye/width_ps"}});
     facts.push_back({"phase of this height",
                      {ShortText(eye->phase, 4) + " UI from the middle of the eye", "/eye/phase"}});
+    facts.push_back({"sampling instant in the responses",
+                     {UnitText(eye->samplingTime, "s", 6), "/eye/sampling_time"}});
     for (size_t k = 0; k < eye->heights.size(); ++k) {
         const std::string at = ShortText(EyeErrorRates[k]);
         facts.push_back(
@@ -432,7 +434,7 @@ std::string LinkReportHtml(const LinkResult& result, const LinkOptions& options)
     page.Section("Eye", "One volt between the rails.");
     page.Facts(EyeFacts(result));
     if (result.eye) {
-        page.Picture("eye", "Statistical eye", EyeSvg(result, options, SvgUse::InPage),
+        page.Picture("eye", "Statistical eye", EyePictureSvg(*result.eye, SvgUse::InPage),
                      "Colours: probability of one of the picture's 200 rows at each phase, ones "
                      "and zeros together. Lines: opening at four error rates.");
         page.Plot(MakeBathtub(*result.eye));
@@ -456,7 +458,7 @@ std::string LinkReportHtml(const LinkResult& result, const LinkOptions& options)
     return page.Html(ResultJson(result));
 }
 
-std::vector<NamedPicture> LinkPictures(const LinkResult& result, const LinkOptions& options)
+std::vector<NamedPicture> LinkPictures(const LinkResult& result)
 {
     std::vector<NamedPicture> pictures;
     ForResponsePlots(result, [&pictures](const LinePlot& plot) {
@@ -464,7 +466,7 @@ std::vector<NamedPicture> LinkPictures(const LinkResult& result, const LinkOptio
     });
     if (result.eye) {
         pictures.push_back({"bathtub.svg", PlotSvg(MakeBathtub(*result.eye), SvgUse::Alone)});
-        pictures.push_back({"eye.svg", EyeSvg(result, options, SvgUse::Alone)});
+        pictures.push_back({"eye.svg", EyePictureSvg(*result.eye, SvgUse::Alone)});
     }
     return pictures;
 }

@@ -20,7 +20,7 @@ struct NamedPicture {
 };
 
 // The pictures of the page, each a drawing of its own.
-std::vector<NamedPicture> LinkPictures(const LinkResult& result, const LinkOptions& options);
+std::vector<NamedPicture> LinkPictures(const LinkResult& result);
 
 }  // namespace quell
 

@@ -70,6 +70,14 @@ private:
 
 }  // namespace
 
+double TimeGrid::ModelInterval() const
+{
+    double interval = Interval();
+    while (BitTime() / interval < std::floor(samplesPerBit))
+        interval = std::nextafter(interval, 0.0);
+    return interval;
+}
+
 std::vector<double> ToImpulse(std::vector<double> response, ResponseKind kind, double interval,
                               double bitTime)
 {

@@ -16,6 +16,10 @@ struct TimeGrid {
     double BitTime() const { return 1 / bitRate; }                     // s
     double Interval() const { return 1 / (bitRate * samplesPerBit); }  // s
     double Nyquist() const { return bitRate / 2; }                     // Hz
+
+    // Interval(), or the double next below whose quotient of the bit time, truncated, is the
+    // samples per bit: models count their samples so.
+    double ModelInterval() const;  // s
 };
 
 enum class ResponseKind { Impulse, Step, Pulse };

@@ -223,7 +223,7 @@ double HeightBefore(const ImpulseMatrix& matrix)
 
 GTEST_TEST(Channel, AShortLineKeepsItsGainAtEverySampling)
 {
-    const ScratchFolder scratch;
+    const TempDir scratch;
     for (const double delay : {0.0, 1e-12, 14e-12, 300e-12}) {
         const std::string path =
             scratch.Write("short.s2p", TwoPortFile(Frequencies(0, 10e6, 40e9), [delay](double f) {
@@ -260,7 +260,7 @@ GTEST_TEST(Channel, AShortLineKeepsItsGainAtEverySampling)
 
 GTEST_TEST(Channel, ACouplingCapacitorIsLeftOutUnlessItIsWanted)
 {
-    const ScratchFolder scratch;
+    const TempDir scratch;
     const LossLine line = {8, 2.5e9};
     std::vector<double> decades;
     for (int k = 0; k < 40; ++k)
@@ -318,7 +318,7 @@ GTEST_TEST(Channel, ACouplingCapacitorIsLeftOutUnlessItIsWanted)
 
 GTEST_TEST(Channel, WhatAFileDoesNotHoldIsTold)
 {
-    const ScratchFolder scratch;
+    const TempDir scratch;
     const LossLine line = {8, 2.5e9};
     const auto file = [&](double last, double gain) {
         return scratch.Write("f.s2p", TwoPortFile(Frequencies(10e6, 10e6, last),
@@ -351,7 +351,7 @@ GTEST_TEST(Channel, WhatAFileDoesNotHoldIsTold)
 
 GTEST_TEST(Channel, TablesOfSimulators)
 {
-    const ScratchFolder scratch;
+    const TempDir scratch;
     ChannelOptions options;
     // A ramp of one bit over uneven steps, with an offset: one volt in all, 16 samples of 5 V/ns.
     options.response = ResponseKind::Step;
@@ -387,7 +387,7 @@ GTEST_TEST(Channel, TablesOfSimulators)
 
 GTEST_TEST(Channel, ATableOfItsOwnHasTwoSides)
 {
-    const ScratchFolder scratch;
+    const TempDir scratch;
     const std::string path =
         scratch.Write("impulse.csv",
                       "time,victim_before,victim_after,aggressor_1_before,aggressor_1_after\n"

@@ -3,6 +3,7 @@
 #include <sys/wait.h>
 
 #include <algorithm>
+#include <cmath>
 #include <cstdlib>
 #include <nlohmann/json.hpp>
 
@@ -52,6 +53,12 @@ GTEST_TEST(Run, ExitCodesAndTheirOneLine)
          "quell: " + Models + "model_without_init.so: exports no AMI_Init\n"},
         {"run loss:8dB@2.5GHz --ports 99" + TestModel, 2,
          "quell: --ports '99': expected 13,24 (in at ports 1 and 3, out at 2 and 4) or 1,2\n"},
+        {"run loss:8dB@2.5GHz --noise 1.5" + TestModel, 2,
+         "quell: --noise 1.5 V: beyond the swing of 1 V between the rails\n"},
+        {"run loss:8dB@2.5GHz --rj 1us" + TestModel, 2,
+         "quell: --rj 1 us: beyond the unit interval of 200 ps\n"},
+        {"run loss:8dB@2.5GHz --dj 1.1ns --bit-rate 1Gbit/s" + TestModel, 2,
+         "quell: --dj 1.1 ns: beyond the unit interval of 1 ns\n"},
         {"run loss:8dB@2.5GHz --params '(x (do fail))'" + TestModel, 3,
          "quell: the model reports failure: AMI_Init returned 0\n"},
         {"run loss:8dB@2.5GHz --params crash_init" + TestModel, 4,
@@ -89,6 +96,19 @@ GTEST_TEST(Run, JsonHoldsTheKeysAndNothingElseIsPrinted)
     EXPECT_NEAR(column["dc_gain_before"].get<double>(), 1, 1e-12);
     EXPECT_EQ(value["peak_distortion_height_after"].get<double>(),
               0.5 * value["peak_distortion_height_before"].get<double>());
+    const json& treatment = column["treatment"];
+    EXPECT_EQ(treatment["dc"], 1);
+    EXPECT_EQ(treatment["dc_from"], "the formula of the line");
+    EXPECT_TRUE(treatment["band"].is_null());
+    EXPECT_NEAR(treatment["record"].get<double>(), 4096 / 80e9, 1e-20);
+    EXPECT_EQ(treatment["delay_removed"], 0);
+    const json& eye = value["eye"];
+    EXPECT_NEAR(eye["width_ps"].get<double>(), 200 * eye["width_ui"].get<double>(), 1e-9);
+    // Behind a nanosecond and the line's own delay, at a sample.
+    EXPECT_GT(eye["sampling_time"], 1.05e-9);
+    EXPECT_LT(eye["sampling_time"], 1.3e-9);
+    const double samples = eye["sampling_time"].get<double>() * 80e9;
+    EXPECT_NEAR(samples, std::round(samples), 1e-6);
     // Computed by a script of its own from the formulas: transform, running sums, phases.
     EXPECT_NEAR(value["peak_distortion_height_before"].get<double>(), 0.2144404, 1e-6);
 }
@@ -115,6 +135,8 @@ GTEST_TEST(Run, TheModelOfTheKitOverTheBuiltInLine)
         const json value = json::parse(result.out);
         EXPECT_NEAR(value["columns"][0]["dc_gain_after"].get<double>(), row.dcGain, 1e-6);
         EXPECT_NEAR(value["peak_distortion_height_after"].get<double>(), row.height, 1e-5);
+        // The height that random data leave lies above that of the worst pattern.
+        EXPECT_GT(value["eye"]["height"], value["peak_distortion_height_after"]);
         EXPECT_TRUE(value["message"].is_null());
     }
 }
@@ -169,6 +191,8 @@ GTEST_TEST(Run, TableShowsTheSameNumbersAndTheModelsOutputApart)
     EXPECT_EQ(result.exitCode, 0);
     EXPECT_NE(result.out.find("  loss at 2.5 GHz: 8.00 dB, delay 1 ns\n"), std::string::npos);
     EXPECT_NE(result.out.find("  before 0.2144 V, after 0.1072 V\n"), std::string::npos);
+    EXPECT_NE(result.out.find("  DC gain 1 from the formula of the line, record of 51.2 ns\n"),
+              std::string::npos);
     EXPECT_EQ(result.out.find("mm"), std::string::npos);
     EXPECT_NE(result.err.find("printed by the model:\n"), std::string::npos);
     EXPECT_NE(result.err.find("  { \"unit\": \"mm\" }\n"), std::string::npos);

@@ -75,6 +75,31 @@ GTEST_TEST(TimeGrid, ResamplingKeepsTheAreaAndTheSteps)
     EXPECT_NEAR(DcGain(Resample(impulse, 1, 0.7), 0.7), 12, 1e-12);
 }
 
+GTEST_TEST(TimeGrid, ModelsCountTheSamplesOfABitByTruncation)
+{
+    for (int samplesPerBit = 4; samplesPerBit < 99; ++samplesPerBit)
+        for (double bitRate = 0.5e9; bitRate <= 25e9; bitRate += 0.7e9) {
+            const TimeGrid grid = {bitRate, static_cast<double>(samplesPerBit)};
+            const double interval = grid.ModelInterval();
+            EXPECT_EQ(static_cast<int>(grid.BitTime() / interval), samplesPerBit)
+                << bitRate << " x " << samplesPerBit;
+            EXPECT_NEAR(interval / grid.Interval(), 1, 1e-14);
+        }
+}
+
+GTEST_TEST(TimeGrid, UnevenSamplesKeepTheArea)
+{
+    // A triangle of area 3 whose top lies between the new instants, and a step along it.
+    const std::vector<double> time = {1, 2.3, 2.3, 7};
+    const std::vector<double> triangle = {0, 1, 1, 0};
+    const std::vector<double> impulse = ToImpulse(time, triangle, ResponseKind::Impulse, 0.5, 1);
+    EXPECT_NEAR(DcGain(impulse, 0.5), 3, 1e-12);
+    const std::vector<double> step =
+        ToImpulse(time, std::vector<double>{5, 6, 8, 8}, ResponseKind::Step, 0.5, 1);
+    EXPECT_NEAR(DcGain(step, 0.5), 3, 1e-12);
+    EXPECT_NEAR(step[2] * 0.5, 0.5 / 1.3, 1e-12);
+}
+
 GTEST_TEST(TimeGrid, GainAtAFrequencyIsTheTransform)
 {
     // Two samples half a period apart cancel at that frequency and add at twice of it.
