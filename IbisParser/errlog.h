@@ -1,6 +1,6 @@
 /* The error log: numbered and free-format messages, their counters, and the totals. All state is
- * global and unlocked. The numbered family looks its text up in errorLogTable; the severity is the
- * caller's choice. */
+ * global and unlocked. The numbered family looks its text up in errorLogTable and, from 5000
+ * on, in a second table of the library's own; the severity is the caller's choice. */
 #ifndef IBISPARSER_ERRLOG_H
 #define IBISPARSER_ERRLOG_H
 

@@ -23,9 +23,9 @@ SPARE = re.compile(r'"(Spare|Unused) (board )?message\."')
 
 
 def read_rows(folder):
-    """The table's rows in order: (number, text, rest of the line)."""
-    blocks = re.findall(r'#include "IbisParser/(.*\.inc)"',
-                        (folder / 'base/messages/table.inc').read_text())
+    """The rows of both tables in order: (number, text, rest of the line)."""
+    lists = [(folder / name).read_text() for name in ('base/messages/table.inc', 'base/messages.h')]
+    blocks = re.findall(r'#include "IbisParser/(.*/m\d.*\.inc)"', '\n'.join(lists))
     return [(int(number), text, rest) for block in blocks
             for number, text, rest in ROW.findall((folder / block).read_text())]
 

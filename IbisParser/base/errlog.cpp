@@ -155,14 +155,14 @@ static int s_errLog(ErrSeverity severity, const char* format, va_list args)
 
 static void s_errLogNew(unsigned number, ErrSeverity severity, va_list args)
 {
-    const int found = BSearchErrorLogTable(static_cast<int>(number));
-    if (found < 0) {
+    const ErrorRow* row = ERRLOG_RowOf(static_cast<int>(number));
+    if (row == nullptr) {
         // A wrong number is the program's mistake: no flag hides it.
         s_format(ERR_INFO, number, &errorLogTable[0], errorLogTable[0].text, args);
         return;
     }
     if (s_isSuppressed(severity)) return;
-    s_format(severity, number, &errorLogTable[found], errorLogTable[found].text, args);
+    s_format(severity, number, row, row->text, args);
 }
 
 #define FREE_FORMAT_ENTRY(name, severity)                    \

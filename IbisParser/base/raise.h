@@ -78,10 +78,10 @@ public:
     consteval ErrNumberOf(int number) : m_Number(static_cast<unsigned>(number))
     {
         if (number == 0) return;
-        const int row = ERRLOG_FindRow(errRows, number);
-        if (row < 0 || std::string_view(errRows[row].text).ends_with("message."))
+        const ErrorRow* row = ERRLOG_RowOf(number);
+        if (row == nullptr || std::string_view(row->text).ends_with("message."))
             ThisNumberHasNoText();
-        else if (!ERRLOG_Takes(errRows[row].text, {args...}))
+        else if (!ERRLOG_Takes(row->text, {args...}))
             TheTextTakesOtherArguments();
     }
     constexpr operator unsigned() const { return m_Number; }

@@ -33,7 +33,8 @@ int CMPNTEMI_Begin(Cmpnt* component, const char* line)
 int CMPNTEMI_KeywordLine(Cmpnt* component, int code, const char* line)
 {
     CMN_ASSERT(component != nullptr && line != nullptr);
-    // The rest of the line are the column titles, which say nothing that the order does not.
+    // The column headers say nothing that the order does not, but they must be there.
+    if (*line == '\0') ERRLOG_LineWarnNew(5900, SEC_KeywordName(code));
     return component->emi != nullptr && (code == KEY_PIN_EMI || code == KEY_PIN_DOMAIN_EMI);
 }
 
@@ -116,9 +117,9 @@ static void s_domainLine(Cmpnt* component, const CmpntItems* args)
     domain->line = PARSE_GetLineNum();
     s_copyDomain(domain->name, args->argv[0]);
     if (!SEC_SetAdd(&reading->emiDomains, domain->name)) ERRLOG_LineErrorNew(814, domain->name);
-    unsigned percent = 0;
-    if (CMN_StrToUI(args->argv[1], &percent) == 1 && percent <= WHOLE)
-        domain->percent = static_cast<int>(percent);
+    int percent = 0;
+    if (SEC_ReadCount(args->argv[1], &percent) && percent <= WHOLE)
+        domain->percent = percent;
     else {
         domain->percent = -1;
         ERRLOG_LineErrorNew(815, args->argv[1], domain->name);

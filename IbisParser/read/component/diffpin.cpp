@@ -29,9 +29,16 @@ int DIFFPIN_KeywordLine(Cmpnt* component, const char* line)
     CMN_ASSERT(component != nullptr && line != nullptr);
     CmpntItems args;
     if (!CMPNT_SplitLine(&s_failure, __LINE__, "Diff Pin", line, DIFF_COLUMNS, &args)) return 0;
+    bool isKnown = true;
     for (int i = 0; i < args.nStored; ++i)
-        if (i >= DIFF_COLUMNS - 1 || !CMN_StrSameIC(args.argv[i], s_columns[i].name))
+        if (i >= DIFF_COLUMNS - 1 || !CMN_StrSameIC(args.argv[i], s_columns[i].name)) {
             ERRLOG_LineErrorNew(1503, args.argv[i]);
+            isKnown = false;
+        }
+    if (args.argc == 0)
+        ERRLOG_LineWarnNew(5900, "Diff Pin");
+    else if (isKnown && args.argc != 3 && args.argc != DIFF_COLUMNS - 1)
+        ERRLOG_LineWarnNew(5901, "Diff Pin", args.argc, "three or five");
     return 1;
 }
 

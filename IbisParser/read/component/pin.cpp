@@ -82,6 +82,7 @@ static void s_readNames(Pin* pin, const CmpntItems* args)
     const PinWord* word = SEC_FindRow(s_words, pin->model);
     pin->kind = word != nullptr ? word->kind : PIN_MODEL;
     if (pin->kind == PIN_CIRCUITCALL && SEC_Version() < 4) ERRLOG_LineErrorNew(1214, pin->name);
+    if (pin->kind == PIN_NA) ERRLOG_LineWarnNew(5902, pin->name);
 }
 
 static void s_readValue(CmpntReading* reading, Pin* pin, int index, const char* text)
@@ -93,7 +94,7 @@ static void s_readValue(CmpntReading* reading, Pin* pin, int index, const char* 
         ERRLOG_LineWarnNew(1210, column.name, text, pin->name);
     if (!KRNG_ReadCell(text, column.name, 1, cell) || cell->state != CELL_NUMBER) return;
     if (cell->value < 0.0) ERRLOG_LineErrorNew(1211, column.name, pin->name);
-    if (cell->value > column.bound &&
+    if (SEC_Exceeds(cell->value, column.bound) &&
         SEC_MarkFound(&reading->reported, REPORTED_UNUSUAL_VALUE + index))
         ERRLOG_LineWarnNew(1212, column.name, cell->value, pin->name);
 }

@@ -18,15 +18,22 @@ int PINMAP_KeywordLine(Cmpnt* component, const char* line)
     if (!CMPNT_SplitLine(&s_failure, __LINE__, "Pin Mapping", line, PINMAP_COLUMNS + 1, &args))
         return 0;
     int drives = 0;
+    int known = 0;
     for (int i = 0; i < args.nStored; ++i) {
-        if (i >= PINMAP_COLUMNS || !CMN_StrSameIC(args.argv[i], pinmapColumns[i]))
+        if (i >= PINMAP_COLUMNS || !CMN_StrSameIC(args.argv[i], pinmapColumns[i])) {
             ERRLOG_LineErrorNew(1303, args.argv[i]);
-        else if (i == PINMAP_EXT && SEC_Version() < 4)
+            continue;
+        }
+        ++known;
+        if (i == PINMAP_EXT && SEC_Version() < 4)
             ERRLOG_LineErrorNew(1308);
         else
             drives += i <= PINMAP_PULLUP;
     }
-    if (drives < 2) ERRLOG_LineErrorNew(1304);
+    if (drives < 2)
+        ERRLOG_LineErrorNew(1304);
+    else if (known == args.argc && known == PINMAP_POWER_CLAMP)
+        ERRLOG_LineWarnNew(5901, "Pin Mapping", known, "two, four or five");
     return 1;
 }
 

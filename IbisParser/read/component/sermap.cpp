@@ -21,6 +21,7 @@ int SERMAP_KeywordLine(Cmpnt* component, const char* line)
     CmpntItems args;
     if (!CMPNT_SplitLine(&s_failure, __LINE__, s_mapping, line, MAP_COLUMNS, &args)) return 0;
     component->reading->hasGroupColumn = 0;
+    if (args.argc == 0) ERRLOG_LineWarnNew(5900, s_mapping);
     for (int i = 0; i < args.nStored; ++i)
         if (i >= GROUP_COLUMN || !CMN_StrSameIC(args.argv[i], s_columns[i]))
             ERRLOG_LineErrorNew(1703, args.argv[i]);

@@ -184,6 +184,17 @@ GTEST_TEST(Errlog, SearchOfTheTable)
     EXPECT_EQ(BSearchErrorLogTable(-1), -1);
 }
 
+// Numbers that the public table lacks are looked up in the second one.
+GTEST_TEST(Errlog, SecondTable)
+{
+    LogCapture log;
+    ERRLOG_WarnNew(5900, "Diff Pin");
+    ERRLOG_WarnNew(5899);
+    EXPECT_EQ(log.Take(),
+              "W5900 - [Diff Pin] has no column headers.\nI0000 - Error code doesn't exist.\n");
+    EXPECT_EQ(BSearchErrorLogTable(5900), -1);
+}
+
 GTEST_TEST(Errlog, SinkSeesWhatIsWritten)
 {
     struct Seen {
