@@ -26,7 +26,7 @@ int HDR_Init(void);
 int HDR_ReceiveLine(int kind, int code, char* line);
 int HDR_Fini(int nextCode);
 int HDR_AddLink(Hdr** head, Hdr* item);
-void HDR_FreeList(Hdr* head); /* null is ignored */
+void HDR_FreeList(Hdr* head); /* null is a programming error */
 
 /* Store a pointer into the record and return 1; store null and return 0 when the field is empty. */
 int HDR_GetIBIS_Ver(Hdr* hdr, char** out);

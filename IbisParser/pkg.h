@@ -12,6 +12,7 @@ struct Pkg {
     RngRange* R_pkg; /* ohm */
     RngRange* L_pkg; /* henry */
     RngRange* C_pkg; /* farad */
+    unsigned named;  /* bits of the three in their order: it has a line, if only a wrong one */
 };
 
 /* Makes an empty record; a slot that is filled is kept. */

@@ -37,7 +37,7 @@ typedef enum SectOwner { SECT_PACKAGE_PIN = 0, SECT_BOARD_PATH = 1 } SectOwner;
 typedef struct SectPath {
     SectItem* head;
     SectItem* tail;
-    int count;        /* sections of the trunk */
+    int count;        /* sections, those inside forks included */
     int depth;        /* forks open */
     int owner;        /* SectOwner */
     SectItem* open;   /* section that waits for its "/"; not in the list yet */
@@ -52,7 +52,7 @@ int SECT_ReceiveLine(SectPath* path, char* text);
 int SECT_End(SectPath* path);
 /* 1 when the text begins with a word of the path language and not with a name. */
 int SECT_IsItem(const char* text);
-/* Sections of the trunk; those inside forks do not count. */
+/* Sections of the path, those inside forks included. */
 int SECT_Count(const SectPath* path);
 void SECT_FreeList(SectPath* path);
 

@@ -64,6 +64,7 @@ static void s_readFile(PkgFile* file)
     if (!IBIS_New() || !IBIS_GetIBIS(&root)) return;
     const PositionKeeper position;
     PARSE(path, FILE_PKG);
+    PKGMDL_Close();
     file->packages = root->pkgMdls;
     root->pkgMdls = nullptr;
     IBIS_Free(root);

@@ -23,6 +23,17 @@ static void s_testPin(const Cmpnt* component, const Pin* pin, const CmpntNames& 
         ERRLOG_ErrorNew(542, component->name, pin->name, model->name);
 }
 
+// A bus switch has series models between pins without a model of their own.
+static bool s_joinsPins(const Cmpnt* component)
+{
+    for (const SerMap* row = component->seriesPins; row != nullptr; row = row->next)
+        for (const char* name : {row->name, row->pin2}) {
+            const Pin* pin = CMPNT_FindPin(component, name);
+            if (pin != nullptr && pin->kind == PIN_NC) return true;
+        }
+    return false;
+}
+
 static void s_testPins(const Cmpnt* component, const CmpntNames& names)
 {
     int count[PIN_NA + 1] = {};
@@ -36,16 +47,21 @@ static void s_testPins(const Cmpnt* component, const CmpntNames& names)
     }
     if (all == 0) return;
     if (count[PIN_POWER] == 0 || count[PIN_GND] == 0) ERRLOG_NoteNew(539, component->name);
-    if (count[PIN_POWER] + count[PIN_GND] + count[PIN_NC] == all)
+    if (count[PIN_POWER] + count[PIN_GND] + count[PIN_NC] == all && !s_joinsPins(component))
         ERRLOG_WarnNew(540, component->name);
 }
 
-static void s_testLocations(const Cmpnt* component)
+static void s_testLocations(const Cmpnt* component, PkgFinder* finder)
 {
-    if (component->package == nullptr) return;
+    const bool isDie =
+        component->Si_location == LOCATION_DIE || component->Timing_location == LOCATION_DIE;
+    if (component->package == nullptr || !isDie) return;
     for (const RngRange* range :
          {component->package->R_pkg, component->package->L_pkg, component->package->C_pkg})
         if (range == nullptr || range->typState != CELL_NUMBER || range->typ != 0.0) return;
+    if (component->packageModel[0] != '\0' &&
+        PKGFINDER_Find(finder, component->packageModel).where == PKG_FOUND)
+        return;
     if (component->Si_location == LOCATION_DIE) ERRLOG_WarnNew(541, component->name, "Si_location");
     if (component->Timing_location == LOCATION_DIE)
         ERRLOG_WarnNew(541, component->name, "Timing_location");
@@ -80,6 +96,8 @@ static void s_testEmi(const Cmpnt* component)
 int CMPNT_TestList(Cmpnt* components, Ext* externals, Mdl* models)
 {
     CMPNT_Close();
+    // Package files are read next; a package model left open belongs to this one.
+    PKGMDL_Close();
     IbisRoot* root = nullptr;
     if (!IBIS_GetIBIS(&root)) return 0;
     PkgFinder finder(root->pkgMdls);
@@ -90,7 +108,7 @@ int CMPNT_TestList(Cmpnt* components, Ext* externals, Mdl* models)
     for (const Cmpnt* component : SecFileOrder<const Cmpnt>(components)) {
         const PlaceScope at(SUBJECT_COMPONENT, component);
         s_testPins(component, names);
-        s_testLocations(component);
+        s_testLocations(component, &finder);
         PINMAP_Test(component, names);
         DIFFPIN_Test(component, names);
         SERMAP_Test(component, names);

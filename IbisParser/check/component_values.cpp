@@ -116,7 +116,8 @@ static void s_checkPinValues(const Cmpnt* component)
         for (const Pin* pin = component->pins; pin != nullptr; pin = pin->next) {
             const RngSingle* cell = &(pin->*column.pinValue);
             if (!s_isPositive(cell)) continue;
-            if (cell->value <= s_maxFactor * range->typ && range->typ <= s_maxFactor * cell->value)
+            if (!SEC_Exceeds(cell->value, s_maxFactor * range->typ) &&
+                !SEC_Exceeds(range->typ, s_maxFactor * cell->value))
                 continue;
             const PlaceScope at(SUBJECT_PIN, pin);
             ERRLOG_WarnNew(720, component->name, pin->name, column.name, cell->value, range->typ);

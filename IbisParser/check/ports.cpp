@@ -133,6 +133,8 @@ void CIRCUIT_Test(const Cmpnt* component, const SecNameIndex<const Ext>& externa
         const PlaceScope at(SUBJECT_NODE, node);
         if (!SEC_SetHas(&use.used, node->name)) ERRLOG_WarnNew(2908, component->name, node->name);
     }
+    // Earlier versions do not know the word, which was reported.
+    if (SEC_Version() < 4) return;
     for (const Pin* pin = component->pins; pin != nullptr; pin = pin->next) {
         const PlaceScope at(SUBJECT_PIN, pin);
         if (pin->kind == PIN_CIRCUITCALL && !pin->repeated && !SEC_SetHas(&use.used, pin->name))

@@ -100,8 +100,7 @@ void IBIS_Test(IbisRoot* root)
 void EBD_Test(IbisRoot* root, int deep)
 {
     CMN_ASSERT(root != nullptr);
-    // No list check runs for package files: a record that the file left open ends here.
-    PKGMDL_Close();
+    PKGMDL_TestList(root->pkgMdls);
     EBDMDL_TestList(root->ebdMdls, deep);
 }
 

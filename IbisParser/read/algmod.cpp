@@ -13,7 +13,7 @@
 
 static const char s_Module[] = "IbisParser/algmod";
 
-enum { ITEMS = 4, DIGITS_MAX = 9 };
+enum { ITEMS = 4 };
 
 // Line of the current [Algorithmic Model].
 static int s_keywordLine = 0;
@@ -29,10 +29,8 @@ static void s_setBits(int* bits, const char* text, const char* item)
     unsigned value = 0;
     if (CMN_StrToUI(text, &value) != 1)
         ERRLOG_LineErrorNew(4613, item);
-    else if (std::strlen(text) > DIGITS_MAX)
+    else if (!SEC_ReadCount(text, bits))
         *bits = INT_MAX;
-    else
-        *bits = static_cast<int>(value);
 }
 
 // Cuts "platform_compiler_bits" in place. Each part holds something, and none a "_".

@@ -224,6 +224,7 @@ int HDR_AddLink(Hdr** head, Hdr* item)
 
 void HDR_FreeList(Hdr* head)
 {
+    CMN_ASSERT(head != nullptr);
     SEC_FreeList(head, [](Hdr* header) {
         if (header == s_reading.open) s_reading = {};
         for (const HdrKeyword& row : s_keywords)

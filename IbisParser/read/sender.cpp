@@ -45,6 +45,13 @@ static const KeywordRow* s_findKeyword(char* name)
     return known != nullptr && meant != nullptr ? meant : known;
 }
 
+// False where the context gave a keyword a meaning of later versions: version 2 has no boards.
+static bool s_isOfVersion(KeywordCode code)
+{
+    const KeywordRow* row = KEYWORD_Row(code);
+    return row != nullptr && row->since <= VERSION_Current()->versionClass;
+}
+
 static KeywordCode s_getKeyword(const char* line)
 {
     CMN_ASSERT(line != nullptr);
@@ -66,20 +73,22 @@ static KeywordCode s_getKeyword(const char* line)
     return NOT_KEY;
 }
 
-static KeywordCode s_lastKnown = NOT_KEY;  // the current keyword, or the one before unknown ones
+// The current keyword as its section knows it, or the one before unknown ones.
+static KeywordCode s_known = NOT_KEY;
 
 static PlaceSpot s_keywordSpot = {0, 0};  // the keyword whose lines are being read
 
-// The section that is told which keyword begins. Behind an unknown keyword that is none; but
-// [Manufacturer] then comes as a component's, and the package or board that waits for one must
-// learn of it.
-static const Section* s_findPrevious(KeywordCode code)
+// [Manufacturer] reads as a component's late in a package model or board and behind unknown
+// keywords; it is that record's own all the same.
+static KeywordCode s_ownCode(KeywordCode code)
 {
-    const KeywordSection last = KEYWORD_Section(s_lastKnown);
-    const bool awaited = last == SECTION_PACKAGE || last == SECTION_BOARD;
-    if (geCurrentKeyword == NOT_KEY && code == KEY_MANUFACTURER && awaited)
-        return SECTIONS_Find(s_lastKnown);
-    return SECTIONS_Find(geCurrentKeyword);
+    if (code != KEY_MANUFACTURER) return code;
+    const KeywordSection section = KEYWORD_Section(s_known);
+    if (section == SECTION_PACKAGE && s_known != KEY_END_PACKAGE_MODEL)
+        return KEY_PKGMDL_MANUFACTURER;
+    if (section == SECTION_BOARD && s_known != KEY_END_BOARD_DESCRIPTION)
+        return KEY_EBDMDL_MANUFACTURER;
+    return code;
 }
 
 // The number of the message that refuses the section in this file, or 0.
@@ -116,13 +125,15 @@ static void s_beginKeyword(const char* line)
         gbContinue = 0;
     }
     const KeywordCode code = s_getKeyword(line);
-    const Section* previous = s_findPrevious(code);
-    const Section* section = SECTIONS_Find(code);
+    const KeywordCode own = s_ownCode(code);
+    // Behind an unknown keyword no section is told what begins.
+    const Section* previous = geCurrentKeyword != NOT_KEY ? SECTIONS_Find(s_known) : nullptr;
+    const Section* section = SECTIONS_Find(own);
     geCurrentKeyword = code;
-    if (code != NOT_KEY) s_lastKnown = code;
+    if (own != NOT_KEY) s_known = own;
     if (previous != nullptr && previous->fini != nullptr) {
         const PlaceScope ended(s_keywordSpot);
-        previous->fini(code);
+        previous->fini(own);
     }
     s_keywordSpot = PLACE_Here();
     // An unknown keyword may be one of a later version, in the middle of the submodel.
@@ -147,12 +158,10 @@ static void s_deliver(int kind, char* line)
         s_endKeyword(line);
         return;
     }
-    const Section* section = SECTIONS_Find(geCurrentKeyword);
-    if (section == nullptr) {
+    const Section* section = SECTIONS_Find(s_known);
+    if (section == nullptr || (kind == LINE_KEYWORD && !s_isOfVersion(geCurrentKeyword)))
         ERRLOG_BugNew(908, s_Module, __LINE__);
-        return;
-    }
-    if (s_refusal(section) == 0) section->receiveLine(kind, geCurrentKeyword, line);
+    if (section != nullptr && s_refusal(section) == 0) section->receiveLine(kind, s_known, line);
 }
 
 // The length of the line was judged before. What is left of a line that is too long must not stop

@@ -4,6 +4,8 @@
 #include <sys/stat.h>
 
 #include <algorithm>
+#include <climits>
+#include <cmath>
 
 #include "IbisParser/base/keyword.h"
 #include "IbisParser/base/place.h"
@@ -84,6 +86,22 @@ void SEC_IgnoreText(ErrNumber<const char*, const char*> number, const char* text
                     const char* keyword)
 {
     if (*text != '\0') ERRLOG_LineWarnNew(number, text, keyword);
+}
+
+bool SEC_ReadCount(const char* text, int* count)
+{
+    unsigned value = 0;
+    double whole = 0.0;
+    // What does not fit wraps to a small number, which the second reading shows.
+    if (CMN_StrToUI(text, &value) != 1 || value > INT_MAX) return false;
+    if (CMN_StrToDbl(text, &whole) != 1 || whole != value) return false;
+    *count = static_cast<int>(value);
+    return true;
+}
+
+bool SEC_Exceeds(double value, double bound)
+{
+    return value > bound + 1e-12 * std::fabs(bound);
 }
 
 int SEC_CopyName(char* dest, const char* text, unsigned limit)

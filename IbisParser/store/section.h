@@ -65,6 +65,13 @@ char* SEC_Argument(char* line);
 void SEC_IgnoreText(ErrNumber<const char*, const char*> number, const char* text,
                     const char* keyword);
 
+// A whole number from 0 to INT_MAX. False, and count is left alone, for any other text.
+bool SEC_ReadCount(const char* text, int* count);
+
+// Whether a value is beyond a bound, and not only by the rounding of its scale letter: 100n is
+// not above 100e-9.
+bool SEC_Exceeds(double value, double bound);
+
 // Copies at most limit characters; 0 when the text is longer. dest holds limit + 1.
 int SEC_CopyName(char* dest, const char* text, unsigned limit);
 

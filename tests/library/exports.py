@@ -21,7 +21,8 @@ PLAIN = (
     "keywords_Ver4 keywords_Ver5 gbSuppressCautions gbSuppressBanners gbAllowAnyLineLength "
     "gbAllowAnyCharacter gbContinue gulLineNum gulError_cnt gpLogFile gsBuffer gsFileName "
     "gsFilePath_ibs gpcComment geFileVersion geCurrFileType geCurrentKeyword ERRLOG_ErrorNew "
-    "CMN_Get_Value RNG_ParseRange RNGP_LinkLine IBIS_GetIBIS HDR_GetFile_Rev ALGMOD_Test"
+    "CMN_Get_Value RNG_ParseRange RNGP_LinkLine IBIS_GetIBIS HDR_GetFile_Rev ALGMOD_Test "
+    "IBIS_Test EBD_Test"
 ).split()
 FRAMEWORK = [
     "TalvernQuell::Gain<double>::Run()",

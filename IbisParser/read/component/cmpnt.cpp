@@ -17,13 +17,15 @@ struct CmpntBlock {
     ErrNumber<> alone;  // error: the end without a beginning
     int (*finish)(Cmpnt*);
     int (*abandon)(Cmpnt*);  // finishes it with the message that it is not closed
+    bool tellsEnd;           // with that message also where the component ends in it
 };
 
 static const CmpntBlock s_blocks[] = {
-    {KEY_ALTERNATE_PACKAGE_MODELS, KEY_END_ALTERNATE_PACKAGE_MODELS, 607, APKG_End, APKG_Fini},
-    {KEY_NODE_DECLARATIONS, KEY_END_NODE_DECLARATIONS, 2907, NODE_End, NODE_Fini},
-    {KEY_CIRCUIT_CALL, KEY_END_CIRCUIT_CALL, 3711, CIRCUIT_End, CIRCUIT_Fini},
-    {KEY_BEGIN_EMI_COMPONENT, KEY_END_EMI_COMPONENT, 808, CMPNTEMI_End, CMPNTEMI_Fini},
+    {KEY_ALTERNATE_PACKAGE_MODELS, KEY_END_ALTERNATE_PACKAGE_MODELS, 607, APKG_End, APKG_Fini,
+     false},
+    {KEY_NODE_DECLARATIONS, KEY_END_NODE_DECLARATIONS, 2907, NODE_End, NODE_Fini, false},
+    {KEY_CIRCUIT_CALL, KEY_END_CIRCUIT_CALL, 3711, CIRCUIT_End, CIRCUIT_Fini, true},
+    {KEY_BEGIN_EMI_COMPONENT, KEY_END_EMI_COMPONENT, 808, CMPNTEMI_End, CMPNTEMI_Fini, true},
 };
 
 static const CmpntBlock* s_findBlock(int code)
@@ -221,7 +223,9 @@ static void s_joinPins(Cmpnt* component)
 static void s_end(Cmpnt* component)
 {
     const CmpntBlock* block = s_findBlock(s_reading.openBlock);
-    if (block != nullptr) {
+    if (block != nullptr && block->tellsEnd) {
+        block->abandon(component);
+    } else if (block != nullptr) {
         ERRLOG_LineErrorNew(525, SEC_KeywordName(block->begin), component->name,
                             SEC_KeywordName(block->end));
         block->finish(component);
@@ -279,10 +283,6 @@ int CMPNT_Init()
 
 int CMPNT_ReceiveLine(int kind, int code, char* line)
 {
-    // A late [Manufacturer] of a package model comes here; the record that began last has it.
-    const PkgMdl* package = code == KEY_MANUFACTURER ? PKGMDL_GetOpen() : nullptr;
-    if (package != nullptr && (s_reading.open == nullptr || package->line > s_reading.open->line))
-        return PKGMDL_ReceiveLine(kind, KEY_PKGMDL_MANUFACTURER, line);
     return s_life.ReceiveLine(kind, code, line);
 }
 

@@ -31,12 +31,13 @@ static void s_checkRange(const PkgRow& row, const RngRange* range)
     for (const auto& cell : cells) {
         if (cell.state != CELL_NUMBER) continue;
         if (cell.value < 0.0) ERRLOG_LineErrorNew(2505, row.name, cell.corner, cell.value);
-        if (cell.value > row.bound && !isUnusual) {
+        if (SEC_Exceeds(cell.value, row.bound) && !isUnusual) {
             ERRLOG_LineWarnNew(2506, row.name, cell.corner, cell.value, row.bound);
             isUnusual = 1;
         }
     }
-    if (range->minState == CELL_NUMBER && range->maxState == CELL_NUMBER && range->min > range->max)
+    if (range->minState == CELL_NUMBER && range->maxState == CELL_NUMBER &&
+        SEC_Exceeds(range->min, range->max))
         ERRLOG_LineNoteNew(2507, row.name, range->min, range->max);
 }
 
@@ -58,6 +59,7 @@ int PKG_ReceiveLine(Pkg* package, const char* line)
     }
     const PkgRow* row = args.nStored > 0 ? SEC_FindRow(s_rows, args.argv[0]) : nullptr;
     int done = 0;
+    if (row != nullptr) SEC_MarkFound(&package->named, static_cast<int>(row - s_rows));
     if (row == nullptr)
         ERRLOG_LineErrorNew(2503, args.nStored > 0 ? args.argv[0] : line);
     else if (args.argc < 2)
@@ -78,7 +80,9 @@ int PKG_Fini(const Pkg* package, const char* owner)
     for (const PkgRow& row : s_rows) {
         const RngRange* range = package->*row.slot;
         if (range == nullptr) {
-            ERRLOG_LineErrorNew(2504, owner, row.name);
+            // A line without values was reported as that.
+            const auto bit = static_cast<unsigned>(&row - s_rows);
+            if ((package->named >> bit & 1u) == 0) ERRLOG_LineErrorNew(2504, owner, row.name);
             complete = 0;
         }
         allZero =

@@ -75,6 +75,7 @@ static void s_readLanguage(ExtReading* reading, const CmnArgs* args)
     const ExtLanguageRow* row = SEC_FindRow(s_languages, args->argv[1]);
     if (row == nullptr) {
         ERRLOG_LineErrorNew(3413, args->argv[1]);
+        reading->hasUnknownLanguage = true;
         return;
     }
     item->language = row->language;
@@ -272,7 +273,7 @@ static bool s_hasCorner(const Ext* item, int corner)
 static void s_checkWhole(const ExtReading* reading)
 {
     const Ext* item = reading->open;
-    if (item->language == LANGUAGE_UNSET)
+    if (item->language == LANGUAGE_UNSET && !reading->hasUnknownLanguage)
         ERRLOG_LineErrorNew(3411, reading->Title(), item->name, "Language");
     if (!s_hasCorner(item, CORNER_TYP))
         ERRLOG_LineErrorNew(3411, reading->Title(), item->name, "Corner Typ");

@@ -8,6 +8,7 @@
 // State of the circuit or block that is being read; without an open one its lines are passed over.
 struct ExtReading : SecReading<Ext> {
     const Mdl* model = nullptr;  // null for a circuit
+    bool hasUnknownLanguage = false;
     ExtCornerRow** cornerTail = nullptr;
     ExtName** parameterTail = nullptr;
     ExtName** portTail = nullptr;

@@ -1,7 +1,6 @@
 // [Begin Board Description] with its pin list, paths and reference designators.
 #include "IbisParser/ebdmdl.h"
 
-#include <climits>
 #include <cstddef>
 #include <cstring>
 #include <iterator>
@@ -22,8 +21,7 @@ struct EbdKeyword : SecKeyword<EbdMdl> {
 };
 
 static struct EbdReading : SecReading<EbdMdl, EbdKeyword, &EbdMdl::found> {
-    bool hasLateManufacturer = false;  // one that the reader took for a component's
-    EbdPath* path = nullptr;           // being read
+    EbdPath* path = nullptr;  // being read
     int pinLines = 0;
 } s_reading;
 
@@ -143,11 +141,11 @@ static int s_pathLine(EbdMdl*, char* line)
 static int s_pinLine(EbdMdl* board, char* line)
 {
     const int columns = TOKEN_Count(line);
+    ++s_reading.pinLines;
     if (columns != 2) {
         ERRLOG_LineErrorNew(4314, columns);
         return 0;
     }
-    ++s_reading.pinLines;
     char* name = TOKEN_Next(&line);
     const PlaceScope at(SUBJECT_PIN, name, {0, 0});
     const char* signal = TOKEN_Next(&line);
@@ -200,8 +198,7 @@ static void s_end(EbdMdl* board)
     static const int required[] = {KEY_EBDMDL_MANUFACTURER, KEY_EBDMDL_NUMBER_OF_PINS, KEY_PIN_LIST,
                                    KEY_PATH_DESCRIPTION};
     for (const int code : required) {
-        const bool excused = (code == KEY_EBDMDL_MANUFACTURER && s_reading.hasLateManufacturer) ||
-                             (code == KEY_PATH_DESCRIPTION && EBDMDL_HasNoSignal(board));
+        const bool excused = code == KEY_PATH_DESCRIPTION && EBDMDL_HasNoSignal(board);
         if (!s_reading.Has(code) && !excused)
             ERRLOG_LineErrorNew(4310, board->name, SEC_KeywordName(code));
     }
@@ -227,9 +224,9 @@ static int s_setManufacturer(EbdMdl* board, const char* text)
 
 static int s_setNumberOfPins(EbdMdl* board, const char* text)
 {
-    unsigned value = 0;
-    if (CMN_StrToUI(text, &value) == 1 && value > 0 && value <= INT_MAX)
-        board->numberOfPins = static_cast<int>(value);
+    int count = 0;
+    if (SEC_ReadCount(text, &count) && count > 0)
+        board->numberOfPins = count;
     else
         ERRLOG_LineErrorNew(4311, text);
     return 1;
@@ -336,10 +333,7 @@ int EBDMDL_ReceiveLine(int kind, int code, char* line)
 
 int EBDMDL_Fini(int nextCode)
 {
-    const bool isLate =
-        s_reading.open != nullptr && nextCode == KEY_MANUFACTURER && !s_reading.Has(KEY_PIN_LIST);
-    if (isLate) s_reading.hasLateManufacturer = true;
-    return s_life.Fini(isLate ? NOT_KEY : nextCode);
+    return s_life.Fini(nextCode);
 }
 
 void EBDMDL_Close()

@@ -3,7 +3,6 @@
 #include "IbisParser/mtx.h"
 
 #include <algorithm>
-#include <climits>
 #include <cmath>
 #include <iterator>
 
@@ -14,6 +13,7 @@
 #include "IbisParser/keyword.h"
 #include "IbisParser/krng.h"
 #include "IbisParser/pkgmdl.h"
+#include "IbisParser/store/section.h"
 
 static const char s_Module[] = "IbisParser/mtx";
 
@@ -298,7 +298,7 @@ static void s_checkDiagonal(const Mtx* matrix, const PkgMdl* package)
     s_eachElement(matrix, [&](int i, int j, double v) {
         if (i != j) return;
         sign.Note(v < 0 || (v == 0 && !zeroAllowed), i, j, v);
-        unusual.Note(v > keyword.usual, i, j, v);
+        unusual.Note(SEC_Exceeds(v, keyword.usual), i, j, v);
     });
     if (sign.Found())
         ERRLOG_LineWarnNew(2622, keyword.name, s_pinName(package, sign.row), sign.value,
@@ -456,14 +456,14 @@ int MTX_Bandwidth(PkgMdl* package, char* text)
         ERRLOG_LineErrorNew(2610, s_name(matrix));
         return 0;
     }
-    unsigned value = 0;
-    if (CMN_StrToUI(text, &value) != 1 || value > INT_MAX) {
+    int bandwidth = 0;
+    if (!SEC_ReadCount(text, &bandwidth)) {
         ERRLOG_LineErrorNew(2608, text);
         return 0;
     }
     // Too late for the rows that were read with 0.
     if (matrix->rowCount > 0) return 0;
-    matrix->bandwidth = static_cast<int>(value);
+    matrix->bandwidth = bandwidth;
     if (matrix->bandwidth >= matrix->n) {
         ERRLOG_LineWarnNew(2609, matrix->bandwidth, matrix->n);
         matrix->bandwidth = matrix->n - 1;

@@ -1,7 +1,6 @@
 // [Define Package Model] with its pins, their sections, and the block of matrices.
 #include "IbisParser/pkgmdl.h"
 
-#include <climits>
 #include <cstddef>
 #include <cstring>
 #include <initializer_list>
@@ -28,9 +27,8 @@ struct PkgKeyword : SecKeyword<PkgMdl> {
 };
 
 static struct PkgReading : SecReading<PkgMdl, PkgKeyword, &PkgMdl::found> {
-    bool hasLateManufacturer = false;  // one that the reader took for a component's
-    SectPath* path = nullptr;          // sections of the current pin
-    SectPath discarded = {};           // those of a pin that is listed twice
+    SectPath* path = nullptr;  // sections of the current pin
+    SectPath discarded = {};   // those of a pin that is listed twice
     int pinLines = 0;
     int longestPath = 0;  // sections of the pin that has most
 } s_reading;
@@ -145,9 +143,9 @@ static int s_pinLine(PkgMdl* package, char* line)
 
 static int s_setCount(int* count, ErrNumber<const char*> number, const char* text)
 {
-    unsigned value = 0;
-    if (CMN_StrToUI(text, &value) == 1 && value > 0 && value <= INT_MAX)
-        *count = static_cast<int>(value);
+    int value = 0;
+    if (SEC_ReadCount(text, &value) && value > 0)
+        *count = value;
     else
         ERRLOG_LineErrorNew(number, text);
     return 1;
@@ -176,11 +174,8 @@ static void s_end(PkgMdl* package)
     }
     static const int required[] = {KEY_PKGMDL_MANUFACTURER, KEY_OEM, KEY_DESCRIPTION,
                                    KEY_NUMBER_OF_PINS, KEY_PIN_NUMBERS};
-    for (const int code : required) {
-        const bool late = code == KEY_PKGMDL_MANUFACTURER && s_reading.hasLateManufacturer;
-        if (!s_reading.Has(code) && !late)
-            ERRLOG_LineErrorNew(2307, package->name, SEC_KeywordName(code));
-    }
+    for (const int code : required)
+        if (!s_reading.Has(code)) ERRLOG_LineErrorNew(2307, package->name, SEC_KeywordName(code));
     if (s_reading.Has(KEY_PIN_NUMBERS) && package->numberOfPins > 0 &&
         s_reading.pinLines != package->numberOfPins)
         ERRLOG_LineErrorNew(2313, package->name, s_reading.pinLines, package->numberOfPins);
@@ -365,10 +360,7 @@ int PKGMDL_ReceiveLine(int kind, int code, char* line)
 
 int PKGMDL_Fini(int nextCode)
 {
-    const bool isLate = s_reading.open != nullptr && nextCode == KEY_MANUFACTURER &&
-                        !s_reading.Has(KEY_PIN_NUMBERS);
-    if (isLate) s_reading.hasLateManufacturer = true;
-    return s_life.Fini(isLate ? NOT_KEY : nextCode);
+    return s_life.Fini(nextCode);
 }
 
 void PKGMDL_Close()

@@ -75,7 +75,7 @@ static void s_keepSection(SectPath* path)
 {
     s_append(path, path->open);
     path->open = nullptr;
-    if (path->depth == 0) ++path->count;
+    ++path->count;
 }
 
 // The "/" of a section.
@@ -91,7 +91,7 @@ static void s_endSection(SectPath* path)
         if (cell.state != CELL_NUMBER) continue;
         if (cell.value < 0) ERRLOG_LineErrorNew(4203, row.name, path->name);
         const bool lumped = section->Len.state == CELL_NUMBER && section->Len.value == 0;
-        if (lumped && row.usual > 0 && cell.value > row.usual)
+        if (lumped && row.usual > 0 && SEC_Exceeds(cell.value, row.usual))
             ERRLOG_LineWarnNew(4213, row.name, cell.value, path->name);
     }
     s_keepSection(path);
@@ -209,9 +209,11 @@ static char* s_readWord(SectPath* path, const PathWord* word, char* text)
     return text;
 }
 
-// Something of the trunk must follow the last branch, or the trunk leads nowhere.
+// On a board something of the trunk must follow the last branch, or the trunk leads nowhere. The
+// path of a package pin leads to its die pad in any case.
 static bool s_endsWithBranch(const SectPath* path)
 {
+    if (path->owner == SECT_PACKAGE_PIN) return false;
     if (path->tail->kind != SECT_ENDFORK || path->depth > 0) return false;
     for (const SectItem* item = path->head; item != nullptr; item = item->next)
         if (item->depth == 0 && (item->kind == SECT_PIN || item->kind == SECT_NODE)) return false;

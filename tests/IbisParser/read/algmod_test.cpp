@@ -116,6 +116,7 @@ GTEST_TEST(Algmod, ExecutableLines)
          {"4613 Could not parse the Bits in a_b_-32 for [Algorithmic Model] Executable "
           "Sub-parameter"}},
         {"Executable a_b_4294967328 a.so a.ami", true, "a", "b", INT_MAX, {}},
+        {"Executable a_b_0000000064 a.so a.ami", true, "a", "b", 64, {}},
     };
     Messages messages;
     for (const auto& row : rows) {

@@ -68,6 +68,7 @@ GTEST_TEST(Store, MistakesOfTheCaller)
     EXPECT_ASSERTION(IBIS_AddHdr(&root, nullptr), "IbisParser/ibis");
     EXPECT_ASSERTION(IBIS_GetExts(&root, nullptr), "IbisParser/ibis");
     EXPECT_ASSERTION(HDR_ReceiveLine(LINE_DATA, KEY_NOTES, nullptr), "IbisParser/hdr");
+    EXPECT_ASSERTION(HDR_FreeList(nullptr), "IbisParser/hdr");
 }
 
 GTEST_TEST(Header, KeepsFieldsAndTexts)

@@ -103,6 +103,17 @@ GTEST_TEST(Parse, KeywordsInContext)
     }
 }
 
+// Version 2 has no boards: their keyword is unknown, and has no record.
+GTEST_TEST(Parse, KeywordOfALaterVersion)
+{
+    const TempDir dir;
+    Messages messages;
+    INIT();
+    s_read(dir, FILE_EBD, "2.1", "[Number Of Pins] 1\n");
+    EXPECT_EQ(messages.TakeNumbers(), "908 4302");
+    FINI();
+}
+
 // An unfinished item is reported at the next keyword, even when that is in another file.
 GTEST_TEST(Parse, UnfinishedItem)
 {
