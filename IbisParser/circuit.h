@@ -11,6 +11,7 @@ typedef struct CircuitPort CircuitPort;
 struct CircuitPort {
     CircuitPort* next; /* file order */
     char port[SIZE_NAME + 1];
+    char* longPort;           /* the whole name when it is longer than that; else null */
     char node[SIZE_NAME + 1]; /* pin of the component or declared die node */
 };
 
@@ -22,6 +23,7 @@ struct Circuit {
     char signalPin[SIZE_PIN + 1];
     char diffPins[2][SIZE_PIN + 1]; /* non-inverting, inverting */
     char seriesPins[2][SIZE_PIN + 1];
+    struct Pin* pins[2]; /* the ones named, of the component's list, or null */
     CircuitPort* ports;
     int ended;
 };

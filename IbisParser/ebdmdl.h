@@ -27,6 +27,7 @@ typedef struct EbdPin EbdPin;
 struct EbdPin {
     EbdPin* next; /* file order */
     char name[SIZE_BOARD_PIN + 1];
+    char* longName; /* the whole name when it is longer than that; else null */
     char signal[SIZE_NAME + 1];
     unsigned long line;
     int kind;      /* EbdPinKind */

@@ -31,6 +31,7 @@ struct ExtName {
     ExtName* next;      /* file order */
     ExtName* nextWired; /* see Ext */
     char name[SIZE_NAME + 1];
+    char* longName; /* the whole name when it is longer than that; else null */
 };
 
 /* A D_to_A or A_to_D line. */

@@ -25,6 +25,7 @@ typedef struct Pin Pin;
 struct Pin {
     Pin* next; /* file order */
     char name[SIZE_PIN + 1];
+    char* longName; /* the whole name when it is longer than that; else null */
     unsigned long line;
     char signal[SIZE_NAME + 1];
     char model[SIZE_NAME + 1];

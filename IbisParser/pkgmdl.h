@@ -14,6 +14,7 @@ typedef struct PkgPin PkgPin;
 struct PkgPin {
     PkgPin* next;
     char name[SIZE_PIN + 1];
+    char* longName; /* the whole name when it is longer than that; else null */
     unsigned long line;
     int index;     /* place in [Pin Numbers] from 0, which is its row of the matrices */
     SectPath path; /* empty when the package is described by matrices */

@@ -13,14 +13,14 @@ static const char s_Module[] = "IbisParser/cmpnttest";
 static void s_comparePins(const Cmpnt* component, const PkgMdl* package)
 {
     for (const PkgPin* pin = package->pins; pin != nullptr; pin = pin->next)
-        if (CMPNT_FindPin(component, pin->name) == nullptr) {
+        if (CMPNT_FindPin(component, SEC_WholeName(pin)) == nullptr) {
             const PlaceScope at(SUBJECT_PIN, pin->name, {0, 0});
             ERRLOG_WarnNew(534, component->name, package->name, pin->name);
             break;
         }
     unsigned supplies = 0;
     for (const Pin* pin = component->pins; pin != nullptr; pin = pin->next) {
-        if (pin->repeated || PKGMDL_HasPin(package, pin->name)) continue;
+        if (pin->repeated || PKGMDL_HasPin(package, SEC_WholeName(pin))) continue;
         const PlaceScope at(SUBJECT_PIN, pin);
         if (pin->kind == PIN_MODEL)
             ERRLOG_WarnNew(535, component->name, pin->name, package->name);

@@ -79,10 +79,10 @@ struct CallUse {
 static void s_usePin(CallUse* use, const Pin* pin)
 {
     const PlaceScope at(SUBJECT_PIN, pin);
-    SEC_SetAdd(&use->used, pin->name);
+    SEC_SetAdd(&use->used, SEC_WholeName(pin));
     const bool isFree =
         pin->kind == PIN_CIRCUITCALL || pin->kind == PIN_POWER || pin->kind == PIN_GND;
-    if (!isFree && SEC_SetAdd(&use->told, pin->name))
+    if (!isFree && SEC_SetAdd(&use->told, SEC_WholeName(pin)))
         ERRLOG_ErrorNew(3717, use->component->name, pin->name, pin->model);
 }
 
@@ -91,9 +91,10 @@ static void s_testPorts(CallUse* use, const Circuit* call, const Ext* circuit)
     SecSet mapped;
     for (const CircuitPort* port = call->ports; port != nullptr; port = port->next) {
         const PlaceScope at(port);
-        SEC_SetAdd(&mapped, port->port);
-        if (circuit != nullptr && !EXT_HasPort(circuit, port->port))
-            ERRLOG_ErrorNew(3714, use->component->name, call->name, port->port);
+        const char* name = port->longPort != nullptr ? port->longPort : port->port;
+        SEC_SetAdd(&mapped, name);
+        if (circuit != nullptr && !EXT_HasPort(circuit, name))
+            ERRLOG_ErrorNew(3714, use->component->name, call->name, name);
         const Pin* pin = CMPNT_FindPin(use->component, port->node);
         if (pin != nullptr)
             s_usePin(use, pin);
@@ -104,7 +105,7 @@ static void s_testPorts(CallUse* use, const Circuit* call, const Ext* circuit)
     }
     for (const ExtName* port = circuit != nullptr ? circuit->wired : nullptr; port != nullptr;
          port = port->nextWired)
-        if (!SEC_SetHas(&mapped, port->name))
+        if (!SEC_SetHas(&mapped, SEC_WholeName(port)))
             ERRLOG_WarnNew(3715, use->component->name, port->name, call->name);
 }
 
@@ -113,12 +114,8 @@ static void s_testCall(CallUse* use, const Circuit* call, const Ext* circuit)
     const PlaceScope at(call);
     if (circuit == nullptr && call->name[0] != '\0')
         ERRLOG_ErrorNew(3713, use->component->name, call->name);
-    const char* pins[] = {call->signalPin, call->diffPins[0], call->diffPins[1],
-                          call->seriesPins[0], call->seriesPins[1]};
-    for (const char* name : pins) {
-        const Pin* pin = *name != '\0' ? CMPNT_FindPin(use->component, name) : nullptr;
+    for (const Pin* pin : call->pins)
         if (pin != nullptr) s_usePin(use, pin);
-    }
     s_testPorts(use, call, circuit);
 }
 
@@ -137,7 +134,8 @@ void CIRCUIT_Test(const Cmpnt* component, const SecNameIndex<const Ext>& externa
     if (SEC_Version() < 4) return;
     for (const Pin* pin = component->pins; pin != nullptr; pin = pin->next) {
         const PlaceScope at(SUBJECT_PIN, pin);
-        if (pin->kind == PIN_CIRCUITCALL && !pin->repeated && !SEC_SetHas(&use.used, pin->name))
+        if (pin->kind == PIN_CIRCUITCALL && !pin->repeated &&
+            !SEC_SetHas(&use.used, SEC_WholeName(pin)))
             ERRLOG_ErrorNew(537, component->name, pin->name);
     }
 }

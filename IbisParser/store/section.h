@@ -75,6 +75,23 @@ bool SEC_Exceeds(double value, double bound);
 // Copies at most limit characters; 0 when the text is longer. dest holds limit + 1.
 int SEC_CopyName(char* dest, const char* text, unsigned limit);
 
+// The same into record->name; what that cuts is kept whole in record->longName, which the record
+// owns, so that names beyond the limit still differ.
+template <typename Record>
+bool SEC_KeepName(Record* record, const char* text, unsigned limit)
+{
+    if (SEC_CopyName(record->name, text, limit)) return true;
+    record->longName = CMN_StrMake(text);
+    return false;
+}
+
+// The name as the file has it.
+template <typename Record>
+const char* SEC_WholeName(const Record* record)
+{
+    return record->longName != nullptr ? record->longName : record->name;
+}
+
 // What the version class of the file being read allows.
 unsigned SEC_Limit(VersionLimit limit);
 // The version class of the file being read.
@@ -151,6 +168,15 @@ struct SecArgs : CmnArgs {
     SecArgs(const SecArgs&) = delete;
     SecArgs& operator=(const SecArgs&) = delete;
 };
+
+// The same for a record whose name was kept by SEC_KeepName.
+template <typename Record>
+void SEC_FreeNamed(Record* record)
+{
+    void* block = record->longName;
+    if (block != nullptr) CMN_freeSetNull(&block);
+    SEC_FreeRecord(record);
+}
 
 // Frees an owned text and clears its owner's pointer; null is ignored.
 inline void SEC_FreeText(char** text)

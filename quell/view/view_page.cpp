@@ -360,7 +360,7 @@ private:
                        "C_pkg",     "R_pin",        "L_pin", "C_pin"};
         table.words = true;
         for (const Cmpnt* component : components) {
-            const Pkg none = {nullptr, nullptr, nullptr};
+            const Pkg none = {};
             const Pkg& package = component->package != nullptr ? *component->package : none;
             std::string name = component->name;
             if (component->packageModel[0] != '\0')

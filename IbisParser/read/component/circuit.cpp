@@ -69,7 +69,9 @@ static void s_readPins(const Cmpnt* component, Circuit* call, const CircuitRow* 
     }
     for (int i = 0; i < row->pins; ++i) {
         SEC_CopyName(pins[i], args->argv[1 + i], SIZE_PIN);
-        if (!CMPNT_HasPin(component, pins[i])) ERRLOG_LineErrorNew(3706, args->argv[1 + i]);
+        call->pins[i] = CMPNT_FindPin(component, args->argv[1 + i]);
+        if (!CMPNT_HasPin(component, args->argv[1 + i]))
+            ERRLOG_LineErrorNew(3706, args->argv[1 + i]);
     }
 }
 
@@ -82,13 +84,14 @@ static void s_readPort(CmpntReading* reading, Circuit* call, const CmnArgs* args
     CircuitPort* port =
         static_cast<CircuitPort*>(SEC_NewPart(3701, s_Module, __LINE__, sizeof(CircuitPort)));
     if (port == nullptr) return;
-    SEC_CopyName(port->port, args->argv[1], SIZE_NAME);
-    SEC_CopyName(port->node, args->argv[2], SIZE_NAME);
-    if (!SEC_SetAdd(&reading->names, port->port)) {
-        ERRLOG_LineErrorNew(3708, port->port, call->name);
+    if (!SEC_SetAdd(&reading->names, args->argv[1])) {
+        ERRLOG_LineErrorNew(3708, args->argv[1], call->name);
         SEC_FreeRecord(port);
         return;
     }
+    if (!SEC_CopyName(port->port, args->argv[1], SIZE_NAME))
+        port->longPort = CMN_StrMake(args->argv[1]);
+    SEC_CopyName(port->node, args->argv[2], SIZE_NAME);
     SEC_Append(&call->ports, &reading->portTail, port);
 }
 
@@ -138,7 +141,10 @@ int CIRCUIT_Fini(Cmpnt* component)
 
 static void s_free(Circuit* call)
 {
-    SEC_FreeList(call->ports, SEC_FreeRecord<CircuitPort>);
+    SEC_FreeList(call->ports, [](CircuitPort* port) {
+        SEC_FreeText(&port->longPort);
+        SEC_FreeRecord(port);
+    });
     SEC_FreeRecord(call);
 }
 

@@ -209,15 +209,28 @@ static int s_judge(Cmpnt* component, const CmpntKeyword& row, char* text)
 // Tables that came before [Pin] are joined to its pins now.
 static void s_joinPins(Cmpnt* component)
 {
+    const auto isBefore = [component](const auto* row) {
+        return component->pins != nullptr && row->line < component->pins->line;
+    };
     for (const PinMap* row = component->pinMap; row != nullptr; row = row->next) {
+        if (!isBefore(row)) continue;
         Pin* pin = CMPNT_FindPin(component, row->name);
         if (pin != nullptr && pin->mapping == nullptr) pin->mapping = row;
     }
-    for (const DiffPin* pair = component->diffPins; pair != nullptr; pair = pair->next)
+    for (const DiffPin* pair = component->diffPins; pair != nullptr; pair = pair->next) {
+        if (!isBefore(pair)) continue;
         for (const char* name : {pair->name, pair->invPin}) {
             Pin* pin = CMPNT_FindPin(component, name);
             if (pin != nullptr && pin->pair == nullptr) pin->pair = pair;
         }
+    }
+    for (Circuit* call = component->calls; call != nullptr; call = call->next) {
+        if (!isBefore(call)) continue;
+        int place = 0;
+        for (const char* name : {call->signalPin, call->diffPins[0], call->diffPins[1],
+                                 call->seriesPins[0], call->seriesPins[1]})
+            if (*name != '\0') call->pins[place++] = CMPNT_FindPin(component, name);
+    }
 }
 
 static void s_end(Cmpnt* component)

@@ -93,8 +93,8 @@ static void s_pinLine(Cmpnt* component, const CmpntItems* args)
     const PlaceScope at(SUBJECT_PIN, pin->name, {0, 0});
     pin->line = PARSE_GetLineNum();
     SEC_CopyName(pin->name, args->argv[0], SIZE_PIN);
-    if (!CMPNT_HasPin(component, pin->name)) ERRLOG_LineErrorNew(810, args->argv[0]);
-    if (!SEC_SetAdd(&reading->emiPins, pin->name)) ERRLOG_LineErrorNew(811, pin->name);
+    if (!CMPNT_HasPin(component, args->argv[0])) ERRLOG_LineErrorNew(810, args->argv[0]);
+    if (!SEC_SetAdd(&reading->emiPins, args->argv[0])) ERRLOG_LineErrorNew(811, args->argv[0]);
     if (!CMN_StrSameIC(args->argv[1], "NA")) s_copyDomain(pin->domain, args->argv[1]);
     double value = 0.0;
     int isNA = 0;

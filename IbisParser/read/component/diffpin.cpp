@@ -43,16 +43,15 @@ int DIFFPIN_KeywordLine(Cmpnt* component, const char* line)
 }
 
 // Each pin is listed and in no other pair.
-static void s_link(const Cmpnt* component, DiffPin* pair)
+static void s_link(const Cmpnt* component, DiffPin* pair, const char* const names[2])
 {
-    const char* names[] = {pair->name, pair->invPin};
     for (int i = 0; i < 2; ++i) {
         pair->pins[i] = CMPNT_FindPin(component, names[i]);
         if (pair->pins[i] == nullptr && component->pins != nullptr)
             ERRLOG_LineErrorNew(1504, names[i]);
     }
-    if (std::strcmp(pair->name, pair->invPin) == 0) {
-        ERRLOG_LineErrorNew(1505, pair->name);
+    if (std::strcmp(names[0], names[1]) == 0) {
+        ERRLOG_LineErrorNew(1505, names[0]);
         return;
     }
     for (Pin* pin : pair->pins) {
@@ -108,7 +107,7 @@ int DIFFPIN_ReceiveLine(Cmpnt* component, const char* line)
                 KRNG_ReadCell(args.argv[i], column.name, 1, cell);
         }
         s_checkValues(pair);
-        s_link(component, pair);
+        s_link(component, pair, args.argv);
         SEC_Append(&component->diffPins, &component->reading->diffTail, pair);
     }
     return pair != nullptr;

@@ -20,7 +20,7 @@ static void s_add(Cmpnt* component, const char* name)
     if (node == nullptr) return;
     node->line = PARSE_GetLineNum();
     if (!SEC_CopyName(node->name, name, SIZE_NAME)) ERRLOG_LineErrorNew(2909, name, SIZE_NAME);
-    if (CMPNT_FindPin(component, node->name) != nullptr) ERRLOG_LineErrorNew(2904, node->name);
+    if (CMPNT_FindPin(component, name) != nullptr) ERRLOG_LineErrorNew(2904, node->name);
     if (!SEC_SetAdd(&reading->nodes, node->name)) {
         ERRLOG_LineErrorNew(2903, node->name);
         SEC_FreeRecord(node);

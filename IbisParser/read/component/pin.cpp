@@ -73,7 +73,7 @@ static void s_readNames(Pin* pin, const CmpntItems* args)
 {
     const unsigned limit = SEC_Limit(LIMIT_SIGNAL);
     const char* name = args->argv[0];
-    if (!SEC_CopyName(pin->name, name, SIZE_PIN)) ERRLOG_LineErrorNew(1206, name, SIZE_PIN);
+    if (!SEC_KeepName(pin, name, SIZE_PIN)) ERRLOG_LineErrorNew(1206, name, SIZE_PIN);
     if (!CMN_ReservedWord(name)) ERRLOG_LineErrorNew(1216, name);
     if (!SEC_CopyName(pin->signal, args->argv[1], limit))
         ERRLOG_LineErrorNew(1207, args->argv[1], pin->name, limit);
@@ -121,14 +121,15 @@ static void s_index(Cmpnt* component, Pin* pin)
         component->pinIndex =
             static_cast<IdxTable*>(SEC_NewPart(1201, s_Module, __LINE__, sizeof(IdxTable)));
     void** value = nullptr;
-    if (component->pinIndex == nullptr || !IDX_SlotName(component->pinIndex, pin->name, &value))
+    if (component->pinIndex == nullptr ||
+        !IDX_SlotName(component->pinIndex, SEC_WholeName(pin), &value))
         return;
     if (*value == nullptr) {
         *value = pin;
         return;
     }
     pin->repeated = 1;
-    ERRLOG_LineErrorNew(1209, pin->name);
+    ERRLOG_LineErrorNew(1209, SEC_WholeName(pin));
 }
 
 int PIN_ReceiveLine(Cmpnt* component, const char* line)
@@ -168,5 +169,5 @@ int PIN_Count(const Pin* head)
 
 void PIN_FreeList(Pin* head)
 {
-    SEC_FreeList(head, SEC_FreeRecord<Pin>);
+    SEC_FreeList(head, SEC_FreeNamed<Pin>);
 }

@@ -37,15 +37,15 @@ int PINMAP_KeywordLine(Cmpnt* component, const char* line)
     return 1;
 }
 
-static void s_link(Cmpnt* component, PinMap* row)
+static void s_link(Cmpnt* component, PinMap* row, const char* name)
 {
-    Pin* pin = CMPNT_FindPin(component, row->name);
+    Pin* pin = CMPNT_FindPin(component, name);
     if (pin == nullptr) {
-        if (component->pins != nullptr) ERRLOG_LineErrorNew(1306, row->name);
+        if (component->pins != nullptr) ERRLOG_LineErrorNew(1306, name);
         return;
     }
     if (pin->mapping != nullptr)
-        ERRLOG_LineErrorNew(1307, row->name);
+        ERRLOG_LineErrorNew(1307, name);
     else
         pin->mapping = row;
 }
@@ -69,7 +69,7 @@ int PINMAP_ReceiveLine(Cmpnt* component, const char* line)
         for (int i = 1; i < args.nStored; ++i)
             if (!SEC_CopyName(row->bus[i - 1], args.argv[i], SIZE_BUS))
                 ERRLOG_LineErrorNew(1305, args.argv[i], row->name);
-        s_link(component, row);
+        s_link(component, row, args.argv[0]);
         SEC_Append(&component->pinMap, &component->reading->mapTail, row);
     }
     return row != nullptr;

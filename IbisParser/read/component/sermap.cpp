@@ -13,7 +13,11 @@ static const PartFailure s_failure = {s_Module, 1700};
 static const char s_mapping[] = "Series Pin Mapping";
 static const char* const s_columns[] = {"pin_2", "model_name", "function_table_group"};
 
-enum { MAP_COLUMNS = 4, GROUP_COLUMN = 3 };
+enum {
+    MAP_COLUMNS = 4,
+    GROUP_COLUMN = 3,
+    KEY_ROOM = 1100  // two pins and a model of one line
+};
 
 int SERMAP_KeywordLine(Cmpnt* component, const char* line)
 {
@@ -30,18 +34,18 @@ int SERMAP_KeywordLine(Cmpnt* component, const char* line)
     return 1;
 }
 
-static void s_checkPins(Cmpnt* component, const SerMap* row)
+static void s_checkPins(Cmpnt* component, const SerMap* row, const char* const names[2])
 {
-    const char* pins[] = {row->name, row->pin2};
+    const char* pins[] = {names[0], names[1]};
     for (const char* name : pins)
         if (!CMPNT_HasPin(component, name)) ERRLOG_LineErrorNew(1704, name);
     if (std::strcmp(pins[0], pins[1]) == 0) ERRLOG_LineErrorNew(1705, pins[0]);
     // A pair is the same in either order; blanks cannot stand in names.
     if (std::strcmp(pins[0], pins[1]) > 0) std::swap(pins[0], pins[1]);
-    char key[2 * SIZE_PIN + SIZE_NAME + 3];
+    char key[KEY_ROOM];
     std::snprintf(key, sizeof key, "%s %s %s", pins[0], pins[1], row->model);
     if (!SEC_SetAdd(&component->reading->seriesPairs, key))
-        ERRLOG_LineWarnNew(1706, row->name, row->pin2, row->model);
+        ERRLOG_LineWarnNew(1706, names[0], names[1], row->model);
 }
 
 int SERMAP_ReceiveLine(Cmpnt* component, const char* line)
@@ -67,7 +71,7 @@ int SERMAP_ReceiveLine(Cmpnt* component, const char* line)
                 ERRLOG_LineErrorNew(1708, group, SIZE_GROUP);
             if (!component->reading->hasGroupColumn) ERRLOG_LineErrorNew(1709, row->name);
         }
-        s_checkPins(component, row);
+        s_checkPins(component, row, args.argv);
         SEC_Append(&component->seriesPins, &component->reading->seriesTail, row);
     }
     return row != nullptr;

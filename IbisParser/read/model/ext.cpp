@@ -117,7 +117,7 @@ static ExtName* s_newName(const char* text)
     ExtName* name = static_cast<ExtName*>(SEC_NewPart(1908, s_Module, __LINE__, sizeof(ExtName)));
     if (name == nullptr) return nullptr;
     PLACE_RememberAt(name, PLACE_At(text));
-    SEC_CopyName(name->name, text, SIZE_NAME);
+    SEC_KeepName(name, text, SIZE_NAME);
     return name;
 }
 
@@ -130,7 +130,7 @@ static void s_readParameters(ExtReading* reading, const CmnArgs* args)
         if (name == nullptr) return;
         if (!SEC_SetAdd(&reading->parameters, args->argv[i])) {
             ERRLOG_LineErrorNew(3422, args->argv[i]);
-            SEC_FreeRecord(name);
+            SEC_FreeNamed(name);
             continue;
         }
         SEC_Append(&reading->open->parameters, &reading->parameterTail, name);
@@ -143,9 +143,10 @@ static int s_indexPort(Ext* item, ExtName* port)
         item->portIndex =
             static_cast<IdxTable*>(SEC_NewPart(1908, s_Module, __LINE__, sizeof(IdxTable)));
     void** value = nullptr;
-    if (item->portIndex == nullptr || !IDX_SlotName(item->portIndex, port->name, &value)) return 0;
+    if (item->portIndex == nullptr || !IDX_SlotName(item->portIndex, SEC_WholeName(port), &value))
+        return 0;
     if (*value != nullptr) {
-        ERRLOG_LineErrorNew(3423, port->name);
+        ERRLOG_LineErrorNew(3423, SEC_WholeName(port));
         return 0;
     }
     *value = port;
@@ -163,7 +164,7 @@ static void s_readPorts(ExtReading* reading, const CmnArgs* args)
         if (s_indexPort(reading->open, port))
             SEC_Append(&reading->open->ports, &reading->portTail, port);
         else
-            SEC_FreeRecord(port);
+            SEC_FreeNamed(port);
     }
 }
 
@@ -350,8 +351,8 @@ static void s_release(Ext* item)
         SEC_FreeText(&row->circuit);
         SEC_FreeRecord(row);
     });
-    SEC_FreeList(item->parameters, SEC_FreeRecord<ExtName>);
-    SEC_FreeList(item->ports, SEC_FreeRecord<ExtName>);
+    SEC_FreeList(item->parameters, SEC_FreeNamed<ExtName>);
+    SEC_FreeList(item->ports, SEC_FreeNamed<ExtName>);
     SEC_FreeList(item->conversions, SEC_FreeRecord<ExtConversion>);
     if (item->portIndex != nullptr) {
         IDX_Clear(item->portIndex);

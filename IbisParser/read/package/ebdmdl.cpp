@@ -146,20 +146,18 @@ static int s_pinLine(EbdMdl* board, char* line)
         ERRLOG_LineErrorNew(4314, columns);
         return 0;
     }
-    char* name = TOKEN_Next(&line);
+    const char* name = TOKEN_Next(&line);
     const PlaceScope at(SUBJECT_PIN, name, {0, 0});
     const char* signal = TOKEN_Next(&line);
-    if (std::strlen(name) > SIZE_BOARD_PIN) {
+    if (std::strlen(name) > SIZE_BOARD_PIN)
         ERRLOG_LineErrorNew(4315, name, static_cast<int>(SIZE_BOARD_PIN));
-        name[SIZE_BOARD_PIN] = '\0';
-    }
     if (EBDMDL_FindPin(board, name) != nullptr) {
         ERRLOG_LineErrorNew(4317, name);
         return 0;
     }
     EbdPin* pin = static_cast<EbdPin*>(SEC_NewRecord(&s_frame, sizeof(EbdPin)));
     if (pin == nullptr) return 0;
-    SEC_CopyName(pin->name, name, SIZE_BOARD_PIN);
+    SEC_KeepName(pin, name, SIZE_BOARD_PIN);
     if (!SEC_CopyName(pin->signal, signal, SIZE_NAME))
         ERRLOG_LineErrorNew(4316, signal, name, static_cast<int>(SIZE_NAME));
     pin->kind = s_pinKind(pin->signal);
@@ -171,7 +169,7 @@ static int s_pinLine(EbdMdl* board, char* line)
     board->lastPin = pin;
     ++board->pinCount;
     void** value = nullptr;
-    if (IDX_SlotName(board->pinIndex, pin->name, &value)) *value = pin;
+    if (IDX_SlotName(board->pinIndex, SEC_WholeName(pin), &value)) *value = pin;
     return 1;
 }
 
@@ -291,7 +289,7 @@ static void s_freeIndex(IdxTable* index)
 
 static void s_release(EbdMdl* board)
 {
-    SEC_FreeList(board->pins, SEC_FreeRecord<EbdPin>);
+    SEC_FreeList(board->pins, SEC_FreeNamed<EbdPin>);
     SEC_FreeList(board->paths, [](EbdPath* path) {
         SECT_FreeList(&path->path);
         SEC_FreeRecord(path);

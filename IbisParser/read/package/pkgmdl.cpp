@@ -75,7 +75,7 @@ static PkgPin* s_newPin(PkgMdl* package, const char* name)
 {
     PkgPin* pin = static_cast<PkgPin*>(SEC_NewRecord(&s_frame, sizeof(PkgPin)));
     if (pin == nullptr) return nullptr;
-    SEC_CopyName(pin->name, name, SIZE_PIN);
+    SEC_KeepName(pin, name, SIZE_PIN);
     pin->line = PARSE_GetLineNum();
     pin->index = package->pinCount++;
     if (package->lastPin != nullptr)
@@ -87,13 +87,10 @@ static PkgPin* s_newPin(PkgMdl* package, const char* name)
 }
 
 // The record of a pin line's pin: a new one, or null after a complaint.
-static PkgPin* s_addPin(PkgMdl* package, char* name)
+static PkgPin* s_addPin(PkgMdl* package, const char* name)
 {
     ++s_reading.pinLines;
-    if (std::strlen(name) > SIZE_PIN) {
-        ERRLOG_LineErrorNew(2312, name, static_cast<int>(SIZE_PIN));
-        name[SIZE_PIN] = '\0';
-    }
+    if (std::strlen(name) > SIZE_PIN) ERRLOG_LineErrorNew(2312, name, static_cast<int>(SIZE_PIN));
     if (package->pinIndex == nullptr) {
         void* block = nullptr;
         if (!CMN_malloc(&block, sizeof(IdxTable))) return nullptr;
@@ -109,7 +106,7 @@ static PkgPin* s_addPin(PkgMdl* package, char* name)
     PkgPin* pin = s_newPin(package, name);
     if (pin == nullptr) return nullptr;
     void** value = nullptr;
-    if (IDX_SlotName(package->pinIndex, pin->name, &value)) *value = pin;
+    if (IDX_SlotName(package->pinIndex, SEC_WholeName(pin), &value)) *value = pin;
     SECT_Begin(&pin->path, SECT_PACKAGE_PIN, pin->name);
     s_reading.path = &pin->path;
     return pin;
@@ -323,7 +320,7 @@ static void s_release(PkgMdl* package)
     if (package == s_reading.open) SECT_FreeList(&s_reading.discarded);
     SEC_FreeList(package->pins, [](PkgPin* pin) {
         SECT_FreeList(&pin->path);
-        SEC_FreeRecord(pin);
+        SEC_FreeNamed(pin);
     });
     MTX_Free(package->resistance);
     MTX_Free(package->inductance);
