@@ -86,7 +86,8 @@ static KeywordCode s_ownCode(KeywordCode code)
     const KeywordSection section = KEYWORD_Section(s_known);
     if (section == SECTION_PACKAGE && s_known != KEY_END_PACKAGE_MODEL)
         return KEY_PKGMDL_MANUFACTURER;
-    if (section == SECTION_BOARD && s_known != KEY_END_BOARD_DESCRIPTION)
+    if (section == SECTION_BOARD && s_known != KEY_END_BOARD_DESCRIPTION &&
+        s_isOfVersion(KEY_EBDMDL_MANUFACTURER))
         return KEY_EBDMDL_MANUFACTURER;
     return code;
 }
