@@ -83,7 +83,7 @@ static void s_tellSink(ErrSeverity severity, unsigned asked, const ErrorRow* row
     record.shown = row == nullptr ? 0 : static_cast<unsigned>(row->number);
     record.severity = severity;
     record.file = file;
-    record.line = s_severities[severity].withLine ? PARSE_GetLineNum() : 0;
+    record.line = s_severities[severity].withLine ? PLACE_LoggedLine() : 0;
     record.text = text;
     PLACE_Fill(&record, format, args);
     gpSink(&record, gpSinkUser);
@@ -105,7 +105,7 @@ static int s_writeLine(ErrSeverity severity, const ErrorRow* row, int length, co
     int written = numbered ? std::fprintf(stream, "%c%04d", look->letter, row->number)
                            : std::fprintf(stream, "%s", look->word);
     if (look->withLine)
-        written += std::fprintf(stream, " (line %*lu)", LINE_WIDTH, PARSE_GetLineNum());
+        written += std::fprintf(stream, " (line %*lu)", LINE_WIDTH, PLACE_LoggedLine());
     const bool wrapped = length >= look->firstWrapped && length <= LAST_WRAPPED;
     written += std::fprintf(stream, wrapped ? " -\n    %s\n" : " - %s\n", text);
     return written;

@@ -300,6 +300,13 @@ static bool s_isRecord(ErrSubject subject)
     }
 }
 
+unsigned long PLACE_LoggedLine()
+{
+    for (const PlaceScope* scope = s_now.scope; scope != nullptr; scope = scope->m_Outer)
+        if (scope->m_IsLogged && scope->m_Spot.line != 0) return scope->m_Spot.line;
+    return PARSE_GetLineNum();
+}
+
 void PLACE_Fill(ErrRecord* record, const char* format, va_list args)
 {
     PlaceSpot item = {0, 0};

@@ -74,13 +74,30 @@ public:
 
 private:
     friend void PLACE_Fill(ErrRecord* record, const char* format, va_list args);
+    friend unsigned long PLACE_LoggedLine();
+    friend class PlaceLogged;
 
     const PlaceScope* m_Outer;
     ErrSubject m_Subject;
     const char* m_Name;
     PlaceSpot m_Spot;
     int m_Corner = -1;
+    bool m_IsLogged = false;
 };
+
+// The same for an item that is judged later than it is read: the log, too, names the item's line.
+class PlaceLogged : public PlaceScope {
+public:
+    template <typename Record>
+    explicit PlaceLogged(const Record* record) : PlaceScope(record)
+    {
+        m_IsLogged = true;
+    }
+    explicit PlaceLogged(PlaceSpot spot) : PlaceScope(spot) { m_IsLogged = true; }
+};
+
+// The line that the log names: that of the innermost scope which says so, else the one being read.
+unsigned long PLACE_LoggedLine();
 
 // What findings have in common while a file is read.
 struct PlaceReading {

@@ -63,8 +63,12 @@ int EXT_MdlTest(const Mdl* model)
     if (model->external == nullptr) return 1;
     const PlaceScope at(model->external);
     s_testFiles("External Model", model->external);
-    if (EXT_HasPort(model->external, "A_extref") && model->externalRef == nullptr)
-        ERRLOG_NoteNew(3447, model->name);
+    if (model->externalRef != nullptr) return 1;
+    for (const ExtName* port = model->external->ports; port != nullptr; port = port->next)
+        if (std::strcmp(port->name, "A_extref") == 0) {
+            const PlaceLogged in(port);
+            ERRLOG_LineNoteNew(3447, model->name);
+        }
     return 1;
 }
 

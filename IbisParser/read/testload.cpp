@@ -84,7 +84,11 @@ static void s_setValue(TestLoad* load, const LoadValue& row, const CmnArgs* args
 {
     const int values = args->argc - 1;
     if (values != 1) ERRLOG_LineErrorNew(4010, row.name, 1, values);
-    if (args->nStored > 1) KRNG_SetSingle(&load->values[&row - s_values], args, row.name);
+    RngSingle* cell = &load->values[&row - s_values];
+    if (args->nStored < 2 || !KRNG_SetSingle(cell, args, row.name)) return;
+    if (row.sign == NOT_NEGATIVE && cell->value < 0)
+        ERRLOG_LineErrorNew(4011, load->name, row.name);
+    if (row.sign == POSITIVE && cell->value <= 0) ERRLOG_LineErrorNew(4012, load->name, row.name);
 }
 
 static void s_setTerm(TestLoad* load, const TermVoltage& row, const CmnArgs* args, const char* line)
@@ -120,8 +124,6 @@ static int s_dataLine(TestLoad* load, const char* line)
 static void s_checkValue(const TestLoad* load, const LoadValue& row, const RngSingle& cell)
 {
     if (cell.state != CELL_NUMBER) return;
-    if (row.sign == NOT_NEGATIVE && cell.value < 0) ERRLOG_LineErrorNew(4011, load->name, row.name);
-    if (row.sign == POSITIVE && cell.value <= 0) ERRLOG_LineErrorNew(4012, load->name, row.name);
     if (row.differential && load->type == TEST_SINGLE_ENDED)
         ERRLOG_LineErrorNew(4014, load->name, row.name);
     if (row.term == 0) return;

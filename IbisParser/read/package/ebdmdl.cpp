@@ -53,7 +53,7 @@ static void s_checkPathPin(const EbdMdl* board, EbdPath* path, const SectItem* i
 
 static void s_checkPathBegin(const EbdPath* path)
 {
-    const PlaceScope at(path->path.head);
+    const PlaceLogged at(path->path.head);
     const int kind = path->path.head->kind;
     if (kind == SECT_PIN) return;
     // A path between components begins with one of them.
@@ -76,7 +76,7 @@ static int s_endPath(EbdMdl* board)
     for (const SectItem* item = path->path.head; item != nullptr; item = item->next) {
         if (item->kind != SECT_PIN && item->kind != SECT_NODE) continue;
         ++points;
-        const PlaceScope in(item);
+        const PlaceLogged in(item);
         if (item->kind == SECT_PIN) {
             s_checkPathPin(board, path, item);
         } else if (item->text[0] != '\0') {

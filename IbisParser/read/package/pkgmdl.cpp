@@ -27,6 +27,7 @@ struct PkgKeyword : SecKeyword<PkgMdl> {
 };
 
 static struct PkgReading : SecReading<PkgMdl, PkgKeyword, &PkgMdl::found> {
+    PlaceSpot endModelData = {0, 0};
     SectPath* path = nullptr;  // sections of the current pin
     SectPath discarded = {};   // those of a pin that is listed twice
     int pinLines = 0;
@@ -177,6 +178,7 @@ static void s_end(PkgMdl* package)
         s_reading.pinLines != package->numberOfPins)
         ERRLOG_LineErrorNew(2313, package->name, s_reading.pinLines, package->numberOfPins);
     if (s_reading.Has(KEY_MODEL_DATA)) {
+        const PlaceLogged at(s_reading.endModelData);
         for (const int code : {KEY_INDUCTANCE_MATRIX, KEY_CAPACITANCE_MATRIX})
             if (!s_reading.Has(code))
                 ERRLOG_LineErrorNew(2319, package->name, SEC_KeywordName(code));
@@ -242,10 +244,12 @@ static int s_beginMatrix(PkgMdl* package, char* text)
 
 static int s_receiveEndModelData(PkgMdl* package)
 {
-    if (package->modelDataOpen)
-        s_endModelData(package);
-    else
+    if (!package->modelDataOpen) {
         ERRLOG_LineErrorNew(2321);
+        return 1;
+    }
+    s_reading.endModelData = PLACE_Here();
+    s_endModelData(package);
     return 1;
 }
 
