@@ -52,6 +52,16 @@ consteval ErrArg ERRLOG_ArgFor(char conversion)
     }
 }
 
+// The text of a number, or an empty one. By value: with the sanitizers the address of a row is no
+// constant that could be compared.
+consteval std::string_view ERRLOG_TextOf(int number)
+{
+    const int row = ERRLOG_FindRow(errRows, number);
+    if (row >= 0) return errRows[row].text;
+    const int later = ERRLOG_FindRow(errLaterRows, number);
+    return later >= 0 ? errLaterRows[later].text : std::string_view();
+}
+
 // Whether the text takes these arguments, in this order.
 consteval bool ERRLOG_Takes(std::string_view text, std::initializer_list<ErrArg> args)
 {
@@ -78,10 +88,10 @@ public:
     consteval ErrNumberOf(int number) : m_Number(static_cast<unsigned>(number))
     {
         if (number == 0) return;
-        const ErrorRow* row = ERRLOG_RowOf(number);
-        if (row == nullptr || std::string_view(row->text).ends_with("message."))
+        const std::string_view text = ERRLOG_TextOf(number);
+        if (text.empty() || text.ends_with("message."))
             ThisNumberHasNoText();
-        else if (!ERRLOG_Takes(row->text, {args...}))
+        else if (!ERRLOG_Takes(text, {args...}))
             TheTextTakesOtherArguments();
     }
     constexpr operator unsigned() const { return m_Number; }
