@@ -32,7 +32,7 @@ consteval ErrArg ERRLOG_ArgOf()
 }
 
 // What a conversion of printf takes.
-consteval ErrArg ERRLOG_ArgFor(char conversion)
+constexpr ErrArg ERRLOG_ArgFor(char conversion)
 {
     switch (conversion) {
         case 's':
@@ -54,7 +54,7 @@ consteval ErrArg ERRLOG_ArgFor(char conversion)
 
 // The text of a number, or an empty one. By value: with the sanitizers the address of a row is no
 // constant that could be compared.
-consteval std::string_view ERRLOG_TextOf(int number)
+constexpr std::string_view ERRLOG_TextOf(int number)
 {
     const int row = ERRLOG_FindRow(errRows, number);
     if (row >= 0) return errRows[row].text;
@@ -63,7 +63,7 @@ consteval std::string_view ERRLOG_TextOf(int number)
 }
 
 // Whether the text takes these arguments, in this order.
-consteval bool ERRLOG_Takes(std::string_view text, std::initializer_list<ErrArg> args)
+constexpr bool ERRLOG_Takes(std::string_view text, std::initializer_list<ErrArg> args)
 {
     const ErrArg* arg = args.begin();
     for (std::size_t at = text.find('%'); at != text.npos; at = text.find('%', at + 1)) {
