@@ -38,7 +38,7 @@ void WriteResult(const LinkResult& result, const std::string& folder)
     const std::filesystem::path out = MakeFolder(folder);
     for (const auto& [name, response] :
          {std::pair("impulse.csv", ResponseTable::Impulse), {"pulse.csv", ResponseTable::Pulse}})
-        WriteWholeFile(out / name, [&result, response](const TextSink& sink) {
+        WriteWholeFile(out / name, [&result, response = response](const TextSink& sink) {
             WriteResponses(result, response, sink);
         });
     WriteWholeFile(out / "result.json", JsonText(ResultJson(result)));
